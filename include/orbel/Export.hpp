@@ -1,0 +1,7 @@
+// Marks what liborbel offers to others; every other symbol of the library is hidden.
+#ifndef ORBEL_EXPORT_HPP
+#define ORBEL_EXPORT_HPP
+
+#define ORBEL_EXPORT __attribute__((visibility("default")))
+
+#endif

@@ -1,0 +1,26 @@
+#ifndef ORBEL_MESSAGECATALOGUE_HPP
+#define ORBEL_MESSAGECATALOGUE_HPP
+
+#include <string>
+#include <vector>
+
+#include <orbel/Diagnostics.hpp>
+
+namespace orbel {
+
+// The words behind message identifiers. Placeholders "{1}", "{2}", ... stand for the arguments, in
+// the order of the message record; "{{" and "}}" stand for the braces themselves. The catalogue is
+// process-wide; a host replaces entries to speak another language.
+
+// Sets the words of the message `component`:`identifier`, replacing any that were there.
+ORBEL_EXPORT void setMessage(const std::string& component, const std::string& identifier,
+                             const std::string& words);
+
+// The words of the message with its arguments filled in. A message that is not in the catalogue
+// gives its full ID and its arguments, so that nothing is ever reported without words. Numbers are
+// written without a fraction when they have none, in no locale.
+ORBEL_EXPORT std::string formatMessage(const MessageRecord& record);
+
+}  // namespace orbel
+
+#endif
