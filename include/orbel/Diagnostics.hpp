@@ -16,7 +16,8 @@ using MessageArgument = std::variant<std::string, double>;
 
 // What happened, apart from the words for it: the component that reports, the identifier of the
 // message within that component, and the values it mentions in the order the message expects.
-// Reporters derive one record type per identifier, so that the arguments are checked by the compiler.
+// Reporters derive one record type per identifier, so that the arguments are checked by the
+// compiler.
 class ORBEL_EXPORT MessageRecord {
  public:
   MessageRecord(std::string component, std::string identifier,

@@ -1,0 +1,136 @@
+#include <cassert>
+#include <utility>
+
+#include <varn/FileRepOrvBridge.hpp>
+#include <varn/VarnFileRepository.hpp>
+#include <varn/VarnFileSectionKind.hpp>
+
+#include "bridge/AttributeTable.hpp"
+#include "host/Diagnostics.hpp"
+#include "sections/SectionKindTable.hpp"
+
+namespace Varn {
+namespace {
+
+VarnFileSectionKind sectionKind(const std::string& name) {
+  const int kind = findSectionKindByOrvName(name);
+  if (kind < 0) raise(InvalidFileAttribute(name));
+  return static_cast<VarnFileSectionKind>(kind);
+}
+
+// The typedefs have a second name here, and only here.
+VarnFileSectionKind builtinOfCustomSection(const std::string& builtinSection,
+                                           const std::string& customSection) {
+  if (builtinSection == "Types") return TYPEDEFS_SECTION;
+  const int kind = findSectionKindByOrvName(builtinSection);
+  if (kind < 0) raise(CustomContentInvalidBuiltin(customSection, builtinSection));
+  return static_cast<VarnFileSectionKind>(kind);
+}
+
+}  // namespace
+
+FileRepOrvBridge::FileRepOrvBridge(VarnFileRepository& repository) : repository_(&repository) {}
+
+FileRepOrvBridge::~FileRepOrvBridge() = default;
+
+VarnFile& FileRepOrvBridge::getFileFromIndex(int index) const {
+  const std::vector<VarnFile*>& files = repository_->getFileList();
+  if (index < 0 || static_cast<std::size_t>(index) >= files.size()) raise(InvalidFileIndex(index));
+  return *files[static_cast<std::size_t>(index)];
+}
+
+const char* FileRepOrvBridge::getStringAttribute(int index, const std::string& name) const {
+  const VarnFile& file = getFileFromIndex(index);
+  const AttributeRow* attribute = findAttribute(name);
+  if (attribute == nullptr) return file.getFileSection(sectionKind(name)).getContent().c_str();
+  if (attribute->readString == nullptr) raise(InvalidFileAttribute(name));
+  return attribute->readString(file).c_str();
+}
+
+bool FileRepOrvBridge::getBooleanAttribute(int index, const std::string& name) const {
+  const VarnFile& file = getFileFromIndex(index);
+  const AttributeRow* attribute = findAttribute(name);
+  if (attribute == nullptr || attribute->readBoolean == nullptr) raise(InvalidFileAttribute(name));
+  return attribute->readBoolean(file);
+}
+
+const std::vector<std::string>& FileRepOrvBridge::getStringArrayAttribute(
+    int index, const std::string& name) const {
+  const VarnFile& file = getFileFromIndex(index);
+  const AttributeRow* attribute = findAttribute(name);
+  if (attribute == nullptr || attribute->readStringArray == nullptr) {
+    raise(InvalidFileAttribute(name));
+  }
+  return attribute->readStringArray(file);
+}
+
+void FileRepOrvBridge::setAttribute(int index, const std::string& name, const char* value) {
+  assert(value != nullptr);
+  VarnFile& file = getFileFromIndex(index);
+  const AttributeRow* attribute = findAttribute(name);
+  if (attribute == nullptr || attribute->writeString == nullptr) raise(InvalidFileAttribute(name));
+  attribute->writeString(file, value);
+}
+
+void FileRepOrvBridge::setAttribute(int index, const std::string& name, bool value) {
+  VarnFile& file = getFileFromIndex(index);
+  const AttributeRow* attribute = findAttribute(name);
+  if (attribute == nullptr || attribute->writeBoolean == nullptr) raise(InvalidFileAttribute(name));
+  attribute->writeBoolean(file, value);
+}
+
+bool FileRepOrvBridge::isStringAttribute(const std::string& name) const {
+  const AttributeRow* attribute = findAttribute(name);
+  return attribute != nullptr ? attribute->readString != nullptr : isFileSectionAttribute(name);
+}
+
+bool FileRepOrvBridge::isBooleanAttribute(const std::string& name) const {
+  const AttributeRow* attribute = findAttribute(name);
+  return attribute != nullptr && attribute->readBoolean != nullptr;
+}
+
+bool FileRepOrvBridge::isStringArrayAttribute(const std::string& name) const {
+  const AttributeRow* attribute = findAttribute(name);
+  return attribute != nullptr && attribute->readStringArray != nullptr;
+}
+
+bool FileRepOrvBridge::isFileSectionAttribute(const std::string& name) const {
+  return findSectionKindByOrvName(name) >= 0;
+}
+
+void FileRepOrvBridge::addSectionContent(int index, const std::string& sectionName,
+                                         boost::shared_ptr<FileSectionFragment> fragment) {
+  VarnFile& file = getFileFromIndex(index);
+  file.getFileSection(sectionKind(sectionName)).addFragment(std::move(fragment));
+}
+
+void FileRepOrvBridge::addSectionContent(int index, const std::string& sectionName,
+                                         const char* text) {
+  VarnFile& file = getFileFromIndex(index);
+  file.getFileSection(sectionKind(sectionName)).addContent_cstr(text);
+}
+
+void FileRepOrvBridge::addCustomSection(int index, const std::string& builtinSectionName,
+                                        const std::string& customSectionName) {
+  VarnFile& file = getFileFromIndex(index);
+  const auto kind = builtinOfCustomSection(builtinSectionName, customSectionName);
+  file.getCustomContent().addCustomSection(customSectionName.c_str(), kind);
+}
+
+void FileRepOrvBridge::appendMissingTokens(int index, const std::string& sectionName) {
+  VarnFile& file = getFileFromIndex(index);
+  const VarnFileSectionKind kind = sectionKind(sectionName);
+  file.getCustomContent().appendMissingTokens(file.getFileSection(kind), kind);
+}
+
+void FileRepOrvBridge::clearSection(int index, const std::string& sectionName) const {
+  VarnFile& file = getFileFromIndex(index);
+  file.getFileSection(sectionKind(sectionName)).clearContent();
+}
+
+void FileRepOrvBridge::writeSection(int index, const std::string& sectionName, FILE* stream) const {
+  VarnFile& file = getFileFromIndex(index);
+  file.writeSectionToFile(sectionKind(sectionName), stream);
+}
+
+}  // namespace Varn

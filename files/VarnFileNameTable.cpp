@@ -1,0 +1,56 @@
+#include <utility>
+
+#include <varn/VarnFileNameTable.hpp>
+
+namespace Varn {
+namespace {
+
+constexpr std::pair<const char*, FileType> fileTypes[] = {
+    {"UndefinedFile", UndefinedFile},
+    {"ModelHeaderFile", ModelHeaderFile},
+    {"ModelSourceFile", ModelSourceFile},
+    {"ModelDataFile", ModelDataFile},
+    {"ModelPrivateFile", ModelPrivateFile},
+    {"ModelTypesFile", ModelTypesFile},
+    {"ModelCapiSrcFile", ModelCapiSrcFile},
+    {"ModelCapiHdrFile", ModelCapiHdrFile},
+    {"ModelCapiHostHdrFile", ModelCapiHostHdrFile},
+    {"ModelTestIfSrcFile", ModelTestIfSrcFile},
+    {"ModelTestIfHdrFile", ModelTestIfHdrFile},
+    {"ModelExtModeDataInterfaceFile", ModelExtModeDataInterfaceFile},
+};
+
+}  // namespace
+
+VarnFileNameTable::VarnFileNameTable() {
+  names_.emplace(UndefinedFile, std::string());
+  populateFileTypeStrToEnumMap();
+}
+
+void VarnFileNameTable::addFileNameToTable(FileType type, const std::string& name) {
+  names_.emplace(type, name);
+}
+
+void VarnFileNameTable::addFileNameToTable(const std::string& typeName, const std::string& name) {
+  addFileNameToTable(getFileTypeFromString(typeName), name);
+}
+
+const std::string& VarnFileNameTable::getFileNameFromTable(FileType type) const {
+  const auto found = names_.find(type);
+  return found != names_.end() ? found->second : names_.at(UndefinedFile);
+}
+
+const std::string& VarnFileNameTable::getFileNameFromTable(const std::string& typeName) const {
+  return getFileNameFromTable(getFileTypeFromString(typeName));
+}
+
+FileType VarnFileNameTable::getFileTypeFromString(const std::string& typeName) const {
+  const auto found = typeStrings_.find(typeName);
+  return found != typeStrings_.end() ? found->second : UndefinedFile;
+}
+
+void VarnFileNameTable::populateFileTypeStrToEnumMap() {
+  for (const auto& [name, type] : fileTypes) typeStrings_.emplace(name, type);
+}
+
+}  // namespace Varn

@@ -1,0 +1,15 @@
+#include <memory>
+
+#include <varn/VarnModuleFile.hpp>
+#include <varn/VarnModuleFileContentBuilder.hpp>
+
+namespace Varn {
+
+VarnModuleFile::VarnModuleFile(const std::string& name)
+    : VarnFile(name.c_str(), std::make_unique<VarnModuleFileContentBuilder>()) {}
+
+VarnModuleFile::~VarnModuleFile() = default;
+
+std::string VarnModuleFile::getFullyQualifiedKoboTypeName() const { return "Varn.VarnModuleFile"; }
+
+}  // namespace Varn

@@ -1,0 +1,24 @@
+#ifndef VARN_FILETYPE_HPP
+#define VARN_FILETYPE_HPP
+
+namespace Varn {
+
+// The well-known files of a model.
+enum FileType : int {
+  UndefinedFile = 0,
+  ModelHeaderFile = 1,
+  ModelSourceFile = 2,
+  ModelDataFile = 3,
+  ModelPrivateFile = 4,
+  ModelTypesFile = 5,
+  ModelCapiSrcFile = 6,
+  ModelCapiHdrFile = 7,
+  ModelCapiHostHdrFile = 8,
+  ModelTestIfSrcFile = 9,
+  ModelTestIfHdrFile = 10,
+  ModelExtModeDataInterfaceFile = 11
+};
+
+}  // namespace Varn
+
+#endif

@@ -1,0 +1,40 @@
+#ifndef VARN_VARNFILENAMETABLE_HPP
+#define VARN_VARNFILENAMETABLE_HPP
+
+#include <string>
+
+#include <boost/unordered_map.hpp>
+
+#include <varn/Export.hpp>
+#include <varn/FileType.hpp>
+
+namespace Varn {
+
+// The names of a model's well-known files. Copies are independent.
+class VARN_EXPORT VarnFileNameTable {
+ public:
+  // Every file has the empty name.
+  VarnFileNameTable();
+
+  // Names the file of `type`. The first name stays: a later one is dropped.
+  void addFileNameToTable(FileType type, const std::string& name);
+  void addFileNameToTable(const std::string& typeName, const std::string& name);
+
+  // The name of the file of `type`; one that has none has the name of UndefinedFile, which is
+  // empty. Good as long as the table lives.
+  const std::string& getFileNameFromTable(FileType type) const;
+  const std::string& getFileNameFromTable(const std::string& typeName) const;
+
+  // The type whose enumerator is spelled exactly `typeName`; UndefinedFile for any other text.
+  FileType getFileTypeFromString(const std::string& typeName) const;
+
+ private:
+  void populateFileTypeStrToEnumMap();
+
+  boost::unordered_map<int, std::string> names_;
+  boost::unordered_map<std::string, FileType> typeStrings_;
+};
+
+}  // namespace Varn
+
+#endif

@@ -1,0 +1,92 @@
+#ifndef VARN_VARNMODULEFILE_HPP
+#define VARN_VARNMODULEFILE_HPP
+
+#include <string>
+
+#include <varn/Export.hpp>
+#include <varn/VarnFile.hpp>
+
+namespace Varn {
+
+// A header or source file of some modules of the model; the repository finds it by module index.
+class VARN_EXPORT VarnModuleFile : public VarnFile {
+ public:
+  // A name that holds a NUL is cut there.
+  explicit VarnModuleFile(const std::string& name);
+  VarnModuleFile(const VarnModuleFile&) = delete;
+  VarnModuleFile& operator=(const VarnModuleFile&) = delete;
+  ~VarnModuleFile() override;
+
+  std::string getFullyQualifiedKoboTypeName() const override;
+
+  // The section of one kind each, good as long as the file lives; the forms with the prefix are for
+  // host scripts.
+  FileSection& getIncludesSection() { return getFileSection(INCLUDES_SECTION); }
+  const FileSection& getIncludesSection() const { return getFileSection(INCLUDES_SECTION); }
+  FileSection& kobo_getIncludesSection() { return getFileSection(INCLUDES_SECTION); }
+  const FileSection& kobo_getIncludesSection() const { return getFileSection(INCLUDES_SECTION); }
+  FileSection& getDefinesSection() { return getFileSection(DEFINES_SECTION); }
+  const FileSection& getDefinesSection() const { return getFileSection(DEFINES_SECTION); }
+  FileSection& kobo_getDefinesSection() { return getFileSection(DEFINES_SECTION); }
+  const FileSection& kobo_getDefinesSection() const { return getFileSection(DEFINES_SECTION); }
+  FileSection& getTypedefsSection() { return getFileSection(TYPEDEFS_SECTION); }
+  const FileSection& getTypedefsSection() const { return getFileSection(TYPEDEFS_SECTION); }
+  FileSection& kobo_getTypedefsSection() { return getFileSection(TYPEDEFS_SECTION); }
+  const FileSection& kobo_getTypedefsSection() const { return getFileSection(TYPEDEFS_SECTION); }
+  FileSection& getForwardDeclarationsSection() { return getFileSection(FORWARD_DECLS_SECTION); }
+  const FileSection& getForwardDeclarationsSection() const {
+    return getFileSection(FORWARD_DECLS_SECTION);
+  }
+  FileSection& kobo_getForwardDeclarationsSection() {
+    return getFileSection(FORWARD_DECLS_SECTION);
+  }
+  const FileSection& kobo_getForwardDeclarationsSection() const {
+    return getFileSection(FORWARD_DECLS_SECTION);
+  }
+  FileSection& getExternDataSection() { return getFileSection(EXTERN_DATA_SECTION); }
+  const FileSection& getExternDataSection() const { return getFileSection(EXTERN_DATA_SECTION); }
+  FileSection& kobo_getExternDataSection() { return getFileSection(EXTERN_DATA_SECTION); }
+  const FileSection& kobo_getExternDataSection() const {
+    return getFileSection(EXTERN_DATA_SECTION);
+  }
+  FileSection& getExternFunctionsSection() { return getFileSection(EXTERN_FCNS_SECTION); }
+  const FileSection& getExternFunctionsSection() const {
+    return getFileSection(EXTERN_FCNS_SECTION);
+  }
+  FileSection& kobo_getExternFunctionsSection() { return getFileSection(EXTERN_FCNS_SECTION); }
+  const FileSection& kobo_getExternFunctionsSection() const {
+    return getFileSection(EXTERN_FCNS_SECTION);
+  }
+  FileSection& getFunctionPrototypesSection() { return getFileSection(FCN_PROTOTYPES_SECTION); }
+  const FileSection& getFunctionPrototypesSection() const {
+    return getFileSection(FCN_PROTOTYPES_SECTION);
+  }
+  FileSection& kobo_getFunctionPrototypesSection() {
+    return getFileSection(FCN_PROTOTYPES_SECTION);
+  }
+  const FileSection& kobo_getFunctionPrototypesSection() const {
+    return getFileSection(FCN_PROTOTYPES_SECTION);
+  }
+  FileSection& getDeclarationsSection() { return getFileSection(DECLARATIONS_SECTION); }
+  const FileSection& getDeclarationsSection() const { return getFileSection(DECLARATIONS_SECTION); }
+  FileSection& kobo_getDeclarationsSection() { return getFileSection(DECLARATIONS_SECTION); }
+  const FileSection& kobo_getDeclarationsSection() const {
+    return getFileSection(DECLARATIONS_SECTION);
+  }
+  FileSection& getFunctionsSection() { return getFileSection(FUNCTIONS_SECTION); }
+  const FileSection& getFunctionsSection() const { return getFileSection(FUNCTIONS_SECTION); }
+  FileSection& kobo_getFunctionsSection() { return getFileSection(FUNCTIONS_SECTION); }
+  const FileSection& kobo_getFunctionsSection() const { return getFileSection(FUNCTIONS_SECTION); }
+  FileSection& getDocumentationSection() { return getFileSection(DOCUMENTATION_SECTION); }
+  const FileSection& getDocumentationSection() const {
+    return getFileSection(DOCUMENTATION_SECTION);
+  }
+  FileSection& kobo_getDocumentationSection() { return getFileSection(DOCUMENTATION_SECTION); }
+  const FileSection& kobo_getDocumentationSection() const {
+    return getFileSection(DOCUMENTATION_SECTION);
+  }
+};
+
+}  // namespace Varn
+
+#endif

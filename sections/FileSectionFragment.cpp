@@ -1,0 +1,7 @@
+#include <varn/FileSectionFragment.hpp>
+
+namespace Varn {
+
+FileSectionFragment::~FileSectionFragment() = default;
+
+}  // namespace Varn
