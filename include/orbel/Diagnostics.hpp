@@ -71,7 +71,8 @@ struct MemoryRelease {
 // A NUL-terminated text in host memory.
 using HostText = std::unique_ptr<char, MemoryRelease>;
 
-// A diagnostic for `record`; `context` (may be empty) is put in front of the message's words.
+// A diagnostic for `record`; `context`, unless empty, is put in front of the message's words with
+// ": " between them.
 ORBEL_EXPORT DiagnosticPtr createDiagnostic(const MessageRecord& record,
                                             const std::string& context);
 

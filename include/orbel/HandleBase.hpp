@@ -54,6 +54,8 @@ class ORBEL_EXPORT HandleBase {
   HandleBase& operator=(const HandleBase& /*source*/) { return *this; }
 
  private:
+  friend class ObjectIdentity;
+
   ObjectIdentity* identity_ = nullptr;
 };
 

@@ -1,0 +1,67 @@
+#ifndef ORBEL_HANDLE_HPP
+#define ORBEL_HANDLE_HPP
+
+#include <utility>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <boost/smart_ptr/intrusive_ref_counter.hpp>
+
+#include <orbel/Export.hpp>
+#include <orbel/HandleBase.hpp>
+
+namespace orbel {
+
+// What every handle to one object shares: where the object is, for as long as it lives. It is made
+// when the object is first shown to a script and goes with the last handle.
+class ORBEL_EXPORT ObjectIdentity
+    : public boost::intrusive_ref_counter<ObjectIdentity, boost::thread_unsafe_counter> {
+ public:
+  // The identity of `object`, made now if it has none yet.
+  static boost::intrusive_ptr<ObjectIdentity> of(HandleBase& object);
+
+  ObjectIdentity(const ObjectIdentity&) = delete;
+  ObjectIdentity& operator=(const ObjectIdentity&) = delete;
+  virtual ~ObjectIdentity();
+
+  // Null once the object has died.
+  HandleBase* object() const { return object_; }
+
+  // Whether the object was made by a script, so that it dies with its last handle at the latest.
+  virtual bool ownsObject() const { return false; }
+
+  // Destroys the object if it is owned here and still lives.
+  virtual void destroyObject() noexcept {}
+
+ protected:
+  ObjectIdentity() = default;
+  void attach(HandleBase& object);
+
+ private:
+  friend class HandleBase;
+
+  HandleBase* object_ = nullptr;
+};
+
+// A host handle: refers to an object without owning it, unless the object was made by a script.
+// Copies are cheap and equal. Handles are used by one thread at a time.
+class Handle {
+ public:
+  explicit Handle(boost::intrusive_ptr<ObjectIdentity> identity) : identity_(std::move(identity)) {}
+
+  // Null once the object has died.
+  HandleBase* object() const { return identity_->object(); }
+  bool isValid() const { return object() != nullptr; }
+  ObjectIdentity& identity() const { return *identity_; }
+
+  friend bool operator==(const Handle& left, const Handle& right) {
+    return left.identity_ == right.identity_;
+  }
+  friend bool operator!=(const Handle& left, const Handle& right) { return !(left == right); }
+
+ private:
+  boost::intrusive_ptr<ObjectIdentity> identity_;
+};
+
+}  // namespace orbel
+
+#endif

@@ -1,0 +1,25 @@
+#include <orbel/Handle.hpp>
+
+namespace orbel {
+
+boost::intrusive_ptr<ObjectIdentity> ObjectIdentity::of(HandleBase& object) {
+  if (object.identity_ == nullptr) {
+    boost::intrusive_ptr<ObjectIdentity> identity(new ObjectIdentity);
+    identity->attach(object);
+    return identity;
+  }
+  return object.identity_;
+}
+
+ObjectIdentity::~ObjectIdentity() {
+  if (object_ != nullptr) {
+    object_->identity_ = nullptr;
+  }
+}
+
+void ObjectIdentity::attach(HandleBase& object) {
+  object_ = &object;
+  object.identity_ = this;
+}
+
+}  // namespace orbel
