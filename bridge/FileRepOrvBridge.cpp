@@ -114,7 +114,8 @@ void FileRepOrvBridge::addCustomSection(int index, const std::string& builtinSec
                                         const std::string& customSectionName) {
   VarnFile& file = getFileFromIndex(index);
   const auto kind = builtinOfCustomSection(builtinSectionName, customSectionName);
-  file.getCustomContent().addCustomSection(customSectionName.c_str(), kind);
+  const std::string name = customSectionName.substr(0, customSectionName.find('\0'));
+  file.getCustomContent().addCustomSection(name, kind);
 }
 
 void FileRepOrvBridge::appendMissingTokens(int index, const std::string& sectionName) {

@@ -6,7 +6,7 @@
 namespace Varn {
 
 VarnModuleFile::VarnModuleFile(const std::string& name)
-    : VarnFile(name.c_str(), std::make_unique<VarnModuleFileContentBuilder>()) {}
+    : VarnFile(name.substr(0, name.find('\0')), std::make_unique<VarnModuleFileContentBuilder>()) {}
 
 VarnModuleFile::~VarnModuleFile() = default;
 

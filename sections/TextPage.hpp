@@ -36,6 +36,8 @@ class TextPage : public boost::intrusive_ref_counter<TextPage> {
   ~TextPage() = default;
 
   // A page is longer than the class, so its memory is given back without a size.
+  // NOLINTNEXTLINE(misc-new-delete-overloads): make() takes the memory from the global operator
+  // new.
   static void operator delete(void* memory) noexcept { ::operator delete(memory); }
 
   std::size_t capacity() const { return capacity_; }

@@ -51,7 +51,7 @@ class ORBEL_EXPORT HandleBase {
   HandleBase() = default;
   // A copy is another object: no handle to the source refers to it.
   HandleBase(const HandleBase& /*source*/) : HandleBase() {}
-  HandleBase& operator=(const HandleBase& /*source*/) { return *this; }
+  HandleBase& operator=(const HandleBase&) = delete;
 
  private:
   friend class ObjectIdentity;
