@@ -39,5 +39,6 @@ target_include_directories(varn_filepackaging
 target_link_libraries(varn_filepackaging PUBLIC orbel Boost::headers PRIVATE Boost::filesystem)
 set_target_properties(varn_filepackaging PROPERTIES
   VERSION ${PROJECT_VERSION}
-  SOVERSION ${PROJECT_VERSION_MAJOR})
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  INSTALL_RPATH $ORIGIN)
 add_library(varn::varn_filepackaging ALIAS varn_filepackaging)
