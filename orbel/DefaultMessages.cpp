@@ -42,6 +42,7 @@ const std::vector<DefaultMessage>& defaultMessages() {
       {"Orbel", "PropertyReadOnly", "The property {1} cannot be set."},
       {"Orbel", "WrongArgumentCount", "{1} takes {2} argument(s), but was given {3}."},
       {"Orbel", "WrongArgumentClass", "Argument {2} of {1} must be {3}, but is {4}."},
+      {"Orbel", "WrongObjectClass", "{1} needs an object of the class {2}, but was given {3}."},
       {"Orbel", "WrongPropertyClass", "The value of {1} must be {2}, but is {3}."},
       {"Orbel", "MustBeCellArray",
        "The value of {1} must be a cell array of character arrays, but is {2}."},

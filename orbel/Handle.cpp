@@ -1,4 +1,5 @@
 #include <orbel/Handle.hpp>
+#include <orbel/ObjectSystem.hpp>
 
 namespace orbel {
 
@@ -20,6 +21,13 @@ ObjectIdentity::~ObjectIdentity() {
 void ObjectIdentity::attach(HandleBase& object) {
   object_ = &object;
   object.identity_ = this;
+}
+
+const ClassInfo* ObjectIdentity::resolveClass() const {
+  if (object_ != nullptr) {
+    class_ = ObjectSystem::instance().classOf(*object_, ownsObject());
+  }
+  return class_;
 }
 
 }  // namespace orbel

@@ -1,4 +1,6 @@
+#include <orbel/ClassInfo.hpp>
 #include <orbel/HandleBase.hpp>
+#include <orbel/ObjectSystem.hpp>
 #include <orbel/Value.hpp>
 
 namespace orbel {
@@ -26,9 +28,11 @@ void HandleBase::unlock() {}
 HandleBase* HandleBase::fromHostValue(const Value& value, const std::string& qualifiedClassName) {
   const auto* const handle = value.get<Handle>();
   HandleBase* const object = handle ? handle->object() : nullptr;
-  const bool matches =
-      object != nullptr && object->getFullyQualifiedKoboTypeName() == qualifiedClassName;
-  return matches ? object : nullptr;
+  if (object == nullptr || object->getFullyQualifiedKoboTypeName() == qualifiedClassName) {
+    return object;
+  }
+  const ClassInfo* const actual = handle->identity().classInfo();
+  return actual != nullptr && actual->derivesFrom(qualifiedClassName) ? object : nullptr;
 }
 
 }  // namespace orbel

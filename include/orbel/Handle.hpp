@@ -11,6 +11,8 @@
 
 namespace orbel {
 
+class ClassInfo;
+
 // What every handle to one object shares: where the object is, for as long as it lives. It is made
 // when the object is first shown to a script and goes with the last handle.
 class ORBEL_EXPORT ObjectIdentity
@@ -26,6 +28,11 @@ class ORBEL_EXPORT ObjectIdentity
   // Null once the object has died.
   HandleBase* object() const { return object_; }
 
+  // The class of the living object, looked up by the name that the object gives; null before
+  // HandleBase::getFullyQualifiedKoboTypeName() names a class that the object system knows. The
+  // first successful look-up is kept.
+  const ClassInfo* classInfo() const { return class_ != nullptr ? class_ : resolveClass(); }
+
   // Whether the object was made by a script, so that it dies with its last handle at the latest.
   virtual bool ownsObject() const { return false; }
 
@@ -39,7 +46,10 @@ class ORBEL_EXPORT ObjectIdentity
  private:
   friend class HandleBase;
 
+  const ClassInfo* resolveClass() const;
+
   HandleBase* object_ = nullptr;
+  mutable const ClassInfo* class_ = nullptr;
 };
 
 // A host handle: refers to an object without owning it, unless the object was made by a script.

@@ -1,0 +1,32 @@
+#ifndef ORBEL_PACKAGEINFO_HPP
+#define ORBEL_PACKAGEINFO_HPP
+
+#include <string>
+
+#include <orbel/ClassRegistrar.hpp>
+#include <orbel/Export.hpp>
+#include <orbel/HostMemory.hpp>
+
+namespace orbel {
+
+// A package of classes, made by a module and handed over with ObjectSystem::addPackage.
+//
+// The order of the virtual operations is part of the contract with modules.
+class ORBEL_EXPORT PackageInfo : public HostMemory {
+ public:
+  virtual ~PackageInfo();
+
+  virtual std::string getName() const = 0;
+
+  // Empty by default.
+  virtual std::string getDescription() const;
+
+  // Adds the classes to `registrar`, which lives as long as the host. The host asks once, at the
+  // latest when a script first uses one of the classes. If it raises, the classes added so far
+  // stay.
+  virtual void registerClasses(ClassRegistrar& registrar) = 0;
+};
+
+}  // namespace orbel
+
+#endif

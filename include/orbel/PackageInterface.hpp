@@ -1,0 +1,59 @@
+#ifndef ORBEL_PACKAGEINTERFACE_HPP
+#define ORBEL_PACKAGEINTERFACE_HPP
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <orbel/ClassInfo.hpp>
+#include <orbel/ClassRegistrar.hpp>
+#include <orbel/Export.hpp>
+#include <orbel/PackageInfo.hpp>
+
+namespace orbel {
+
+class Client;
+
+// A package as the host keeps it. Its classes are asked for when one of them is first looked for,
+// and each is defined when it is first found.
+class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
+ public:
+  explicit PackageInterface(std::unique_ptr<PackageInfo> info);
+  PackageInterface(const PackageInterface&) = delete;
+  PackageInterface& operator=(const PackageInterface&) = delete;
+  ~PackageInterface() override;
+
+  const std::string& name() const { return name_; }
+  std::string description() const { return info_->getDescription(); }
+
+  // The simple names, in the order of registration. Defines nothing.
+  std::vector<std::string> classNames();
+
+  // The class with the simple name `name`, defined; null when there is none. Lets through what
+  // registration and definition raise.
+  const ClassInfo* findClass(const std::string& name);
+  // The same, but raises "UnknownClass".
+  const ClassInfo& getClass(const std::string& name);
+
+  // Withdraws the package from `client`, which no longer finds it or makes objects of its classes.
+  // Objects that exist stay usable.
+  void releaseForClient(const Client& client);
+  bool isAvailableTo(const Client& client) const { return released_.count(&client) == 0; }
+
+ private:
+  void addClass(std::unique_ptr<ClassInfo> info) override;
+  void ensureRegistered();
+
+  std::unique_ptr<PackageInfo> info_;
+  std::string name_;
+  bool registered_ = false;
+  std::vector<std::unique_ptr<ClassInfo>> classes_;
+  std::map<std::string, ClassInfo*> classesByName_;
+  std::set<const Client*> released_;
+};
+
+}  // namespace orbel
+
+#endif

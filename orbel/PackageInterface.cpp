@@ -1,0 +1,64 @@
+#include <utility>
+
+#include <orbel/PackageInterface.hpp>
+
+#include "HostErrors.hpp"
+
+namespace orbel {
+
+PackageInfo::~PackageInfo() = default;
+
+std::string PackageInfo::getDescription() const { return {}; }
+
+PackageInterface::PackageInterface(std::unique_ptr<PackageInfo> info)
+    : info_(std::move(info)), name_(info_->getName()) {}
+
+PackageInterface::~PackageInterface() = default;
+
+std::vector<std::string> PackageInterface::classNames() {
+  ensureRegistered();
+  std::vector<std::string> names;
+  names.reserve(classes_.size());
+  for (const auto& info : classes_) {
+    names.push_back(info->getName());
+  }
+  return names;
+}
+
+const ClassInfo* PackageInterface::findClass(const std::string& name) {
+  ensureRegistered();
+  const auto found = classesByName_.find(name);
+  if (found == classesByName_.end()) {
+    return nullptr;
+  }
+  found->second->ensureDefined();
+  return found->second;
+}
+
+const ClassInfo& PackageInterface::getClass(const std::string& name) {
+  const ClassInfo* const info = findClass(name);
+  if (info == nullptr) {
+    raise("UnknownClass", {name_ + "." + name});
+  }
+  return *info;
+}
+
+void PackageInterface::releaseForClient(const Client& client) { released_.insert(&client); }
+
+void PackageInterface::addClass(std::unique_ptr<ClassInfo> info) {
+  classes_.reserve(classes_.size() + 1);
+  info->joinPackage(*this);
+  if (!classesByName_.emplace(info->getName(), info.get()).second) {
+    raise("ClassExists", {name_, info->getName()});
+  }
+  classes_.push_back(std::move(info));
+}
+
+void PackageInterface::ensureRegistered() {
+  if (!registered_) {
+    registered_ = true;
+    info_->registerClasses(*this);
+  }
+}
+
+}  // namespace orbel
