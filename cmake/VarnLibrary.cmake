@@ -29,7 +29,11 @@ add_library(varn_filepackaging SHARED
   bridge/FileRepOrvBridge.cpp
   bridge/VarnFilePackagingManager.cpp
   bridge/VarnFilePackagingOrvBridge.cpp
-  host/Diagnostics.cpp)
+  host/Diagnostics.cpp
+  host/Module.cpp
+  host/VarnFilePackagingPackage.cpp)
+set_source_files_properties(host/Module.cpp PROPERTIES COMPILE_DEFINITIONS
+  "VARN_VERSION=\"${PROJECT_VERSION}\";VARN_MODULE_SUFFIX=\"${CMAKE_SHARED_LIBRARY_SUFFIX}\"")
 varn_target(varn_filepackaging)
 target_include_directories(varn_filepackaging
   PUBLIC
