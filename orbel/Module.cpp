@@ -109,7 +109,7 @@ std::shared_ptr<Module> Module::load(const std::string& nameOrPath) {
     return module;
   }
   // The constructor is private.
-  const std::shared_ptr<Module> module(new Module(file.name, library.get(), file.path));
+  std::shared_ptr<Module> module(new Module(file.name, library.get(), file.path));
   startedModules().emplace(library.get(), module);
   static_cast<void>(library.release());
   module->initialise();

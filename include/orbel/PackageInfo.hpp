@@ -15,6 +15,8 @@ namespace orbel {
 class ORBEL_EXPORT PackageInfo : public HostMemory {
  public:
   virtual ~PackageInfo();
+  PackageInfo(const PackageInfo&) = delete;
+  PackageInfo& operator=(const PackageInfo&) = delete;
 
   virtual std::string getName() const = 0;
 
@@ -25,6 +27,9 @@ class ORBEL_EXPORT PackageInfo : public HostMemory {
   // latest when a script first uses one of the classes. If it raises, the classes added so far
   // stay.
   virtual void registerClasses(ClassRegistrar& registrar) = 0;
+
+ protected:
+  PackageInfo() = default;
 };
 
 }  // namespace orbel

@@ -1,0 +1,75 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <orbel/Diagnostics.hpp>
+#include <orbel/MessageCatalogue.hpp>
+
+#include "RaisedText.hpp"
+
+namespace {
+
+using namespace std::string_literals;
+using orbel::MessageRecord;
+
+MessageRecord duplicate(const std::string& given) {
+  return MessageRecord("Pyx:codeGen", "DuplicateFileEntry", {given, "model.c"});
+}
+
+TEST(Diagnostics, ThrowsRecordAndWords) {
+  try {
+    orbel::throwDiagnostic(
+        orbel::createDiagnostic(MessageRecord("Pyx:codeGen", "InvalidFileIndex", {-1.0}), ""),
+        nullptr);
+    FAIL() << "must not return";
+  } catch (const orbel::HostException& error) {
+    EXPECT_EQ(error.component(), "Pyx:codeGen");
+    EXPECT_EQ(error.identifier(), "InvalidFileIndex");
+    ASSERT_EQ(error.arguments().size(), 1U);
+    EXPECT_EQ(std::get<double>(error.arguments()[0]), -1.0);
+    EXPECT_STREQ(error.what(),
+                 "Pyx:codeGen:InvalidFileIndex: The repository has no file with the index -1. A "
+                 "file's index is its position in the file list, counted from 0.");
+  }
+}
+
+TEST(Diagnostics, ContextStandsInFrontAndTextReplacesTheWords) {
+  const MessageRecord record("Test", "None", {});
+  EXPECT_EQ(raisedText([&] {
+              orbel::throwDiagnostic(orbel::createDiagnostic(record, "reading"), "no luck");
+            }),
+            "Test:None: reading: no luck");
+}
+
+TEST(Diagnostics, RendersThePrefixOnEveryLine) {
+  const auto diagnostic = orbel::createDiagnostic(duplicate("MODEL\n.c\0"s), "");
+  const std::string words =
+      "-->The file name \"MODEL\n-->.c\\0\" was already given as \"model.c\". Names that differ "
+      "only in letter case are one file on some file systems.";
+  EXPECT_EQ(orbel::renderDiagnostic(*diagnostic, false, "-->").get(), words);
+  EXPECT_EQ(orbel::renderDiagnostic(*diagnostic, true, "-->").get(),
+            "-->Pyx:codeGen:DuplicateFileEntry: " + words.substr(3));
+}
+
+TEST(MessageCatalogue, FillsInWhatTheWordsName) {
+  const struct {
+    const char* words;
+    std::string text;
+  } rows[] = {
+      {"{2}, {1} and {2}", "12.5, one and 12.5"},
+      {"{{1}} {", "{1} {"},
+      {"{3} {0} {x} {1", "{3} {0} {x} {1"},
+      {"{99999999999999999999}", "{99999999999999999999}"},
+  };
+  for (const auto& row : rows) {
+    orbel::setMessage("Test", "Words", row.words);
+    EXPECT_EQ(orbel::formatMessage(MessageRecord("Test", "Words", {"one", 12.5})), row.text);
+  }
+}
+
+TEST(MessageCatalogue, UnknownMessagesStillSayAllThereIs) {
+  EXPECT_EQ(orbel::formatMessage(MessageRecord("Test", "Unknown", {"a{1}", 1e20, 4294967295.0})),
+            "Test:Unknown: a{1}, 100000000000000000000, 4294967295");
+}
+
+}  // namespace
