@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -18,13 +19,22 @@ std::unique_ptr<VarnFileContent> buildContent(const std::string& name,
   return content;
 }
 
+// The stem as boost::filesystem::path has it; but its stem() ends the program when memory runs out
+// while it compares the file name with "." and "..".
+std::string stemOf(const std::string& name) {
+  std::string fileName = boost::filesystem::path(name).filename().string();
+  if (fileName != "." && fileName != "..")
+    fileName.erase(std::min(fileName.rfind('.'), fileName.size()));
+  return fileName;
+}
+
 }  // namespace
 
 VarnFile::VarnFile(const std::string& name, std::unique_ptr<VarnFileContentBuilder> builder)
     : content_(buildContent(name, builder.get())),
       name_(orbel::toUtf16(name)),
       nameAscii_(name),
-      baseName_(boost::filesystem::path(name).stem().string()),
+      baseName_(stemOf(name)),
       nameWithoutExtension_(name, 0, name.rfind('.')),
       customContents_(name) {}
 
