@@ -56,8 +56,17 @@ VarnFilePackagingOrvBridge::VarnFilePackagingOrvBridge(VarnFilePackagingManager*
 }
 
 VarnFilePackagingOrvBridge::VarnFilePackagingOrvBridge(const VarnFilePackagingOrvBridge&) = default;
+
 VarnFilePackagingOrvBridge& VarnFilePackagingOrvBridge::operator=(
-    const VarnFilePackagingOrvBridge&) = default;
+    const VarnFilePackagingOrvBridge& source) {
+  VarnFilePackagingOrvBridge copy(source);
+  packagingTable_.swap(copy.packagingTable_);
+  attributeSetters_.swap(copy.attributeSetters_);
+  manager_ = copy.manager_;
+  repository_ = copy.repository_;
+  return *this;
+}
+
 VarnFilePackagingOrvBridge::~VarnFilePackagingOrvBridge() = default;
 
 void VarnFilePackagingOrvBridge::constructDefaultFilePackagingTable() {

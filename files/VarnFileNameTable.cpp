@@ -27,6 +27,17 @@ VarnFileNameTable::VarnFileNameTable() {
   populateFileTypeStrToEnumMap();
 }
 
+VarnFileNameTable::VarnFileNameTable(const VarnFileNameTable&) = default;
+
+VarnFileNameTable& VarnFileNameTable::operator=(const VarnFileNameTable& source) {
+  VarnFileNameTable copy(source);
+  names_.swap(copy.names_);
+  typeStrings_.swap(copy.typeStrings_);
+  return *this;
+}
+
+VarnFileNameTable::~VarnFileNameTable() = default;
+
 void VarnFileNameTable::addFileNameToTable(FileType type, const std::string& name) {
   names_.emplace(type, name);
 }

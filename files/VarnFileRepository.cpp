@@ -183,7 +183,12 @@ void VarnFileRepository::checkForDuplicateEntry(const std::string& name,
 bool VarnFileRepository::findDuplicateFileEntry(const std::string& name,
                                                 std::string& registeredName) {
   const auto [registered, isNew] = state_->registeredNames.insert(name);
-  registeredName = *registered;
+  try {
+    registeredName = *registered;
+  } catch (...) {
+    if (isNew) state_->registeredNames.erase(registered);
+    throw;
+  }
   return isNew;
 }
 

@@ -1,8 +1,12 @@
-#include <utility>
-
 #include <varn/UniqueNames.hpp>
 
 namespace Varn {
+
+UniqueNames& UniqueNames::operator=(const UniqueNames& source) {
+  UniqueNames copy(source);
+  swap(copy);
+  return *this;
+}
 
 void UniqueNames::add(const std::string& name) {
   const auto [position, isNew] = known_.insert(name);
@@ -19,8 +23,12 @@ void UniqueNames::assign(const std::vector<std::string>& names) {
   UniqueNames replacement;
   replacement.list_ = names;
   replacement.known_.insert(names.begin(), names.end());
-  list_.swap(replacement.list_);
-  known_.swap(replacement.known_);
+  swap(replacement);
+}
+
+void UniqueNames::swap(UniqueNames& other) noexcept {
+  list_.swap(other.list_);
+  known_.swap(other.known_);
 }
 
 }  // namespace Varn

@@ -16,9 +16,10 @@ class FileRepErrorStatus {
   void setMessage(const std::string& message) { message_ = message; }
 
  private:
+  // Assigned first: the only member whose assignment can fail.
+  std::string message_;
   bool hadError_ = false;
   bool isWarning_ = false;
-  std::string message_;
 };
 
 }  // namespace Varn

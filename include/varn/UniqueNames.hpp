@@ -16,6 +16,11 @@ namespace Varn {
 // Copies are independent. Every operation that fails leaves the list as it was.
 class VARN_EXPORT UniqueNames {
  public:
+  UniqueNames() = default;
+  UniqueNames(const UniqueNames&) = default;
+  UniqueNames& operator=(const UniqueNames& source);
+  ~UniqueNames() = default;
+
   // Appends `name` unless it is there. Constant time on average.
   void add(const std::string& name);
 
@@ -26,6 +31,8 @@ class VARN_EXPORT UniqueNames {
   const std::vector<std::string>& list() const { return list_; }
 
  private:
+  void swap(UniqueNames& other) noexcept;
+
   std::vector<std::string> list_;
   boost::unordered_set<std::string> known_;
 };

@@ -10,11 +10,15 @@
 
 namespace Varn {
 
-// The names of a model's well-known files. Copies are independent.
+// The names of a model's well-known files. Copies are independent; an assignment that fails leaves
+// the table as it was.
 class VARN_EXPORT VarnFileNameTable {
  public:
   // Every file has the empty name.
   VarnFileNameTable();
+  VarnFileNameTable(const VarnFileNameTable&);
+  VarnFileNameTable& operator=(const VarnFileNameTable& source);
+  ~VarnFileNameTable();
 
   // Names the file of `type`. The first name stays: a later one is dropped.
   void addFileNameToTable(FileType type, const std::string& name);

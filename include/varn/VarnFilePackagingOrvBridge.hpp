@@ -26,7 +26,7 @@ class VARN_EXPORT VarnFilePackagingOrvBridge {
   // Neither pointer is owned; `repository` must not be null.
   VarnFilePackagingOrvBridge(VarnFilePackagingManager* manager, VarnFileRepository* repository);
   VarnFilePackagingOrvBridge(const VarnFilePackagingOrvBridge&);
-  VarnFilePackagingOrvBridge& operator=(const VarnFilePackagingOrvBridge&);
+  VarnFilePackagingOrvBridge& operator=(const VarnFilePackagingOrvBridge& source);
   ~VarnFilePackagingOrvBridge();
 
   // Enters the rows of the default table; a key that is there keeps its row.
