@@ -1,0 +1,101 @@
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include <varn/CustomContents.hpp>
+
+#include "support/Diagnosed.hpp"
+#include "support/Streams.hpp"
+
+namespace Varn {
+namespace {
+
+using namespace std::string_literals;
+
+// What `contents` still has to append for `builtin`, one write per fragment.
+std::vector<std::string> appended(CustomContents& contents, VarnFileSectionKind builtin) {
+  FileSection section;
+  contents.appendMissingTokens(section, builtin);
+  return writesOf(section);
+}
+using Texts = std::vector<std::string>;
+
+TEST(CustomContents, AppendsWhatNobodyPlacedInTheOrderOfDeclaration) {
+  CustomContents contents("a.c");
+  const char* const names[] = {"Z", "Used", "A", "Retrieved", "A_InUse"};
+  contents.setCustomTokenInUse("Used");
+  for (const char* name : names) contents.addCustomSection(name, TYPEDEFS_SECTION);
+  contents.addCustomSection("Z", TYPEDEFS_SECTION);
+  contents.setCustomTokenInUse("Z_InUse");
+  contents.addCustomSection("Doc", DOCUMENTATION_SECTION);
+  for (const char* name : names) {
+    contents.addContentToSection(name, name + "1 \0x"s);
+    contents.addContentToSection(name, "2 ");
+  }
+  contents.addContentToSection("Doc", "3");
+  EXPECT_EQ("Retrieved1 2 ", contents.getCustomSectionContent("Retrieved", "R"));
+  EXPECT_EQ("", contents.getCustomSectionContent("Unknown", "R"));
+  EXPECT_EQ((Texts{"Z1 2 ", "A1 2 ", "A_InUse1 2 "}), appended(contents, TYPEDEFS_SECTION));
+  contents.addContentToSection("A", "late");
+  EXPECT_EQ(Texts{}, appended(contents, TYPEDEFS_SECTION)) << "each is placed once";
+  EXPECT_EQ(Texts{}, appended(contents, DOCUMENTATION_SECTION));
+  EXPECT_EQ("3", contents.getCustomSectionContent("Doc", "R"));
+  EXPECT_EQ("Used1 2 ", contents.getCustomSectionContent("Used", "R"));
+}
+
+TEST(CustomContents, AnEmptyTextIsAppendedAsAFragment) {
+  CustomContents contents("a.c");
+  contents.addCustomSection("A", BANNER_SECTION);
+  FileSection section;
+  contents.appendMissingTokens(section, BANNER_SECTION);
+  EXPECT_FALSE(section.isEmpty());
+}
+
+TEST(CustomContents, RaisesAndChangesNothing) {
+  CustomContents contents("a.c");
+  contents.addCustomSection("A", TYPEDEFS_SECTION);
+  contents.addContentToSection("A", "text");
+  EXPECT_EQ("Pyx:codeGen:CustomContentPreviousAssociation('A')('Definitions')('Typedefs')",
+            diagnosticOf([&] { contents.addCustomSection("A", DEFINITIONS_SECTION); }));
+  EXPECT_EQ("Pyx:codeGen:CustomContentSectionDoesNotExist('a.c')('N')",
+            diagnosticOf([&] { contents.addContentToSection("N", "x"); }));
+  EXPECT_FALSE(contents.isCustomSection("N"));
+  EXPECT_EQ(Texts{}, appended(contents, DEFINITIONS_SECTION));
+  const std::string& text = contents.getCustomSectionContent("A", "R");
+  EXPECT_EQ("Pyx:codeGen:CustomContentSectionAlreadyRetrieved('A')('S')('A')",
+            diagnosticOf([&] { contents.getCustomSectionContent("A", "S"); }));
+  EXPECT_EQ("text", text);
+}
+
+TEST(CustomContents, CopiesShareTheSectionsButNotTheTables) {
+  CustomContents source("a.c");
+  source.addCustomSection("A", BANNER_SECTION);
+  CustomContents assigned("b.c");
+  assigned.addCustomSection("Dropped", BANNER_SECTION);
+  assigned = source;
+  assigned = *&assigned;
+  CustomContents copy(source);
+  copy.addCustomSection("B", BANNER_SECTION);
+  copy.setCustomTokenInUse("A");
+  source.addContentToSection("A", "shared");
+  copy.addContentToSection("B", "own");
+  EXPECT_EQ(Texts{"own"}, appended(copy, BANNER_SECTION));
+  EXPECT_EQ(Texts{"shared"}, appended(assigned, BANNER_SECTION));
+  EXPECT_EQ(Texts{}, appended(source, BANNER_SECTION)) << "it was placed through another";
+  EXPECT_FALSE(source.isCustomSection("B") || assigned.isCustomSection("Dropped"));
+  EXPECT_EQ("Pyx:codeGen:CustomContentSectionDoesNotExist('a.c')('N')",
+            diagnosticOf([&] { assigned.addContentToSection("N", ""); }));
+}
+
+TEST(CustomSection, AClonesStateIsItsOwn) {
+  CustomSection section("A_InUse", DOCUMENTATION_SECTION);
+  section.addContent("text");
+  section.setIsRetrieved();
+  const std::unique_ptr<CustomSection> clone(section.clone());
+  clone->addContent(" more");
+  EXPECT_EQ("text|text more", section.getContent() + '|' + clone->getContent());
+  EXPECT_TRUE(clone->isRetrieved() && !clone->isRequired());
+}
+
+}  // namespace
+}  // namespace Varn

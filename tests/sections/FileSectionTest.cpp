@@ -1,0 +1,171 @@
+#include <array>
+#include <memory>
+#include <random>
+#include <sstream>
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+#include <varn/FileSection.hpp>
+#include <varn/StringFileSectionFragment.hpp>
+
+#include "support/Streams.hpp"
+
+namespace Varn {
+namespace {
+
+using namespace std::string_literals;
+
+// Shows the fragments one by one.
+class OpenSection : public FileSection {
+ public:
+  OpenSection() = default;
+  OpenSection(const OpenSection&) = default;
+  OpenSection& operator=(const OpenSection&) = delete;
+  ~OpenSection() override = default;
+  OpenSection* clone() const override { return new OpenSection(*this); }
+  using FileSection::getNumberOfSectionFragments;
+  using FileSection::getSectionFragment;
+};
+
+// A fragment of the engine's own, whose two ways to give its text can be told apart.
+class ForeignFragment : public FileSectionFragment {
+ public:
+  explicit ForeignFragment(std::string text) : text_(std::move(text)) {}
+  const std::string& getContent() const override { return text_; }
+  void writeToFile(FILE* stream) const override {
+    static_cast<void>(std::fputs("written ", stream));
+    static_cast<void>(std::fwrite(text_.data(), text_.size(), 1, stream));
+  }
+
+ private:
+  std::string text_;
+};
+
+std::string printed(const FileSection& section) {
+  std::ostringstream os;
+  os.width(500);
+  section.printToStream(os);
+  return os.str();
+}
+
+TEST(FileSection, HandedOutTextStaysUntilAFragmentObjectComes) {
+  OpenSection section;
+  section.addContent("a");
+  const std::string& text = section.getContent();
+  section.addContent("b");
+  section.addContent_cstr("c");
+  EXPECT_EQ("a", text);
+  section.clearContent();
+  EXPECT_EQ("a", text);
+  section.addContent(text);
+  section.addFragment(boost::make_shared<StringFileSectionFragment>("d"));
+  EXPECT_EQ("", text);
+  EXPECT_EQ("ad", section.getContent());
+}
+
+TEST(FileSection, FragmentTextStaysWhileAnySectionHoldsIt) {
+  auto section = std::make_unique<OpenSection>();
+  section->addContent("first");
+  section->addContent("second");
+  const std::string& text = section->getSectionFragment(1);
+  const std::unique_ptr<OpenSection> clone(section->clone());
+  for (int i = 0; i < 1000; ++i) section->addContent("more text than one page holds");
+  section.reset();
+  EXPECT_EQ("second", text);
+  EXPECT_EQ(&text, &clone->getSectionFragment(1));
+}
+
+TEST(FileSection, UsesAForeignFragmentThroughItsOperationsAndSharesIt) {
+  auto fragment = boost::make_shared<ForeignFragment>("f\0g"s);
+  auto section = std::make_unique<FileSection>();
+  section->addContent("a");
+  section->addFragment(fragment);
+  section->addContent("b");
+  EXPECT_EQ("af\0gb"s, section->getContent());
+  EXPECT_EQ("af\0gb"s, printed(*section));
+  EXPECT_EQ((std::vector<std::string>{"a", "written ", "f\0g"s, "b"}), writesOf(*section));
+  const std::unique_ptr<FileSection> clone(section->clone());
+  section->clearContent();
+  EXPECT_EQ(2, fragment.use_count());
+  EXPECT_EQ("af\0gb"s, clone->getContent());
+  clone->clearContent();
+  EXPECT_EQ(1, fragment.use_count());
+}
+
+// Sections and, beside each, the fragments that it should hold.
+class RandomRun {
+ public:
+  explicit RandomRun(unsigned int seed) : random_(seed) {}
+
+  void step() {
+    auto& [section, fragments] = sections_[below(sections_.size())];
+    const std::size_t action = below(20);
+    if (action < 9) {
+      const std::string text = someText();
+      section->addContent(text);
+      fragments.emplace_back(text.c_str());
+    } else if (action < 14) {
+      fragments.push_back(someText());
+      section->addFragment(boost::make_shared<StringFileSectionFragment>(fragments.back()));
+    } else if (action < 19) {
+      const auto& [source, sourceFragments] = sections_[below(sections_.size())];
+      if (&source == &section) return;
+      section.reset(source->clone());
+      fragments = sourceFragments;
+    } else {
+      section->clearContent();
+      fragments.clear();
+    }
+  }
+
+  void check() {
+    for (const auto& [section, fragments] : sections_) {
+      std::string text;
+      std::vector<std::string> writes;
+      for (const std::string& fragment : fragments) {
+        text += fragment;
+        if (!fragment.empty()) writes.push_back(fragment);
+      }
+      ASSERT_EQ(fragments.size(), section->getNumberOfSectionFragments());
+      ASSERT_EQ(fragments.empty(), section->isEmpty());
+      ASSERT_EQ(text, section->getContent());
+      ASSERT_EQ(text, printed(*section));
+      ASSERT_EQ(writes, writesOf(*section)) << "one write for each fragment";
+      if (fragments.empty()) continue;
+      const auto index = static_cast<unsigned int>(below(fragments.size()));
+      ASSERT_EQ(fragments[index], section->getSectionFragment(index));
+    }
+  }
+
+ private:
+  struct Checked {
+    std::unique_ptr<OpenSection> section = std::make_unique<OpenSection>();
+    std::vector<std::string> fragments;
+  };
+
+  std::size_t below(std::size_t end) { return random_() % end; }
+  std::string someText() {
+    std::string text(below(10) == 0 ? below(5000) : below(40), 'a');
+    for (char& character : text) character = static_cast<char>('a' + below(26));
+    if (below(8) == 0) text.insert(below(text.size() + 1), 1, '\0');
+    return text;
+  }
+
+  std::mt19937 random_;
+  std::array<Checked, 4> sections_;
+};
+
+TEST(FileSection, HoldsWhatAListOfStringsWouldHold) {
+  for (unsigned int seed = 1; seed <= 30; ++seed) {
+    RandomRun run(seed);
+    for (int i = 0; i < 60; ++i) {
+      run.step();
+      run.check();
+      ASSERT_FALSE(HasFatalFailure()) << "seed " << seed << ", step " << i;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace Varn

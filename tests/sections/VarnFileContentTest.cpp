@@ -1,0 +1,149 @@
+#include <memory>
+#include <stdexcept>
+
+#include <boost/make_shared.hpp>
+#include <gtest/gtest.h>
+
+#include <varn/FunctionsSection.hpp>
+#include <varn/IncludesSection.hpp>
+#include <varn/StringFileSectionFragment.hpp>
+#include <varn/VarnFileContent.hpp>
+#include <varn/VarnFileContentCreator.hpp>
+#include <varn/VarnModuleFileContentBuilder.hpp>
+#include <varn/VarnSDataTypesFileContentBuilder.hpp>
+#include <varn/VarnSGenericFileContentBuilder.hpp>
+
+#include "support/Streams.hpp"
+
+namespace Varn {
+namespace {
+
+using ContentPtr = std::unique_ptr<VarnFileContent>;
+
+ContentPtr contentOf(VarnFileContentBuilder&& builder) {
+  return ContentPtr(VarnFileContentCreator::createFileContent(builder));
+}
+
+// The names of the sections, special classes marked; kinds outside the enumeration too.
+std::string sectionsOf(const VarnFileContent& content) {
+  std::string text;
+  for (int value = -1; value <= 23; ++value) {
+    const auto kind = static_cast<VarnFileSectionKind>(value);
+    if (!content.hasSection(kind)) continue;
+    const FileSection& section = content.getSection(kind);
+    text += getOrvSectionNameFromEnum(kind);
+    if (dynamic_cast<const IncludesSection*>(&section) != nullptr) text += "(i)";
+    if (dynamic_cast<const FunctionsSection*>(&section) != nullptr) text += "(f)";
+    text += ' ';
+  }
+  return text;
+}
+
+TEST(VarnFileContent, EachFileClassHasItsSections) {
+  EXPECT_EQ(
+      "Banner Includes(i) ModelTypesIncludes ModelTypesDefines Defines ModelTypesTypedefs "
+      "IntrinsicTypes PrimitiveTypedefs UserTop Typedefs  Enums Definitions ExternData ExternFcns "
+      "FcnPrototypes Declarations Functions(f) CompilerErrors CompilerWarnings Documentation "
+      "UserBottom ",
+      sectionsOf(*contentOf(VarnSGenericFileContentBuilder())));
+  EXPECT_EQ(
+      "Includes(i) Defines Typedefs  ExternData ExternFcns FcnPrototypes Declarations "
+      "Functions(f) Documentation ",
+      sectionsOf(*contentOf(VarnModuleFileContentBuilder())));
+  EXPECT_EQ("Includes(i) Defines Typedefs ",
+            sectionsOf(*contentOf(VarnSDataTypesFileContentBuilder())));
+}
+
+TEST(VarnFileContent, HostNamesSelectTheirKindAndOthersTheBanner) {
+  EXPECT_EQ(FORWARD_DECLS_SECTION, getSectionKindFromName("FORWARD_DECLS_SECTION"));
+  EXPECT_EQ(BANNER_SECTION, getSectionKindFromName("typedefs_section"));
+  EXPECT_EQ("", getOrvSectionNameFromEnum(static_cast<VarnFileSectionKind>(22)));
+  EXPECT_EQ("", getOrvSectionNameFromEnum(static_cast<VarnFileSectionKind>(-1)));
+}
+
+TEST(VarnFileContent, AnAbsentSectionDiscardsWhatItIsGiven) {
+  const ContentPtr content = contentOf(VarnModuleFileContentBuilder());
+  FileSection& section = content->getSection(BANNER_SECTION);
+  const auto fragment = boost::make_shared<StringFileSectionFragment>("x");
+  section.addContent("x");
+  section.addContent_cstr("x");
+  section.addFragment(fragment);
+  const std::unique_ptr<FileSection> clone(section.clone());
+  clone->addContent("x");
+  EXPECT_EQ(1, fragment.use_count());
+  for (FileSection* empty : {&section, clone.get()}) {
+    EXPECT_TRUE(empty->isEmpty());
+    EXPECT_EQ("", empty->getContent());
+    EXPECT_EQ("", bytesOf([empty](FILE* stream) { empty->writeToFile(stream); }));
+  }
+  EXPECT_TRUE(content->isEmpty());
+}
+
+TEST(VarnFileContent, CopiesCloneAndClearingKeepsLists) {
+  const ContentPtr content = contentOf(VarnSGenericFileContentBuilder());
+  dynamic_cast<IncludesSection&>(content->getSection(INCLUDES_SECTION)).addRequiredInclude("r.h");
+  EXPECT_TRUE(content->isEmpty()) << "names in lists are no fragments";
+  dynamic_cast<FunctionsSection&>(content->getSection(FUNCTIONS_SECTION)).addFunction("f", "{}");
+  EXPECT_FALSE(content->isEmpty());
+  const VarnFileContent copy(*content);
+  content->clearContents();
+  EXPECT_TRUE(content->isEmpty());
+  EXPECT_EQ("\n#include \"r.h\"\n", content->getSection(INCLUDES_SECTION).getContent());
+  EXPECT_EQ(sectionsOf(*content), sectionsOf(copy));
+  EXPECT_EQ("\n#include \"r.h\"\n{}", copy.getSection(INCLUDES_SECTION).getContent() +
+                                          copy.getSection(FUNCTIONS_SECTION).getContent());
+}
+
+class CountedSection : public FileSection {
+ public:
+  explicit CountedSection(int& alive) : alive_(alive) { ++alive_; }
+  CountedSection(const CountedSection&) = delete;
+  CountedSection& operator=(const CountedSection&) = delete;
+  ~CountedSection() override { --alive_; }
+
+ private:
+  int& alive_;
+};
+
+// Records some of its steps; the functions' step may fail.
+class RecordingBuilder : public VarnSGenericFileContentBuilder {
+ public:
+  void buildBannerSection() override { build(BANNER_SECTION); }
+  void buildUserTopSection() override { build(USERTOP_SECTION); }
+  void buildFunctionsSection() override {
+    if (fails) throw std::runtime_error("no functions");
+    build(FUNCTIONS_SECTION);
+  }
+  void buildUserBottomSection() override { build(USERBOTTOM_SECTION); }
+
+  bool fails = false;
+  std::vector<VarnFileSectionKind> steps;
+  int alive = 0;
+
+ private:
+  void build(VarnFileSectionKind kind) {
+    steps.push_back(kind);
+    getFileContent()->setSection(kind, std::make_unique<CountedSection>(alive));
+  }
+};
+
+TEST(VarnFileContentCreator, DeletesTheUnfinishedContentWhenAStepFails) {
+  using Kinds = std::vector<VarnFileSectionKind>;
+  RecordingBuilder builder;
+  ContentPtr content(VarnFileContentCreator::createFileContent(builder));
+  EXPECT_EQ((Kinds{BANNER_SECTION, USERTOP_SECTION, FUNCTIONS_SECTION, USERBOTTOM_SECTION}),
+            builder.steps);
+  EXPECT_EQ(4, builder.alive);
+  content.reset();
+  EXPECT_EQ(0, builder.alive);
+  builder.fails = true;
+  EXPECT_THROW(VarnFileContentCreator::createFileContent(builder), std::runtime_error);
+  EXPECT_EQ(6U, builder.steps.size());
+  EXPECT_EQ(0, builder.alive);
+  VarnModuleFileContentBuilder unstarted;
+  unstarted.buildIncludesSection();
+  EXPECT_EQ(nullptr, unstarted.getFileContent());
+}
+
+}  // namespace
+}  // namespace Varn

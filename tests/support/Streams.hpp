@@ -1,0 +1,66 @@
+#ifndef VARN_TESTS_SUPPORT_STREAMS_HPP
+#define VARN_TESTS_SUPPORT_STREAMS_HPP
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <varn/FileSection.hpp>
+
+namespace Varn {
+
+// An unbuffered stream that records each write as it arrives, and can be told to fail one.
+class RecordingStream {
+ public:
+  // The write number `failing`, counted from 1, fails; 0 for none.
+  explicit RecordingStream(std::size_t failing = 0) : failing_(failing) {
+    cookie_io_functions_t functions{};
+    functions.write = &RecordingStream::write;
+    stream_ = ::fopencookie(this, "w", functions);
+    static_cast<void>(std::setvbuf(stream_, nullptr, _IONBF, 0));
+  }
+  RecordingStream(const RecordingStream&) = delete;
+  RecordingStream& operator=(const RecordingStream&) = delete;
+  ~RecordingStream() { static_cast<void>(std::fclose(stream_)); }
+
+  FILE* get() const { return stream_; }
+  const std::vector<std::string>& writes() const { return writes_; }
+
+ private:
+  static ssize_t write(void* cookie, const char* text, std::size_t size) {
+    auto& self = *static_cast<RecordingStream*>(cookie);
+    if (++self.calls_ == self.failing_) return 0;
+    self.writes_.emplace_back(text, size);
+    return static_cast<ssize_t>(size);
+  }
+
+  FILE* stream_ = nullptr;
+  std::size_t failing_;
+  std::size_t calls_ = 0;
+  std::vector<std::string> writes_;
+};
+
+// Each write of `section`.
+inline std::vector<std::string> writesOf(const FileSection& section) {
+  const RecordingStream stream;
+  section.writeToFile(stream.get());
+  return stream.writes();
+}
+
+// What `write(FILE*)` writes to a buffered stream.
+template <typename Write>
+std::string bytesOf(Write write) {
+  char* memory = nullptr;
+  std::size_t size = 0;
+  FILE* stream = ::open_memstream(&memory, &size);
+  write(stream);
+  static_cast<void>(std::fclose(stream));
+  const std::unique_ptr<char, decltype(&std::free)> owner(memory, &std::free);
+  return {memory, size};
+}
+
+}  // namespace Varn
+
+#endif
