@@ -1,0 +1,61 @@
+#ifndef WAYLAND_GENERATEDFILE_HPP
+#define WAYLAND_GENERATEDFILE_HPP
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+#include <boost/shared_ptr.hpp>
+
+#include <varn/varn_filepackaging.hpp>
+
+namespace wayland {
+
+// Text that several files share.
+using SharedText = boost::shared_ptr<Varn::FileSectionFragment>;
+SharedText shareText(std::string text);
+
+// How much of a file was written.
+struct WrittenSize {
+  int sections = 0;  // that had any text
+  std::size_t bytes = 0;
+};
+
+// One file of a repository, addressed as a template engine does it: by index and names. It must
+// not outlive the repository.
+class GeneratedFile {
+ public:
+  GeneratedFile(Varn::VarnFileRepository& repository, int index);
+
+  std::string name() const;
+
+  void setAttribute(const std::string& attribute, const std::string& value);
+  void setWrittenToDisk();
+
+  void add(const std::string& section, const std::string& text);
+  void add(const std::string& section, const SharedText& text);
+  // Adds to the forward declarations, the one section that has no name.
+  void addForwardDeclaration(const std::string& text);
+
+  // A custom section of `builtin`. What is not placed is appended to `builtin` when that is
+  // written.
+  void addCustomSection(const std::string& builtin, const std::string& custom);
+  void fillCustomSection(const std::string& custom, const std::string& text);
+  // Adds the text of `custom` to `section`, once.
+  void placeCustomSection(const std::string& custom, const std::string& section);
+
+  // Writes every section in the one order that all files have. Throws std::system_error, naming
+  // `path`, as soon as the stream has failed. The stream stays the caller's, who also has to find
+  // out whether its last bytes arrive.
+  WrittenSize write(FILE* stream, const std::string& path) const;
+
+ private:
+  Varn::VarnFile& file() const;
+
+  Varn::FileRepOrvBridge* bridge_;
+  int index_;
+};
+
+}  // namespace wayland
+
+#endif
