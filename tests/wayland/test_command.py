@@ -1,0 +1,222 @@
+"""The command line: bad input, bad output, and what a run promises."""
+
+import filecmp
+import os
+import resource
+import signal
+import subprocess
+import unittest
+from pathlib import Path
+
+from wayland_tools import GENERATOR, FolderTest, descriptions, generate
+
+
+def protocol(body: str, name: str = "p") -> str:
+    """A description whose line 2 is `body`."""
+    return f'<protocol name="{name}">\n{body}\n</protocol>'
+
+
+def interface(body: str) -> str:
+    """A description whose line 2 is `body` in the interface "i" of version 2."""
+    return protocol(f'<interface name="i" version="2">{body}</interface>')
+
+
+def request(argument: str) -> str:
+    """A description whose line 2 has the request "r" with one argument of these attributes."""
+    return interface(f'<request name="r"><arg {argument}/></request>')
+
+
+EMPTY = '<interface name="{}" version="1"/>'
+
+UNUSABLE = [
+    ("", "1: malformed XML: No document element found"),
+    ("<protocol name='p'>\n<interface", "2: malformed XML: Error parsing start element tag"),
+    ("<protocol name='p'>\n</interface>", "2: malformed XML: Start-end tags mismatch"),
+    ("<!-- -->\n<protokoll/>", "2: unexpected element <protokoll>"),
+    ("<protocol/>", "1: <protocol> has no attribute 'name'"),
+    ("<protocol name='p'/>\n<protocol name='q'/>", "2: a second <protocol> in one file"),
+    ("<protocol name='p'/>", "1: protocol 'p' has no interface"),
+    (protocol(EMPTY.format("i"), "../p"), "1: name '../p' of <protocol> is no C identifier"),
+    (protocol('<interface version="1"/>'), "2: <interface> has no attribute 'name'"),
+    (protocol('<interface name="i"/>'), "2: <interface> has no attribute 'version'"),
+    (
+        protocol('<interface name="i" version="0"/>'),
+        "2: version '0' of <interface> is no version number",
+    ),
+    (
+        protocol('<interface name="i;" version="1"/>'),
+        "2: name 'i;' of <interface> is no C identifier",
+    ),
+    (protocol(EMPTY.format("int")), "2: name 'int' of <interface> is no C identifier"),
+    (
+        protocol(EMPTY.format("i") + "\n" + EMPTY.format("i")),
+        "3: a second <interface> called 'i'",
+    ),
+    (interface("stray"), "2: text directly in <interface>"),
+    (interface('<event name="e" since="3"/>'), "2: <event> is there since version 3 of an "
+     "interface of version 2"),
+    (interface('<event name="e" type="x"/>'), "2: unknown type 'x' of message 'e'"),
+    (interface('<event name="e"/>\n<event name="e"/>'), "3: a second <event> called 'e'"),
+    (
+        interface('<event name="e"><arg name="a" type="new_id"/></event>'),
+        "2: new_id 'a' of an event has no interface",
+    ),
+    (
+        interface('<request name="r"><arg name="a" type="new_id" interface="i"/>\n'
+                  '<arg name="b" type="new_id" interface="i"/></request>'),
+        "3: message 'r' makes a second object",
+    ),
+    (request('name="a"'), "2: <arg> has no attribute 'type'"),
+    (request('name="a" type="long"'), "2: unknown type 'long' of argument 'a'"),
+    (request('name="a b" type="int"'), "2: name 'a b' of <arg> is no C identifier"),
+    (
+        request('name="a" type="int" allow-null="true"'),
+        "2: argument 'a' of type int cannot be null",
+    ),
+    (request('name="a" type="fd" interface="i"'), "2: argument 'a' of type fd has no interface"),
+    (
+        request('name="a" type="object" interface="i)"'),
+        "2: interface 'i)' of <arg> is no C identifier",
+    ),
+    (request('name="a" type="int" enum="e"'), "2: there is no enumeration 'e'"),
+    (interface('<enum name="e"/>'), "2: enumeration 'e' has no entry"),
+    (
+        interface('<enum name="e"><entry name="x-y" value="1"/></enum>'),
+        "2: 'x-y' cannot be part of a C name",
+    ),
+    (
+        interface('<enum name="e"><entry name="x" value="1, INJECTED"/></enum>'),
+        "2: '1, INJECTED' is no integer of 32 bits",
+    ),
+    (
+        interface('<enum name="e"><entry name="x" value="0x100000000"/></enum>'),
+        "2: '0x100000000' is no integer of 32 bits",
+    ),
+    (
+        interface('<enum name="a_b"><entry name="c" value="1"/></enum>\n'
+                  '<enum name="a"><entry name="b_c" value="1"/></enum>'),
+        "3: this makes a second 'I_A_B_C' in C, beside the one of line 2",
+    ),
+]
+
+MISUSE: list[tuple[list[str], str]] = [
+    ([], "no output folder"),
+    (["-o"], "'-o' needs a value"),
+    (["-xo", "out"], "cannot use '-x'"),
+    (["-o", "out"], "no protocol description"),
+    (["--colour", "-o", "out", "p.xml"], "cannot use '--colour'"),
+]
+
+
+class CommandTest(FolderTest):
+    """Runs of the program in a folder of their own."""
+
+    def setUp(self) -> None:
+        super().setUp()
+        self.out = self.folder / "out"
+
+    def describe(self, text: str, name: str = "p.xml") -> Path:
+        """Writes a description file."""
+        path = self.folder / name
+        path.write_text(text, encoding="utf-8")
+        return path
+
+    def assert_fails(self, done: "subprocess.CompletedProcess[str]", message: str) -> None:
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (1, "", message + "\n"))
+
+    def test_unusable_descriptions_are_refused_by_line(self) -> None:
+        for text, message in UNUSABLE:
+            with self.subTest(text):
+                path = self.describe(text)
+                self.assert_fails(generate(self.out, [path]), f"{path}:{message}")
+                self.assertFalse(self.out.exists())
+
+    def test_one_bad_description_among_good_ones_writes_nothing(self) -> None:
+        good = descriptions()[0]
+        done = generate(self.out, [good, self.folder])
+        self.assert_fails(done, f"varn_wayland: {self.folder}: Is a directory")
+        done = generate(self.out, [good, good])
+        self.assertRegex(done.stderr, f"^{good}:2: protocol 'wayland' is already described in ")
+        self.assertFalse(self.out.exists())
+
+    def test_misuse(self) -> None:
+        for arguments, message in MISUSE:
+            with self.subTest(arguments):
+                done = subprocess.run([GENERATOR, *arguments], capture_output=True, text=True)
+                self.assertEqual(
+                    (done.returncode, done.stderr),
+                    (2, f"varn_wayland: {message}\nTry 'varn_wayland --help'.\n"),
+                )
+
+    def test_a_failed_run_leaves_the_folder_as_it_was(self) -> None:
+        self.assertEqual(generate(self.out, descriptions()[1:2]).returncode, 0)
+        before = {path.name: path.read_bytes() for path in self.out.iterdir()}
+
+        def limit_file_size() -> None:
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+
+        # The first protocols would fit; a later one does not.
+        done = generate(self.out, descriptions()[1:], preexec_fn=limit_file_size)
+        self.assertRegex(done.stderr, "^varn_wayland: .*/out/[a-z0-9-]+.h: File too large\n$")
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        self.assertEqual(before, {path.name: path.read_bytes() for path in self.out.iterdir()})
+
+    def test_places_that_cannot_be_written(self) -> None:
+        path = self.describe(protocol(EMPTY.format("i")))
+        self.assert_fails(
+            generate(path / "out", [path]), f"varn_wayland: {path}/out: Not a directory"
+        )
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run(
+                [GENERATOR, "-o", self.out, path], stdout=full, stderr=subprocess.PIPE, text=True
+            )
+        self.assertEqual(
+            (done.returncode, done.stderr),
+            (1, "varn_wayland: standard output: No space left on device\n"),
+        )
+
+    def test_runs_are_equal_to_the_byte_and_as_their_table_says(self) -> None:
+        again = self.folder / "again"
+        first = generate(self.out, descriptions())
+        second = generate(again, descriptions(), env={**os.environ, "LC_ALL": "tr_TR.UTF-8"})
+        self.assertEqual(first.stdout, second.stdout)
+        names = sorted(os.listdir(self.out))
+        self.assertEqual(names, sorted(os.listdir(again)))
+        equal, _, _ = filecmp.cmpfiles(self.out, again, names, shallow=False)
+        self.assertEqual(sorted(equal), names)
+        rows = [line.split() for line in first.stdout.splitlines()]
+        sizes = {row[0]: int(row[2]) for row in rows[1:-1]}
+        self.assertEqual(sizes, {name: (self.out / name).stat().st_size for name in names})
+        self.assertEqual(int(rows[-1][3]), sum(sizes.values()))
+
+    def test_names_that_differ_in_case_only_are_warned_of(self) -> None:
+        files = [
+            self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml") for name in ("p", "P")
+        ]
+        done = generate(self.out, files)
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual(done.stderr.count("warning:\n-->"), 5)
+        self.assertIn("p-protocol.c", done.stderr)
+        self.assertEqual(len(list(self.out.iterdir())), 10)
+
+    def test_hostile_text_stays_in_comments(self) -> None:
+        hostile = "*/\n#error injected\n/* ??/\n*&#8238;/ *\\\n/ /*/ \x7f&#12;\n#error injected\n"
+        description = f'<description summary="{hostile}">{hostile}</description>'
+        argument = f'<arg name="resource" type="int" summary="{hostile}"/>'
+        argument += '<arg name="data" type="object"/><arg name="i" type="new_id" interface="i"/>'
+        messages = "".join(
+            f'<{kind} name="m">{description}{argument}</{kind}>' for kind in ("request", "event")
+        )
+        enum = f'<enum name="e">{description}<entry name="1" value="-1" summary="{hostile}"/></enum>'
+        body = f'<interface name="i" version="1">{description}{messages}{enum}</interface>'
+        path = self.describe(
+            f'<protocol name="p"><copyright>{hostile}</copyright>{description}{body}</protocol>'
+        )
+        self.assertEqual(generate(self.out, [path]).returncode, 0)
+        (self.out / "check.c").write_text('#include "p-protocol.h"\n')
+        self.compile(self.out, ["check.c", "p-protocol.c"])
+
+
+if __name__ == "__main__":
+    unittest.main()
