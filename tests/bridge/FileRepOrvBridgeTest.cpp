@@ -125,7 +125,9 @@ TEST(FileRepOrvBridge, RefusesAnIndexBeforeANameAndChangesNothing) {
       SCOPED_TRACE(std::to_string(&operation - operations) + ": " + name);
       EXPECT_EQ(raised + "InvalidFileIndex(-1)", call(-1, name));
       EXPECT_EQ(raised + "InvalidFileIndex(1)", call(1, name));
-      EXPECT_EQ(raised + "InvalidFileAttribute('" + name + "')", call(0, name));
+      std::string unknownName = raised;
+      unknownName.append("InvalidFileAttribute('").append(name).append("')");
+      EXPECT_EQ(unknownName, call(0, name));
       EXPECT_EQ(before, stateOf(bridge, 0));
     }
   }
