@@ -105,6 +105,35 @@ class CountedSection : public FileSection {
   int& alive_;
 };
 
+// Writes the name of each step down.
+// clang-format off
+class StepRecorder : public VarnFileContentBuilder {
+ public:
+  void buildContent() override { steps += "Content"; }
+#define STEP(kind) \
+  void build##kind##Section() override { steps += " " #kind; }
+  STEP(Banner) STEP(Includes) STEP(ModelTypesIncludes) STEP(ModelTypesDefines) STEP(Defines)
+  STEP(ModelTypesTypedefs) STEP(IntrinsicTypes) STEP(PrimitiveTypedefs) STEP(UserTop)
+  STEP(Typedefs) STEP(ForwardDeclarations) STEP(Enums) STEP(Definitions) STEP(ExternData)
+  STEP(ExternFcns) STEP(FcnPrototypes) STEP(Declarations) STEP(Functions) STEP(CompilerErrors)
+  STEP(CompilerWarnings) STEP(Documentation) STEP(UserBottom)
+#undef STEP
+
+  std::string steps;
+};
+// clang-format on
+
+TEST(VarnFileContentCreator, RunsTheStepsInTheOrderOfTheKinds) {
+  StepRecorder recorder;
+  EXPECT_EQ(nullptr, VarnFileContentCreator::createFileContent(recorder));
+  EXPECT_EQ(
+      "Content Banner Includes ModelTypesIncludes ModelTypesDefines Defines ModelTypesTypedefs "
+      "IntrinsicTypes PrimitiveTypedefs UserTop Typedefs ForwardDeclarations Enums Definitions "
+      "ExternData ExternFcns FcnPrototypes Declarations Functions CompilerErrors CompilerWarnings "
+      "Documentation UserBottom",
+      recorder.steps);
+}
+
 // Records some of its steps; the functions' step may fail.
 class RecordingBuilder : public VarnSGenericFileContentBuilder {
  public:
