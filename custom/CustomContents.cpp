@@ -72,7 +72,11 @@ void CustomContents::setCustomTokenInUse(const std::string& name) {
 void CustomContents::appendMissingTokens(FileSection& builtinSection, VarnFileSectionKind builtin) {
   const auto found = sectionsByBuiltin_.find(builtin);
   if (found == sectionsByBuiltin_.end()) return;
-  for (const SectionPtr& section : found->second) {
+  // What takes the text may declare further sections meanwhile: neither the list's iterators nor
+  // its elements are relied upon.
+  const std::vector<SectionPtr>& sections = found->second;
+  for (std::size_t i = 0; i < sections.size(); ++i) {
+    const SectionPtr section = sections[i];
     if (!section->isRequired() || sectionTokenInUse(section) || section->isRetrieved()) continue;
     builtinSection.addContent(section->getContent());
     section->setIsRetrieved();

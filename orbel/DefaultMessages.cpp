@@ -7,8 +7,7 @@ const std::vector<DefaultMessage>& defaultMessages() {
   static const std::vector<DefaultMessage> messages = {
       {"Pyx:codeGen", "CustomContentPreviousAssociation",
        "The custom section \"{1}\" cannot be attached to the built-in section \"{2}\": it is "
-       "already "
-       "attached to \"{3}\"."},
+       "already attached to \"{3}\". The section of forward declarations shows as \"\"."},
       {"Pyx:codeGen", "CustomContentSectionDoesNotExist",
        "The file \"{1}\" has no custom section \"{2}\". Declare the section before adding content "
        "to it."},

@@ -1,4 +1,5 @@
 #include <cassert>
+#include <utility>
 
 #include <varn/FunctionsSection.hpp>
 
@@ -13,9 +14,12 @@ std::string FunctionsSection::getFullyQualifiedKoboTypeName() const {
 }
 
 void FunctionsSection::addFunction(const std::string& name, const std::string& body) {
-  functionNames_.push_back(name);
+  // Either argument may be a name in the list, which moves when it grows.
+  std::string ownName(name);
+  const std::string ownBody(body);
+  functionNames_.push_back(std::move(ownName));
   try {
-    FileSection::addContent(body);
+    FileSection::addContent(ownBody);
   } catch (...) {
     functionNames_.pop_back();
     throw;

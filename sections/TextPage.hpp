@@ -35,9 +35,9 @@ class TextPage : public boost::intrusive_ref_counter<TextPage> {
   TextPage& operator=(const TextPage&) = delete;
   ~TextPage() = default;
 
-  // A page is longer than the class, so its memory is given back without a size.
-  // NOLINTNEXTLINE(misc-new-delete-overloads): make() takes the memory from the global operator
-  // new.
+  // A page is longer than the class, so its memory is given back without a size. It comes from the
+  // global operator new; see make().
+  // NOLINTNEXTLINE(misc-new-delete-overloads)
   static void operator delete(void* memory) noexcept { ::operator delete(memory); }
 
   std::size_t capacity() const { return capacity_; }

@@ -68,7 +68,7 @@ class VARN_EXPORT FileRepOrvBridge {
   void addSectionContent(int index, const std::string& sectionName,
                          boost::shared_ptr<FileSectionFragment> fragment);
   // Appends `text`, up to its first NUL, as one fragment of the section's own: the way for text
-  // that no other section shares.
+  // that no other section shares. `text` must not be null.
   void addSectionContent(int index, const std::string& sectionName, const char* text);
 
   // Declares a custom section attached to the built-in section. Throws orbel::HostException

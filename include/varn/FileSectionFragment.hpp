@@ -9,7 +9,8 @@
 namespace Varn {
 
 // One piece of generated text. Sections, their copies and their clones share fragments, so the text
-// of a fragment must never change while a section holds it.
+// of a fragment must never change while a section holds it, and giving it must not change a
+// section.
 class VARN_EXPORT FileSectionFragment {
  public:
   FileSectionFragment() = default;

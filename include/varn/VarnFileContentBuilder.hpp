@@ -44,7 +44,7 @@ class VARN_EXPORT VarnFileContentBuilder {
   virtual void buildUserBottomSection();
 
   // The content under construction, or null. The builder does not own it: it belongs to whoever
-  // runs the steps.
+  // runs the steps, and once that has deleted it the next step must be buildContent().
   virtual VarnFileContent* getFileContent();
 };
 

@@ -13,7 +13,8 @@ class VARN_EXPORT VarnFileContentCreator {
  public:
   // Runs buildContent(), the section steps in the order of their kinds, and returns the builder's
   // getFileContent(), which the caller owns from then on. When a step throws, the content made so
-  // far is deleted and the exception passes on.
+  // far is deleted and the exception passes on; the builder is fit for another run, not for further
+  // steps.
   static VarnFileContent* createFileContent(VarnFileContentBuilder& builder);
 };
 

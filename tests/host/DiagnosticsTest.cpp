@@ -19,11 +19,11 @@ TEST(Diagnostics, SayWhichFileSectionAndValue) {
   const std::pair<std::function<void()>, const char*> cases[] = {
       {[&] { bridge.addCustomSection(0, "Types", "A"); },
        "CustomContentPreviousAssociation: The custom section \"A\" cannot be attached to the "
-       "built-in section \"Typedefs\": it is already attached to \"Enums\"."},
+       "built-in section \"Typedefs\": it is already attached to \"Enums\". The section of forward "
+       "declarations shows as \"\"."},
       {[&] { custom.addContentToSection("N", "x"); },
        "CustomContentSectionDoesNotExist: The file \"a.c\" has no custom section \"N\". Declare "
-       "the "
-       "section before adding content to it."},
+       "the section before adding content to it."},
       {[&] { custom.getCustomSectionContent("A", "second"); },
        "CustomContentSectionAlreadyRetrieved: The content of the custom section \"A\" cannot be "
        "given to \"second\": the content of \"A\" was retrieved before, and it can be placed only "

@@ -33,6 +33,10 @@ TEST(FunctionsSection, CountsBodiesAndNamesApart) {
   EXPECT_EQ("f f ", functionsOf(section)) << "the names stay";
   clone->addFunction("g", "4;");
   EXPECT_EQ("f f g |1;|2;|3;|4;", functionsOf(*clone));
+  // Its own names as arguments, while their list grows.
+  for (int i = 0; i < 5; ++i)
+    clone->addFunction(clone->getFunctionName(2), clone->getFunctionName(0));
+  EXPECT_EQ("f f g g g g g g |1;|2;|3;|4;|f|f|f|f|f", functionsOf(*clone));
 }
 
 }  // namespace
