@@ -3,11 +3,11 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Mapping, Sequence
+from collections.abc import Callable, Mapping, Sequence
 from typing import Any
 
 from jinja2 import BaseLoader, FileSystemLoader, TemplateNotFound, TemplateSyntaxError
-from jinja2.exceptions import TemplateAssertionError, TemplatesNotFound
+from jinja2.exceptions import TemplatesNotFound
 
 from orv import positions
 from orv.environment import Environment
@@ -38,17 +38,23 @@ class RecordingLoader(BaseLoader):
 
 
 def render(
-    template: str, model: Mapping[str, object], loader: BaseLoader, messages: Messages
+    template: str,
+    model: Mapping[str, object],
+    loader: BaseLoader,
+    messages: Messages,
+    step: Callable[[], None] | None = None,
 ) -> Run:
     """Render the template called `template` with the variables of `model`, and finish the run.
 
-    Raises TemplateError, whose text begins with the line that is to blame.
+    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the line that is to blame.
     """
     run = Run(messages)
     environment = Environment(run, loader)
     try:
         compiled = environment.get_template(template)
         for piece in compiled.root_render_func(compiled.new_context(dict(model))):
+            if step is not None:
+                step()
             if piece and not piece.isspace():
                 text = run.placements.readable(piece)
                 raise LocatedError(_known(environment.output_position()), outside_text(text))
@@ -87,8 +93,7 @@ def _describe(error: Exception, loader: BaseLoader) -> str:
     if isinstance(error, MemoryError):
         return "the memory is exhausted"
     if isinstance(error, TemplateSyntaxError):
-        kind = "" if isinstance(error, TemplateAssertionError) else ""
-        return kind + str(error.message)
+        return str(error.message)
     if isinstance(error, (OrvError, ValueError)):
         return str(error)
     if type(error).__module__.startswith("jinja2."):

@@ -58,6 +58,18 @@ class FileTable:
         name = self._repository.get_attribute(file, "Name")
         return f'"{name}"' if name else "without a name"
 
+    def place(self, file: int) -> str:
+        """Where the file was declared, as messages begin with it: empty when that is not known."""
+        record = self._records.get(file)
+        return f"{record.declared}: " if record is not None else ""
+
+    def adopt(self, file: int, script: str) -> None:
+        """Take note of a file that a script made."""
+        name = str(self._repository.get_attribute(file, "Name"))
+        is_new, registered = self._repository.register_name(name)
+        if not is_new and registered != name:
+            self._messages.warn(self._clash(name, registered), script)
+
     def find(self, target: object) -> int:
         """The file that a template means by a name or a file object."""
         if isinstance(target, FileView):
@@ -141,12 +153,14 @@ class FileTable:
         is_new, registered = self._repository.register_name(name)
         if is_new:
             return
+        self._messages.warn(self._clash(name, registered), here())
+
+    def _clash(self, name: str, registered: str) -> str:
         other = self._records.get(self._repository.find(registered))
         where = f", declared at {other.declared}" if other is not None else ""
-        self._messages.warn(
+        return (
             f'the file "{name}" differs only in letter case from "{registered}"{where};'
-            " some file systems cannot hold both",
-            here(),
+            " some file systems cannot hold both"
         )
 
     def _require_kind(self, index: int, kind: str | None) -> None:
@@ -193,7 +207,8 @@ class FileTable:
                     f" {self.label(find(module))}",
                     here(),
                 )
-        return self._make(name, kind, lambda: create(name, list(modules)), modules)
+        named: str = name
+        return self._make(name, kind, lambda: create(named, list(modules)), modules)
 
     def _by_packaging_key(self, arguments: Sequence[object]) -> int:
         if len(arguments) != 1 or not isinstance(arguments[0], str):
