@@ -10,7 +10,7 @@ from jinja2 import BaseLoader, StrictUndefined, Template, nodes
 from jinja2.compiler import CodeGenerator, Frame
 from jinja2.environment import TemplateModule
 from jinja2.exceptions import SecurityError
-from jinja2.runtime import Context
+from jinja2.runtime import Context, LoopContext, Macro
 from jinja2.sandbox import ImmutableSandboxedEnvironment
 
 from orv import positions
@@ -18,6 +18,9 @@ from orv.extension import PackagingTags, first_text_line, outside_text
 from orv.run import Run
 from orv.statements import LocatedError, Statements
 from orv.xmlmodel import Element
+
+# What a loop tells about itself: all of it harmless.
+_LOOP_ATTRIBUTES = frozenset(name for name in dir(LoopContext) if not name.startswith("_"))
 
 # The longest text or list that multiplication may make, and the most bits of a power.
 _LONGEST_PRODUCT = 1 << 24
@@ -126,11 +129,20 @@ class Environment(ImmutableSandboxedEnvironment):
 
     def getattr(self, obj: Any, attribute: str) -> Any:
         """`obj.attribute`; in a model an entry goes before a method of the same name."""
-        if type(obj) is dict and attribute in obj:
+        kind = type(obj)
+        if kind is dict and attribute in obj:
             return obj[attribute]
-        if type(obj) is Element and attribute in Element.ENTRIES:
+        if kind is LoopContext and attribute in _LOOP_ATTRIBUTES:
+            return getattr(obj, attribute)
+        if kind is Element and attribute in Element.ENTRIES:
             return getattr(obj, attribute)
         return super().getattr(obj, attribute)
+
+    def call(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
+        """Call what a template calls; its own macros need no examination."""
+        if type(__obj) is Macro:
+            return __context.call(__obj, *args, **kwargs)
+        return super().call(__context, __obj, *args, **kwargs)
 
     def call_binop(self, context: Context, operator: str, left: Any, right: Any) -> Any:
         """Refuse a product that would fill the memory and a power that would never end."""
