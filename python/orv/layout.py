@@ -72,8 +72,7 @@ def _order(run: Run, file: int, header: bool) -> tuple[str, ...]:
     for section in run.repository.section_names(file):
         if section not in record.order and run.repository.section_text(file, section):
             raise OutputError(
-                f'{record.declared}: the order of {run.files.label(file)} leaves out the section'
-                f' "{section}", which has text'
+                f'its order leaves out the section "{section}", which has text'
             )
     return record.order
 
@@ -82,8 +81,7 @@ def _guard_macro(run: Run, file: int) -> str:
     macro = _text(run, file, "DefinedMacro")
     if macro and not _IDENTIFIER.fullmatch(macro):
         raise OutputError(
-            f"{run.files.place(file)}the DefinedMacro of {run.files.label(file)} is no identifier:"
-            f" {macro!r}"
+            f'its DefinedMacro "{macro}" is no identifier'
         )
     return macro
 

@@ -36,7 +36,7 @@ def _entry(run: Run, file: PlannedFile) -> dict[str, object]:
         "empty": file.state is State.EMPTY,
         "functions": repository.function_names(file.index),
         "includes": _INCLUDE.findall(repository.section_text(file.index, "Includes")),
-        "path": file.shown,
+        "path": file.path,
         "sections": file.sections,
         "size": len(file.data),
     }

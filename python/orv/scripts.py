@@ -39,10 +39,11 @@ def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
 def _host_names(run: Run) -> dict[str, object]:
     try:
         orbel = importlib.import_module("orbel")
-    except ImportError as error:
+        load, wrap = orbel.load, orbel.wrap
+    except (ImportError, AttributeError) as error:
         raise ScriptError(f"scripts need the Python package orbel: {error}") from error
-    package = orbel.load("varn_filepackaging")
-    return {"Varn": package, "repo": orbel.wrap(run.repository.handle(), run.repository)}
+    package = load("varn_filepackaging")
+    return {"Varn": package, "repo": wrap(run.repository.handle(), run.repository)}
 
 
 def _described(path: str, error: Exception) -> str:

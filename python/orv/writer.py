@@ -28,9 +28,13 @@ class State(Enum):
 
 @dataclass
 class PlannedFile:
-    """A file of the run, its bytes and where they go. An empty file has neither."""
+    """A file of the run, its bytes and where they go. An empty file has neither.
+
+    `path` is below the output folder, `shown` is with it, and `target` is the place on the disk.
+    """
 
     index: int
+    path: str
     shown: str
     target: str
     state: State
@@ -56,7 +60,7 @@ def plan(run: Run, out: str) -> list[PlannedFile]:
     for index in range(len(run.repository)):
         if run.repository.get_attribute(index, "IsEmpty"):
             label = str(run.repository.get_attribute(index, "Name"))
-            planned.append(PlannedFile(index, label, "", State.EMPTY, b"", b"", {}))
+            planned.append(PlannedFile(index, label, label, "", State.EMPTY, b"", b"", {}))
             continue
         try:
             file = _plan_file(run, index, folder)
@@ -130,7 +134,14 @@ def _plan_file(run: Run, index: int, folder: OutputFolder) -> PlannedFile:
         raise OutputError(f"{folder.shown(parts)} cannot be read: {error.strerror}") from error
     state = State.NEW if old is None else State.SAME if old == composed.data else State.CHANGED
     return PlannedFile(
-        index, folder.shown(parts), target, state, composed.data, old or b"", composed.sections
+        index,
+        "/".join(parts),
+        folder.shown(parts),
+        target,
+        state,
+        composed.data,
+        old or b"",
+        composed.sections,
     )
 
 
