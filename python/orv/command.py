@@ -30,7 +30,7 @@ def main(arguments: Sequence[str] | None = None) -> int:
     except OrvError as error:
         print(f"error: {error}", file=sys.stderr)
     except KeyboardInterrupt:
-        print("error: interrupted; nothing is written", file=sys.stderr)
+        print("error: interrupted; no file was being written", file=sys.stderr)
     except BrokenPipeError:
         # Nobody reads the results; keep the interpreter from complaining about it at the end.
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())

@@ -83,25 +83,30 @@ def write(
     """
     waiting = [file for file in files if file.differs]
     cleaned: set[str] = set()
-    for position, file in enumerate(waiting):
-        try:
-            folder = os.path.dirname(file.target)
-            os.makedirs(folder, exist_ok=True)
-            if folder not in cleaned:
-                cleaned.add(folder)
-                _remove_stale(folder)
-            replace_file(file.target, file.data)
-        except OSError as error:
-            raise OutputError(
-                f"{file.shown} cannot be written: {error.strerror}\n"
-                + _states(waiting, position)
-            ) from error
-        except KeyboardInterrupt:
-            # The interruption may have come just after the file took its place.
-            done = position + (_read(file.target) == file.data)
-            raise OutputError("interrupted while writing\n" + _states(waiting, done)) from None
-        run.repository.set_attribute(file.index, "WrittenToDisk", True)
-        wrote(file)
+    position = 0
+    try:
+        for position, file in enumerate(waiting):
+            _write_one(file, cleaned)
+            run.repository.set_attribute(file.index, "WrittenToDisk", True)
+            wrote(file)
+    except OSError as error:
+        raise OutputError(
+            f"{waiting[position].shown} cannot be written: {error.strerror}\n"
+            + _states(waiting, position)
+        ) from error
+    except KeyboardInterrupt:
+        # The interruption may have come just after the file took its place.
+        done = position + any(_read(f.target) == f.data for f in waiting[position : position + 1])
+        raise OutputError("interrupted while writing\n" + _states(waiting, done)) from None
+
+
+def _write_one(file: PlannedFile, cleaned: set[str]) -> None:
+    folder = os.path.dirname(file.target)
+    os.makedirs(folder, exist_ok=True)
+    if folder not in cleaned:
+        cleaned.add(folder)
+        _remove_stale(folder)
+    replace_file(file.target, file.data)
 
 
 def replace_file(path: str, data: bytes) -> None:

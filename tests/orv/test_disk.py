@@ -64,7 +64,7 @@ def test_read_only_folder(orv: Command, small_disk: Path) -> None:
 
 
 MANY = """\
-{% for i in range(3000) %}
+{% for i in range(1500) %}
 {% file "%04d.c" % i %}{% section "Banner" %}{{ x * 2000 }}{% endsection %}{% endfile %}
 {% endfor %}
 """

@@ -34,6 +34,7 @@ void raiseDiagnostic(const orbel::HostException& diagnostic) {
 }  // namespace
 
 void bindErrors() {
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 asks for
   py::register_local_exception_translator([](std::exception_ptr error) {
     try {
       if (error) std::rethrow_exception(error);

@@ -29,6 +29,7 @@ void raiseStreamError(const StreamError& error) {
   PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path.ptr());
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 asks for
 void translateStreamErrors(std::exception_ptr error) {
   try {
     if (error) std::rethrow_exception(error);

@@ -72,30 +72,29 @@ bool TextSink::deferIfNotReady(int index, Varn::VarnFileSectionKind kind, py::ha
 
 void bindTextSink(py::module_& module) {
   // The operations return an empty text: a template prints what a tag returns.
-  const py::str nothing("");
   py::class_<TextSink>(module, "TextSink")
       .def(py::init<std::shared_ptr<PackagedFiles>, py::object>(), py::arg("files").none(false),
            py::arg("defer"))
       .def_property("current", &TextSink::current, &TextSink::select)
       .def("append",
-           [nothing](TextSink& sink, py::handle text, py::handle section) {
+           [](TextSink& sink, py::handle text, py::handle section) {
              sink.append(text, section);
-             return nothing;
+             return "";
            })
       .def("append_to",
-           [nothing](TextSink& sink, py::handle text, py::handle section, int index) {
+           [](TextSink& sink, py::handle text, py::handle section, int index) {
              sink.appendTo(text, section, index);
-             return nothing;
+             return "";
            })
       .def("add_function",
-           [nothing](TextSink& sink, py::handle body, py::handle name) {
+           [](TextSink& sink, py::handle body, py::handle name) {
              sink.addFunction(body, name);
-             return nothing;
+             return "";
            })
       .def("add_function_to",
-           [nothing](TextSink& sink, py::handle body, py::handle name, int index) {
+           [](TextSink& sink, py::handle body, py::handle name, int index) {
              sink.addFunctionTo(body, name, index);
-             return nothing;
+             return "";
            })
       .def("is_deferred",
            [](const TextSink& sink, int index, py::handle section) {
