@@ -1,0 +1,1 @@
+"""A template engine that packages generated C text into files, section by section."""

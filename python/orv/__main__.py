@@ -1,0 +1,7 @@
+"""`python3 -m orv`."""
+
+import sys
+
+from orv.command import main
+
+sys.exit(main())

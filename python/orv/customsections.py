@@ -1,0 +1,110 @@
+"""The custom sections that the templates declare, fill, place and mark as in use."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass, field
+
+from orv import _native
+from orv.errors import OrvError
+from orv.messages import Located, Messages
+from orv.positions import Position, here
+from orv.suggestions import did_you_mean
+
+
+@dataclass
+class _CustomSection:
+    """What is known of one custom section; it may be filled before it is declared."""
+
+    builtin: str = ""
+    first_fill: Position | None = None
+    in_use: bool = False
+    placed: bool = False
+    early_text: list[str] = field(default_factory=list)
+
+
+class CustomSections:
+    """All custom sections of a run, by file and name.
+
+    Text for a section that nobody has declared yet is kept until somebody does.
+    """
+
+    def __init__(self, repository: _native.Repository, messages: Messages) -> None:
+        self._repository = repository
+        self._messages = messages
+        self._sections: dict[tuple[int, str], _CustomSection] = {}
+
+    def declare(self, file: int, name: str, builtin: str) -> None:
+        """Attach the custom section `name` to the section `builtin` of the file."""
+        self._repository.declare_custom(file, builtin, name)
+        section = self._section(file, name)
+        section.builtin = builtin
+        early, section.early_text = section.early_text, []
+        for text in early:
+            self._repository.fill_custom(file, name, text)
+
+    def fill(self, file: int, name: str, text: str) -> None:
+        """Add text to the custom section, which may be declared later."""
+        if "\0" in text:
+            raise OrvError(f'the custom section "{name}" cannot hold the place of another one')
+        section = self._section(file, name)
+        section.first_fill = section.first_fill or here()
+        if section.builtin:
+            self._repository.fill_custom(file, name, text)
+        else:
+            section.early_text.append(text)
+
+    def mark_in_use(self, file: int, name: str) -> None:
+        """Say that the templates see to the custom section themselves."""
+        self._repository.mark_custom_in_use(file, name)
+        self._section(file, name).in_use = True
+
+    def retrieve(self, file: int, name: str, requester: str) -> str:
+        """The text of a custom section, which is handed out once."""
+        section = self._sections.get((file, name))
+        if section is None or not section.builtin:
+            known = [other for owner, other in self._sections if owner == file]
+            file_name = self._repository.get_attribute(file, "Name")
+            raise OrvError(
+                f'the file "{file_name}" has no custom section "{name}"'
+                + (did_you_mean(name, known) or ": declare it with {% custom %}")
+            )
+        text = self._repository.retrieve_custom(file, name, requester)
+        section.placed = True
+        return text
+
+    def require_declared(self) -> None:
+        """Fail when text was given to a custom section that does not exist."""
+        for (file, name), section in self._sections.items():
+            if section.first_fill is not None and not section.builtin:
+                file_name = self._repository.get_attribute(file, "Name")
+                known = [n for (owner, n), s in self._sections.items() if owner == file and s.builtin]
+                raise Located(
+                    f'{section.first_fill}: the custom section "{name}" of "{file_name}" is filled'
+                    " but never declared"
+                    + (did_you_mean(name, known) or f': {{% custom "{name}" on "SECTION" %}}')
+                )
+
+    def report_never_placed(self) -> None:
+        """Report the custom sections whose text goes nowhere."""
+        for (file, name), section in self._sections.items():
+            if section.first_fill is None or section.placed:
+                continue
+            if section.in_use:
+                reason = "it is marked as in use"
+            elif section.builtin == "Documentation":
+                reason = "custom sections on Documentation are not added at its end"
+            else:
+                continue
+            file_name = self._repository.get_attribute(file, "Name")
+            self._messages.warn(
+                f'the text of custom section "{name}" of "{file_name}" is never placed: {reason},'
+                f' and no {{% place "{name}" %}} says where it goes',
+                section.first_fill,
+            )
+
+    def filled_files(self) -> list[int]:
+        """The files that have a custom section with text, in order."""
+        return sorted({file for (file, _), s in self._sections.items() if s.first_fill is not None})
+
+    def _section(self, file: int, name: str) -> _CustomSection:
+        return self._sections.setdefault((file, name), _CustomSection())

@@ -1,0 +1,28 @@
+"""Dependency files for make and ninja."""
+
+from __future__ import annotations
+
+from collections.abc import Iterable
+
+
+def depfile(targets: Iterable[str], sources: Iterable[str]) -> bytes:
+    """One rule without commands: the targets depend on the sources. Both are sorted."""
+    left = " ".join(_escaped(path) for path in sorted(set(targets)))
+    right = "".join(f" \\\n  {_escaped(path)}" for path in sorted(set(sources)))
+    return f"{left}:{right}\n".encode("utf-8", "surrogateescape")
+
+
+def _escaped(path: str) -> str:
+    """The path as both programs read it: backslashes count only before a blank or a "#"."""
+    escaped = ""
+    backslashes = 0
+    for character in path:
+        if character in " #":
+            escaped += "\\" * (backslashes + 1)
+        elif character == "$":
+            escaped += "$"
+        elif character == ":":
+            escaped += "\\"
+        escaped += character
+        backslashes = backslashes + 1 if character == "\\" else 0
+    return escaped

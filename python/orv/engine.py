@@ -1,0 +1,111 @@
+"""Rendering templates into the files of a run."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Callable, Mapping, Sequence
+from typing import Any
+
+from jinja2 import BaseLoader, FileSystemLoader, TemplateNotFound, TemplateSyntaxError
+from jinja2.exceptions import TemplatesNotFound
+
+from orv import positions
+from orv.environment import Environment
+from orv.errors import OrvError, TemplateError
+from orv.extension import outside_text
+from orv.messages import Located, Messages
+from orv.run import Run
+from orv.statements import LocatedError
+
+
+class RecordingLoader(BaseLoader):
+    """Loads templates from folders and keeps the files it has read."""
+
+    def __init__(self, folders: Sequence[str]) -> None:
+        self._loader = FileSystemLoader(folders, encoding="utf-8")
+        self.folders = list(folders)
+        self.files: list[str] = []
+
+    def get_source(self, environment: Any, template: str) -> Any:
+        """The source of the template; see jinja2.BaseLoader."""
+        try:
+            source, filename, up_to_date = self._loader.get_source(environment, template)
+        except UnicodeDecodeError as error:
+            raise TemplateError(f"{template}: the template is not UTF-8: {error}") from error
+        if filename not in self.files:
+            self.files.append(filename)
+        return source, filename, up_to_date
+
+
+def render(
+    template: str,
+    model: Mapping[str, object],
+    loader: BaseLoader,
+    messages: Messages,
+    step: Callable[[], None] | None = None,
+) -> Run:
+    """Render the template called `template` with the variables of `model`, and finish the run.
+
+    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the line that is to blame.
+    """
+    run = Run(messages)
+    environment = Environment(run, loader)
+    try:
+        compiled = environment.get_template(template)
+        for piece in compiled.root_render_func(compiled.new_context(dict(model))):
+            if step is not None:
+                step()
+            if piece and not piece.isspace():
+                text = run.placements.readable(piece)
+                raise LocatedError(_known(environment.output_position()), outside_text(text))
+        run.finish()
+    except (Located, TemplateError):
+        raise
+    except Exception as error:
+        raise _template_error(error, loader) from error
+    return run
+
+
+def _template_error(error: Exception, loader: BaseLoader) -> TemplateError:
+    position = _position(error)
+    text = _describe(error, loader)
+    return TemplateError(text if position is None else f"{position}: {text}")
+
+
+def _position(error: Exception) -> positions.Position | None:
+    if isinstance(error, LocatedError):
+        return error.position
+    if isinstance(error, TemplateSyntaxError):
+        return positions.Position(
+            positions.template_label(error.name, error.filename), error.lineno
+        )
+    return positions.of_traceback(error.__traceback__)
+
+
+def _describe(error: Exception, loader: BaseLoader) -> str:
+    if isinstance(error, TemplateNotFound):
+        names = error.templates if isinstance(error, TemplatesNotFound) else [error.name]
+        shown = " or ".join(f'"{name}"' for name in names)
+        folders = ", ".join(f'"{folder}"' for folder in getattr(loader, "folders", []))
+        return f"there is no template {shown}" + (f" in {folders}" if folders else "")
+    if isinstance(error, RecursionError):
+        return "macros or templates call each other without end"
+    if isinstance(error, MemoryError):
+        return "the memory is exhausted"
+    if isinstance(error, TemplateSyntaxError):
+        return str(error.message)
+    if isinstance(error, (OrvError, ValueError)):
+        return str(error)
+    if type(error).__module__.startswith("jinja2."):
+        return str(error.args[0] if error.args else error)
+    return f"{type(error).__name__}: {error}"
+
+
+def _known(position: positions.Position | None) -> positions.Position:
+    return position or positions.Position("<template>", 0)
+
+
+def search_folders(template: str, more: Sequence[str]) -> tuple[list[str], str]:
+    """The folders to look for templates in, the template's own first, and its name in there."""
+    folder, name = os.path.split(template)
+    return [folder or ".", *more], name

@@ -1,0 +1,280 @@
+"""Declaring and selecting files, and their attributes."""
+
+from __future__ import annotations
+
+from collections.abc import Callable, Mapping, Sequence
+from dataclasses import dataclass
+
+from orv import _native
+from orv.errors import OrvError
+from orv.fileview import FileView
+from orv.messages import Messages
+from orv.positions import Position, here
+from orv.suggestions import did_you_mean
+
+FIXED_ATTRIBUTES = ("Name", "NameWithoutExtension")
+SETTABLE_ATTRIBUTES = (
+    "BaseName", "Type", "Creator", "CodeTemplate", "OutputDirectory", "Group", "DefinedMacro",
+    "SystemsInFile", "RequiredIncludes", "UtilityIncludes", "Filter", "IsEmpty", "WrittenToDisk",
+    "Indent", "Shared", "SharedType", "DeferredIncludeCoderTypes",
+)  # fmt: skip
+ATTRIBUTES = FIXED_ATTRIBUTES + SETTABLE_ATTRIBUTES
+
+FILE_TYPES = (
+    "ModelHeaderFile", "ModelSourceFile", "ModelDataFile", "ModelPrivateFile", "ModelTypesFile",
+    "ModelCapiSrcFile", "ModelCapiHdrFile", "ModelCapiHostHdrFile", "ModelTestIfSrcFile",
+    "ModelTestIfHdrFile", "ModelExtModeDataInterfaceFile",
+)  # fmt: skip
+
+# The kinds of files that are named by the model's table of names, with the type of name.
+_NAMED_BY_TABLE = {"model_header": "ModelHeaderFile", "model_types": "ModelTypesFile"}
+
+
+@dataclass
+class FileRecord:
+    """What the templates said about one file beside what the library keeps."""
+
+    kind: str
+    declared: Position
+    modules: tuple[int, ...] = ()
+    order: tuple[str, ...] | None = None
+
+
+class FileTable:
+    """The files that templates declare, by their index in the repository."""
+
+    def __init__(self, repository: _native.Repository, messages: Messages) -> None:
+        self._repository = repository
+        self._messages = messages
+        self._records: dict[int, FileRecord] = {}
+        self._by_key: dict[str, int] = {}
+
+    def record(self, file: int) -> FileRecord | None:
+        """What is known of a file; nothing for one that a script made."""
+        return self._records.get(file)
+
+    def label(self, file: int) -> str:
+        """The file's name as messages show it."""
+        name = self._repository.get_attribute(file, "Name")
+        return f'"{name}"' if name else "without a name"
+
+    def place(self, file: int) -> str:
+        """Where the file was declared, as messages begin with it: empty when that is not known."""
+        record = self._records.get(file)
+        return f"{record.declared}: " if record is not None else ""
+
+    def adopt(self, file: int, script: str) -> None:
+        """Take note of a file that a script made."""
+        name = str(self._repository.get_attribute(file, "Name"))
+        is_new, registered = self._repository.register_name(name)
+        if not is_new and registered != name:
+            self._messages.warn(self._clash(name, registered), script)
+
+    def find(self, target: object) -> int:
+        """The file that a template means by a name or a file object."""
+        if isinstance(target, FileView):
+            return target._index
+        if not isinstance(target, str):
+            raise OrvError(f"a file is meant by its name, not by {type(target).__name__}")
+        index = self._repository.find(target)
+        if index < 0:
+            raise OrvError(
+                f'there is no file "{target}" yet; declare it with {{% file %}} first'
+                + did_you_mean(target, self.names())
+            )
+        return index
+
+    def names(self) -> list[str]:
+        """The names of all files, in the order they were made."""
+        return [str(self._repository.get_attribute(i, "Name")) for i in range(len(self._repository))]
+
+    def select(self, name: str | None, kind: str | None, arguments: Sequence[object]) -> int:
+        """The file that a `file` tag means, made now unless it is there."""
+        if kind == "packaging":
+            return self._by_packaging_key(arguments)
+        if kind in ("module_header", "module_source"):
+            return self._module(name, kind, _module_indices(arguments))
+        if arguments:
+            raise OrvError(f"{kind} takes no arguments")
+        if kind is not None and kind in _NAMED_BY_TABLE:
+            name = self._name_from_table(name, kind)
+        if not isinstance(name, str) or not name:
+            raise OrvError(f"a file is declared by its name, not by {name!r}")
+        return self._named(name, kind)
+
+    def set_attributes(self, file: int, attributes: Mapping[str, object]) -> None:
+        """Set attributes by name; `order` sets the written order of the sections."""
+        for name, value in attributes.items():
+            if name == "order":
+                self._set_order(file, value)
+            else:
+                self._set_attribute(file, name, value)
+
+    def name_model(self, name: str, file_names: Mapping[str, object]) -> None:
+        """Name the model and its well-known files."""
+        for file_type, file_name in file_names.items():
+            if file_type not in FILE_TYPES:
+                raise OrvError(
+                    f'there is no file type "{file_type}"' + did_you_mean(file_type, FILE_TYPES)
+                )
+            if not isinstance(file_name, str):
+                raise OrvError(f"the name of {file_type} must be text")
+            current = self._repository.file_name(file_type)
+            if current and current != file_name:
+                raise OrvError(f'{file_type} is named "{current}" already')
+            self._repository.name_file(file_type, file_name)
+        self._repository.model_name = name
+
+    def _named(self, name: str, kind: str | None) -> int:
+        index = self._repository.find(name)
+        if index >= 0:
+            self._require_kind(index, kind)
+            return index
+        repository = self._repository
+        makers: dict[str, Callable[[], int]] = {
+            "generic": lambda: repository.create_generic(name),
+            "data_types": lambda: repository.create_data_types(name),
+            "model": lambda: repository.create_model(name),
+            "model_header": repository.create_model_header,
+            "model_types": repository.create_model_types,
+        }
+        return self._make(name, kind or "generic", makers[kind or "generic"])
+
+    def _make(
+        self, name: str, kind: str, maker: Callable[[], int], modules: tuple[int, ...] = ()
+    ) -> int:
+        position = here()
+        self._report_clash(name)
+        index = maker()
+        self._records[index] = FileRecord(kind, position, modules)
+        return index
+
+    def _report_clash(self, name: str) -> None:
+        is_new, registered = self._repository.register_name(name)
+        if is_new:
+            return
+        self._messages.warn(self._clash(name, registered), here())
+
+    def _clash(self, name: str, registered: str) -> str:
+        other = self._records.get(self._repository.find(registered))
+        where = f", declared at {other.declared}" if other is not None else ""
+        return (
+            f'the file "{name}" differs only in letter case from "{registered}"{where};'
+            " some file systems cannot hold both"
+        )
+
+    def _require_kind(self, index: int, kind: str | None) -> None:
+        record = self._records[index]
+        if kind is not None and record.kind != kind:
+            raise OrvError(
+                f"the file {self.label(index)} was declared as {record.kind} at {record.declared};"
+                f" it cannot be declared as {kind}"
+            )
+
+    def _name_from_table(self, name: str | None, kind: str) -> str:
+        file_type = _NAMED_BY_TABLE[kind]
+        stem = self._repository.file_name(file_type)
+        if name is not None:
+            raise OrvError(f'the name of {kind} comes from {{% model "NAME" {file_type}="..." %}}')
+        if not stem:
+            raise OrvError(
+                f'{kind} has no name yet; give it one with {{% model "NAME" {file_type}="..." %}}'
+            )
+        return stem + ".h"
+
+    def _module(self, name: str | None, kind: str, modules: tuple[int, ...]) -> int:
+        repository = self._repository
+        header = kind == "module_header"
+        find = repository.find_module_header if header else repository.find_module_source
+        create = repository.create_module_header if header else repository.create_module_source
+        if name is None:
+            found = find(modules[0]) if len(modules) == 1 else -1
+            if found < 0:
+                shown = ", ".join(map(str, modules))
+                raise OrvError(f"no {kind} has the index {shown}; declare it by its name first")
+            return found
+        index = repository.find(name)
+        if index >= 0:
+            self._require_kind(index, kind)
+            if modules and modules != self._records[index].modules:
+                shown = ", ".join(map(str, self._records[index].modules)) or "none"
+                raise OrvError(f"the file {self.label(index)} has the module indices {shown}")
+            return index
+        for module in modules:
+            if find(module) >= 0:
+                self._messages.warn(
+                    f'module index {module} now means "{name}" and no longer'
+                    f" {self.label(find(module))}",
+                    here(),
+                )
+        named: str = name
+        return self._make(name, kind, lambda: create(named, list(modules)), modules)
+
+    def _by_packaging_key(self, arguments: Sequence[object]) -> int:
+        if len(arguments) != 1 or not isinstance(arguments[0], str):
+            raise OrvError('packaging takes one key, such as packaging("mdl_hdr")')
+        key = arguments[0]
+        if key in self._by_key:
+            return self._by_key[key]
+        index = self._repository.packaging_file(key)
+        if index in self._records:
+            other = next(k for k, i in self._by_key.items() if i == index)
+            self._messages.warn(
+                f'the packaging keys "{key}" and "{other}" mean the same file,'
+                f" which has the attributes of {key} from now on",
+                here(),
+            )
+        else:
+            self._records[index] = FileRecord("packaging", here())
+        self._by_key[key] = index
+        return index
+
+    def _set_order(self, file: int, value: object) -> None:
+        if not isinstance(value, (list, tuple)) or not all(isinstance(v, str) for v in value):
+            raise OrvError("order is a list of names of sections")
+        for section in value:
+            self._repository.require_section(file, section)
+            if value.count(section) > 1:
+                raise OrvError(f'order names the section "{section}" twice')
+        self._records[file].order = tuple(value)
+
+    def _set_attribute(self, file: int, name: str, value: object) -> None:
+        kind = self._repository.attribute_kind(name)
+        if not kind:
+            raise OrvError(f'files have no attribute "{name}"' + did_you_mean(name, SETTABLE_ATTRIBUTES))
+        if kind == "list":
+            for element in value if isinstance(value, (list, tuple)) else [value]:
+                self._repository.set_attribute(file, name, _text(name, element))
+            return
+        if kind == "text":
+            self._require_group(file, name, _text(name, value))
+            self._repository.set_attribute(file, name, _text(name, value))
+            return
+        if not isinstance(value, bool):
+            raise OrvError(f"the value of {name} must be true or false, not {value!r}")
+        if name == "IsEmpty" and value and not self._repository.get_attribute(file, "IsEmpty"):
+            raise OrvError(f"the file {self.label(file)} is not empty and cannot be made so")
+        self._repository.set_attribute(file, name, value)
+
+    def _require_group(self, file: int, name: str, value: str) -> None:
+        group = self._repository.get_attribute(file, "Group")
+        if name == "Group" and group and group != value:
+            raise OrvError(
+                f'the file {self.label(file)} is in the group "{group}", which it cannot leave'
+            )
+
+
+def _text(name: str, value: object) -> str:
+    if not isinstance(value, str):
+        raise OrvError(f"the value of {name} must be text, not {value!r}")
+    return value
+
+
+def _module_indices(arguments: Sequence[object]) -> tuple[int, ...]:
+    indices: list[int] = []
+    for argument in arguments:
+        for index in argument if isinstance(argument, (list, tuple)) else [argument]:
+            if not isinstance(index, int) or isinstance(index, bool) or abs(index) >= 2**31:
+                raise OrvError(f"a module index is a whole number, not {index!r}")
+            indices.append(index)
+    return tuple(indices)

@@ -1,0 +1,57 @@
+#include <string>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Text.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+py::object getAttribute(PackagedFiles& files, int index, const py::object& name) {
+  const Varn::FileRepOrvBridge& bridge = files.bridge();
+  const std::string attribute = textArgument(name, "an attribute's name");
+  if (bridge.isBooleanAttribute(attribute)) {
+    return py::bool_(bridge.getBooleanAttribute(index, attribute));
+  }
+  if (!bridge.isStringArrayAttribute(attribute)) {
+    return toPython(bridge.getStringAttribute(index, attribute));
+  }
+  py::list values;
+  for (const std::string& value : bridge.getStringArrayAttribute(index, attribute)) {
+    values.append(toPython(value));
+  }
+  return std::move(values);
+}
+
+// The library takes a text for a string and for one more element of a list.
+void setAttribute(PackagedFiles& files, int index, const py::object& name,
+                  const py::object& value) {
+  const std::string attribute = textArgument(name, "an attribute's name");
+  if (PyBool_Check(value.ptr())) {
+    files.bridge().setAttribute(index, attribute, value.ptr() == Py_True);
+  } else {
+    const std::string what = "the value of " + attribute;
+    files.bridge().setAttribute(index, attribute, utf8WithoutNul(value, what.c_str()).data());
+  }
+}
+
+// "text", "flag" or "list"; empty for what is no attribute, a section's name included.
+std::string attributeKind(PackagedFiles& files, const py::object& name) {
+  const Varn::FileRepOrvBridge& bridge = files.bridge();
+  const std::string attribute = textArgument(name, "an attribute's name");
+  if (bridge.isBooleanAttribute(attribute)) return "flag";
+  if (bridge.isStringArrayAttribute(attribute)) return "list";
+  if (bridge.isFileSectionAttribute(attribute)) return "";
+  return bridge.isStringAttribute(attribute) ? "text" : "";
+}
+
+}  // namespace
+
+void bindAttributes(RepositoryClass& repository) {
+  repository.def("get_attribute", &getAttribute)
+      .def("set_attribute", &setAttribute)
+      .def("attribute_kind", &attributeKind);
+}
+
+}  // namespace orv

@@ -1,0 +1,30 @@
+// The areas that the native part consists of; each adds its classes or operations to the module.
+#ifndef ORV_BINDINGS_HPP
+#define ORV_BINDINGS_HPP
+
+#include <memory>
+
+#include <pybind11/pybind11.h>
+
+#include "python/orv/native/PackagedFiles.hpp"
+
+namespace orv {
+
+using RepositoryClass = pybind11::class_<PackagedFiles, std::shared_ptr<PackagedFiles>>;
+
+// Turns the library's diagnostics into the Python exception orv.errors.Diagnostic.
+void bindErrors();
+
+// The operations of the class Repository, area by area. A file is named by its index; an index that
+// no file has is the library's diagnostic "InvalidFileIndex".
+void bindFiles(RepositoryClass& repository);
+void bindAttributes(RepositoryClass& repository);
+void bindSections(RepositoryClass& repository);
+void bindCustomSections(RepositoryClass& repository);
+
+void bindTextSink(pybind11::module_& module);
+void bindStreams(pybind11::module_& module);
+
+}  // namespace orv
+
+#endif

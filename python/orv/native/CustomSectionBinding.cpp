@@ -1,0 +1,50 @@
+#include <string>
+
+#include <varn/CustomContents.hpp>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/SectionNames.hpp"
+#include "python/orv/native/Text.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+std::string customName(const py::object& name) {
+  return textArgument(name, "a custom section's name");
+}
+
+// The file must have the built-in section: a custom section on one that it lacks is never written.
+void declare(PackagedFiles& files, int index, const py::object& builtin, const py::object& name) {
+  std::string section = textArgument(builtin, "a section's name");
+  if (section == "Types") section = "Typedefs";
+  const Varn::VarnFileSectionKind kind = sectionKindOf(files.file(index), section);
+  if (kind == Varn::FORWARD_DECLS_SECTION) {
+    files.file(index).getCustomContent().addCustomSection(customName(name), kind);
+  } else {
+    files.bridge().addCustomSection(index, section, customName(name));
+  }
+}
+
+}  // namespace
+
+void bindCustomSections(RepositoryClass& repository) {
+  repository.def("declare_custom", &declare)
+      .def("fill_custom",
+           [](PackagedFiles& files, int index, const py::object& name, const py::object& text) {
+             files.file(index).getCustomContent().addContentToSection(
+                 customName(name), utf8WithoutNul(text, "the text of a custom section").data());
+           })
+      .def(
+          "retrieve_custom",
+          [](PackagedFiles& files, int index, const py::object& name, const py::object& requester) {
+            return toPython(files.file(index).getCustomContent().getCustomSectionContent(
+                customName(name), textArgument(requester, "the requester")));
+          })
+      .def("mark_custom_in_use", [](PackagedFiles& files, int index, const py::object& name) {
+        files.file(index).getCustomContent().setCustomTokenInUse(customName(name));
+      });
+}
+
+}  // namespace orv

@@ -1,0 +1,61 @@
+#include "python/orv/native/Stream.hpp"
+
+#include <cerrno>
+#include <stdexcept>
+#include <utility>
+
+namespace orv {
+namespace {
+
+// The C library may fail without saying why.
+int reasonOr(int reason) { return reason != 0 ? reason : EIO; }
+
+}  // namespace
+
+Stream Stream::create(const std::string& path) {
+  return Stream(path, nullptr, std::fopen(path.c_str(), "wbxe"));
+}
+
+Stream Stream::inMemory() {
+  auto memory = std::make_unique<Memory>();
+  FILE* file = open_memstream(&memory->characters, &memory->size);
+  return Stream("memory", std::move(memory), file);
+}
+
+Stream::Stream(std::string path, std::unique_ptr<Memory> memory, FILE* file)
+    : path_(std::move(path)), memory_(std::move(memory)), file_(file) {
+  if (file == nullptr) fail(errno);
+}
+
+void Stream::write(const std::function<void(FILE*)>& write) {
+  FILE* file = require();
+  errno = 0;
+  write(file);
+  if (std::ferror(file) != 0) fail(errno);
+}
+
+void Stream::flush() {
+  errno = 0;
+  if (std::fflush(require()) != 0) fail(errno);
+}
+
+void Stream::close() {
+  if (!file_) return;
+  errno = 0;
+  if (std::fclose(file_.release()) != 0) fail(errno);
+}
+
+std::string_view Stream::contents() {
+  if (!memory_) throw std::logic_error("the stream to " + path_ + " is not in memory");
+  flush();
+  return {memory_->characters, memory_->size};
+}
+
+FILE* Stream::require() const {
+  if (!file_) throw std::logic_error("the stream to " + path_ + " is closed");
+  return file_.get();
+}
+
+void Stream::fail(int reason) const { throw StreamError(reasonOr(reason), path_); }
+
+}  // namespace orv

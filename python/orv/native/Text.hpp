@@ -1,0 +1,26 @@
+#ifndef ORV_TEXT_HPP
+#define ORV_TEXT_HPP
+
+#include <string>
+#include <string_view>
+
+#include <pybind11/pybind11.h>
+
+namespace orv {
+
+// The UTF-8 form of a Python text, good as long as the text lives; a NUL follows its end. Throws
+// pybind11::type_error naming `what` for anything but a text, and pybind11::value_error for a text
+// with a lone surrogate, which has no UTF-8 form.
+std::string_view utf8(pybind11::handle text, const char* what);
+
+// utf8(), for what the library keeps as a C string: refuses a NUL, which would cut it short.
+std::string_view utf8WithoutNul(pybind11::handle text, const char* what);
+std::string textArgument(pybind11::handle text, const char* what);
+
+// The Python text of the library's bytes. Bytes that are not UTF-8 become lone surrogates, as in
+// Python's own file names.
+pybind11::str toPython(std::string_view text);
+
+}  // namespace orv
+
+#endif

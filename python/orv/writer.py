@@ -1,0 +1,221 @@
+"""Comparing a run with what is on the disk, and bringing the disk up to date."""
+
+from __future__ import annotations
+
+import os
+import re
+from collections.abc import Callable, Iterable
+from dataclasses import dataclass
+from enum import Enum
+
+from orv import _native
+from orv.errors import OutputError
+from orv.layout import compose, is_header
+from orv.paths import OutputFolder, output_parts
+from orv.run import Run
+
+_TEMPORARY = re.compile(r"\.orv-([0-9]+)\.tmp")
+
+
+class State(Enum):
+    """How a file of the run compares with the disk."""
+
+    NEW = "new"
+    CHANGED = "changed"
+    SAME = "same"
+    EMPTY = "empty"
+
+
+@dataclass
+class PlannedFile:
+    """A file of the run, its bytes and where they go. An empty file has neither.
+
+    `path` is below the output folder, `shown` is with it, and `target` is the place on the disk.
+    """
+
+    index: int
+    path: str
+    shown: str
+    target: str
+    state: State
+    data: bytes
+    old: bytes
+    sections: dict[str, int]
+
+    @property
+    def differs(self) -> bool:
+        """Whether the disk has to change."""
+        return self.state in (State.NEW, State.CHANGED)
+
+
+def plan(run: Run, out: str) -> list[PlannedFile]:
+    """Work out what has to be written, in the order of the repository. Changes nothing.
+
+    Raises OutputError, with the file and where it was declared, when a file cannot go where it
+    belongs.
+    """
+    folder = OutputFolder(out)
+    planned: list[PlannedFile] = []
+    owners: dict[str, int] = {}
+    for index in range(len(run.repository)):
+        if run.repository.get_attribute(index, "IsEmpty"):
+            label = str(run.repository.get_attribute(index, "Name"))
+            planned.append(PlannedFile(index, label, label, "", State.EMPTY, b"", b"", {}))
+            continue
+        try:
+            file = _plan_file(run, index, folder)
+            _claim(file.target, index, owners, run)
+        except OutputError as error:
+            place = run.files.place(index)
+            raise OutputError(f"{place}the file {run.files.label(index)}: {error}") from error
+        planned.append(file)
+    _refuse_files_as_folders(owners, run)
+    return planned
+
+
+def write(
+    files: Iterable[PlannedFile], run: Run, wrote: Callable[[PlannedFile], None]
+) -> None:
+    """Write the files that differ, each whole or not at all; `wrote` hears of each.
+
+    Raises OutputError, which says for every file whether it is old or new, when one cannot be
+    written.
+    """
+    waiting = [file for file in files if file.differs]
+    cleaned: set[str] = set()
+    position = 0
+    try:
+        for position, file in enumerate(waiting):
+            _write_one(file, cleaned)
+            run.repository.set_attribute(file.index, "WrittenToDisk", True)
+            wrote(file)
+    except OSError as error:
+        raise OutputError(
+            f"{waiting[position].shown} cannot be written: {error.strerror}\n"
+            + _states(waiting, position)
+        ) from error
+    except KeyboardInterrupt:
+        # The interruption may have come just after the file took its place.
+        done = position + any(_read(f.target) == f.data for f in waiting[position : position + 1])
+        raise OutputError("interrupted while writing\n" + _states(waiting, done)) from None
+
+
+def _write_one(file: PlannedFile, cleaned: set[str]) -> None:
+    folder = os.path.dirname(file.target)
+    os.makedirs(folder, exist_ok=True)
+    if folder not in cleaned:
+        cleaned.add(folder)
+        _remove_stale(folder)
+    replace_file(file.target, file.data)
+
+
+def replace_file(path: str, data: bytes) -> None:
+    """Give the file `path` new bytes in one step; a failure leaves it as it was.
+
+    Raises OSError. The file keeps its permissions when it is there already.
+    """
+    temporary = os.path.join(os.path.dirname(path), f".orv-{os.getpid()}.tmp")
+    try:
+        stream = _native.Stream.create(temporary)
+        stream.write(data)
+        stream.flush()
+        stream.close()
+        if os.path.exists(path):
+            os.chmod(temporary, os.stat(path).st_mode & 0o7777)
+        os.replace(temporary, path)
+    except BaseException:
+        if os.path.lexists(temporary):
+            os.unlink(temporary)
+        raise
+
+
+def _plan_file(run: Run, index: int, folder: OutputFolder) -> PlannedFile:
+    parts = output_parts(_text(run, index, "OutputDirectory"), _disk_name(run, index))
+    target = folder.target(parts)
+    composed = compose(run, index)
+    try:
+        old = _read(target)
+    except OSError as error:
+        raise OutputError(f"{folder.shown(parts)} cannot be read: {error.strerror}") from error
+    state = State.NEW if old is None else State.SAME if old == composed.data else State.CHANGED
+    return PlannedFile(
+        index,
+        "/".join(parts),
+        folder.shown(parts),
+        target,
+        state,
+        composed.data,
+        old or b"",
+        composed.sections,
+    )
+
+
+def _disk_name(run: Run, index: int) -> str:
+    """The file's name; for one without a name, its BaseName with the ending of its kind."""
+    name = _text(run, index, "Name")
+    base = _text(run, index, "BaseName")
+    if name:
+        return name
+    if not base:
+        raise OutputError("it has no name to be written under; give it a BaseName")
+    return base + (".h" if is_header(base, _text(run, index, "Type")) else ".c")
+
+
+def _claim(target: str, index: int, owners: dict[str, int], run: Run) -> None:
+    if target in owners:
+        other = owners[target]
+        place = run.files.place(other).removesuffix(": ")
+        where = f", declared at {place}," if place else ""
+        raise OutputError(f"the file {run.files.label(other)}{where} is written to the same path")
+    owners[target] = index
+
+
+def _refuse_files_as_folders(owners: dict[str, int], run: Run) -> None:
+    for target, index in owners.items():
+        parent = os.path.dirname(target)
+        while parent != os.path.dirname(parent):
+            if parent in owners:
+                raise OutputError(
+                    f"{run.files.place(index)}the file {run.files.label(index)} is below"
+                    f" {run.files.label(owners[parent])}, which is a file and not a folder"
+                )
+            parent = os.path.dirname(parent)
+
+
+def _remove_stale(folder: str) -> None:
+    """Remove what writers that were killed have left behind."""
+    for name in os.listdir(folder):
+        stale = _TEMPORARY.fullmatch(name)
+        if stale and not _is_running(int(stale[1])):
+            os.unlink(os.path.join(folder, name))
+
+
+def _is_running(process: int) -> bool:
+    if process == os.getpid():
+        return False
+    try:
+        os.kill(process, 0)
+    except (ProcessLookupError, OverflowError):
+        return False
+    except PermissionError:
+        return True
+    return True
+
+
+def _states(files: list[PlannedFile], done: int) -> str:
+    return "\n".join(
+        f"{'new' if position < done else 'old'}  {file.shown}"
+        for position, file in enumerate(files)
+    )
+
+
+def _read(path: str) -> bytes | None:
+    try:
+        with open(path, "rb") as file:
+            return file.read()
+    except FileNotFoundError:
+        return None
+
+
+def _text(run: Run, index: int, attribute: str) -> str:
+    return str(run.repository.get_attribute(index, attribute))

@@ -1,0 +1,58 @@
+"""Ways to run the engine and the command, shared by the tests."""
+
+from __future__ import annotations
+
+import os
+import subprocess
+import sys
+from collections.abc import Callable, Mapping
+from pathlib import Path
+
+import pytest
+from jinja2 import DictLoader
+
+from orv.engine import render
+from orv.messages import Messages
+from orv.writer import plan
+
+Command = Callable[..., subprocess.CompletedProcess[str]]
+
+
+def files_of(
+    templates: str | Mapping[str, str],
+    model: Mapping[str, object] | None = None,
+    strict: bool = False,
+    warnings: list[str] | None = None,
+) -> dict[str, str]:
+    """The files that templates make, by path; the first template is the main one."""
+    if isinstance(templates, str):
+        templates = {"main.j2": templates}
+    heard: list[str] = [] if warnings is None else warnings
+    messages = Messages(heard.append, strict)
+    run = render(next(iter(templates)), model or {}, DictLoader(templates), messages)
+    return {
+        os.path.relpath(file.shown, "/out"): file.data.decode()
+        for file in plan(run, "/out")
+        if file.target
+    }
+
+
+@pytest.fixture
+def orv(tmp_path: Path) -> Command:
+    """Runs the command line in a folder of its own, where files can be put before."""
+
+    def run(
+        *arguments: str, env: Mapping[str, str] | None = None, **texts: str
+    ) -> subprocess.CompletedProcess[str]:
+        for name, text in texts.items():
+            (tmp_path / name.replace("__", ".")).write_text(text)
+        return subprocess.run(
+            [sys.executable, "-m", "orv", *arguments],
+            cwd=tmp_path,
+            env={**os.environ, **(env or {})},
+            capture_output=True,
+            text=True,
+            check=False,
+        )
+
+    return run

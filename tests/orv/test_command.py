@@ -1,0 +1,212 @@
+"""The command line as a user runs it."""
+
+from __future__ import annotations
+
+import json
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+import pytest
+from conftest import Command
+
+TEMPLATE = """\
+{% file name ~ ".h" DefinedMacro=name|upper ~ "_H" %}
+{% section "ExternData" %}
+extern int {{ name }};
+{% endsection %}
+{% endfile %}
+{% file name ~ ".c" OutputDirectory="src" Group="code" %}
+{% include_required name ~ ".h", "<stddef.h>" %}
+{% function "get" %}
+int get(void) { return {{ start }}; }
+{% endfunction %}
+{% endfile %}
+{% file "none.c" %}{% endfile %}
+"""
+MODEL = '{"name": "count", "start": 1}'
+
+
+def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: Path) -> None:
+    run = ("generate", "t.j2", "--model", "m.json", "--out", "out")
+    first = orv(*run, t__j2=TEMPLATE, m__json=MODEL)
+    assert (first.returncode, first.stdout, first.stderr) == (
+        0,
+        "new     out/count.h\nnew     out/src/count.c\n",
+        "",
+    )
+    source, header = tmp_path / "out/src/count.c", tmp_path / "out/count.h"
+    assert source.read_text() == (
+        '\n#include "count.h"\n\n#include <stddef.h>\nint get(void) { return 1; }\n'
+    )
+    assert sorted(path.name for path in (tmp_path / "out").rglob("*")) == [
+        "count.c",
+        "count.h",
+        "src",
+    ]
+    source.chmod(0o640)
+    os.utime(header, (1, 1))
+    second = orv(*run, "--set", "start=2", "--verbose")
+    assert (second.returncode, second.stdout, second.stderr) == (
+        0,
+        "changed out/src/count.c\n",
+        "read m.json\nread t.j2\nsame    out/count.h\nempty   none.c\n",
+    )
+    assert (header.stat().st_mtime, source.stat().st_mode & 0o777) == (1, 0o640)
+
+
+def test_check_diff_and_dry_run_write_nothing(orv: Command, tmp_path: Path) -> None:
+    run = ("generate", "t.j2", "--model", "m.json", "--out", "out")
+    dry = orv(*run, "--dry-run", t__j2=TEMPLATE, m__json=MODEL)
+    assert (dry.returncode, dry.stdout) == (0, "new     out/count.h\nnew     out/src/count.c\n")
+    assert orv(*run, "--check", "--quiet").returncode == 1
+    assert not (tmp_path / "out").exists()
+    orv(*run)
+    assert (orv(*run, "--check").returncode, orv(*run, "--check").stdout) == (0, "")
+    (tmp_path / "out/count.h").unlink()
+    (tmp_path / "out/src/count.c").write_text("old\nend")
+    both = orv(*run, "--check", "--diff")
+    assert (both.returncode, both.stdout) == (
+        1,
+        "--- /dev/null\n+++ out/count.h\n@@ -0,0 +1,6 @@\n+#ifndef COUNT_H\n+#define COUNT_H\n+\n"
+        "+extern int count;\n+\n+#endif /* COUNT_H */\n"
+        "--- out/src/count.c\n+++ out/src/count.c\n@@ -1,2 +1,5 @@\n-old\n-end\n"
+        '\\ No newline at end of file\n+\n+#include "count.h"\n+\n+#include <stddef.h>\n'
+        "+int get(void) { return 1; }\n",
+    )
+    assert (orv(*run, "--diff").returncode, (tmp_path / "out/count.h").exists()) == (0, False)
+
+
+def test_manifest(orv: Command, tmp_path: Path) -> None:
+    run = ("generate", "t.j2", "--model", "m.json", "--out", "out", "--manifest", "man.json")
+    assert orv(*run, t__j2=TEMPLATE, m__json=MODEL).returncode == 0
+    first = (tmp_path / "man.json").read_bytes()
+    files = json.loads(first)["files"]
+    assert [(file["path"], file["empty"]) for file in files] == [
+        ("count.h", False),
+        ("none.c", True),
+        ("src/count.c", False),
+    ]
+    source = files[2]
+    assert source["attributes"]["Group"] == "code"
+    assert {key: source[key] for key in ("functions", "includes", "sections", "size")} == {
+        "functions": ["get"],
+        "includes": ['"count.h"', "<stddef.h>"],
+        "sections": {"Includes": 41, "Functions": 28},
+        "size": 69,
+    }
+    orv(*run)
+    assert (tmp_path / "man.json").read_bytes() == first
+
+
+@pytest.mark.parametrize("locale", ["C", "POSIX", "C.UTF-8"])
+def test_bytes_do_not_depend_on_locale_or_hash_seed(
+    orv: Command, tmp_path: Path, locale: str
+) -> None:
+    template = '{% file "é.c" %}{% section "Banner" %}{{ m }} {{ s|join }} ü\n{% endsection %}{% endfile %}'
+    (tmp_path / "t.j2").write_bytes(template.encode())
+    (tmp_path / "m.yaml").write_bytes("m: {z: ö, a: 1}\ns: !!set {b, a, c}\n".encode())
+    run = ("generate", "t.j2", "--model", "m.yaml", "--out", "out")
+    env = {"LC_ALL": locale, "PYTHONUTF8": "0", "PYTHONCOERCECLOCALE": "0", "PYTHONHASHSEED": "7"}
+    assert orv(*run, env=env).returncode == 0
+    written = (tmp_path / "out").joinpath("é.c").read_bytes()
+    assert written == "{'z': 'ö', 'a': 1} abc ü\n".encode()
+
+
+def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -> None:
+    model = tmp_path / "m $x#y z.json"
+    model.write_text('{"name": "a b"}')
+    template = '{% include "p q.j2" %}'
+    part = '{% file name ~ ".c" %}{% section "Banner" %}x{% endsection %}{% endfile %}'
+    run = ("generate", "t.j2", "--model", model.name, "--out", "out", "--depfile", "d")
+    assert orv(*run, t__j2=template, **{"p q__j2": part}).returncode == 0
+    text = (tmp_path / "d").read_text()
+    assert text == "out/a\\ b.c: \\\n  m\\ $$x\\#y\\ z.json \\\n  p\\ q.j2 \\\n  t.j2\n"
+    (tmp_path / "d").unlink()
+    orv(*run)
+    assert (tmp_path / "d").read_text() == text
+    if shutil.which("make"):
+        (tmp_path / "Makefile").write_text("all: out/a\\ b.c\nout/a\\ b.c:\n\ttouch made\ninclude d\n")
+        for newer, expected in ((False, False), (True, True)):
+            os.utime(model, (4e9, 4e9) if newer else (1, 1))
+            subprocess.run(["make"], cwd=tmp_path, check=True, capture_output=True)
+            assert (tmp_path / "made").exists() is expected
+    if shutil.which("ninja"):
+        (tmp_path / "build.ninja").write_text(
+            "rule r\n command = touch ran && touch $out\n depfile = d\nbuild out/a$ b.c: r\n"
+        )
+        subprocess.run(["ninja"], cwd=tmp_path, check=True, capture_output=True)
+        output = subprocess.run(["ninja", "-d", "explain"], cwd=tmp_path, capture_output=True)
+        assert model.name in (output.stdout + output.stderr).decode()
+
+
+MISTAKES = {
+    "template": (["t.j2", "--out", "o"], 1, "error: t.j2:2: 'nope' is undefined\n"),
+    "no template": (["no.j2", "--out", "o"], 1, 'error: there is no template "no.j2" in "."\n'),
+    "no model": (
+        ["t.j2", "--out", "o", "--model", "no.json"],
+        1,
+        "error: no.json: No such file or directory\n",
+    ),
+    "no out": (["t.j2"], 2, "orv generate: error: the following arguments are required: --out\n"),
+    "set": (
+        ["t.j2", "--out", "o", "--set", "x"],
+        2,
+        "orv generate: error: argument --set: expected KEY=VALUE with a name for KEY, not 'x'\n",
+    ),
+    "both": (
+        ["t.j2", "--out", "o", "--check", "--dry-run"],
+        2,
+        "orv generate: error: argument --dry-run: not allowed with argument --check\n",
+    ),
+}
+
+
+@pytest.mark.parametrize("name", MISTAKES)
+def test_mistakes_write_nothing(orv: Command, tmp_path: Path, name: str) -> None:
+    arguments, code, message = MISTAKES[name]
+    text = '{% file "a" %}{% section "Banner" %}x{% endsection %}{% endfile %}\n{{ nope }}'
+    done = orv("generate", *arguments, t__j2=text)
+    assert (done.returncode, done.stdout) == (code, "")
+    assert done.stderr == message or (code == 2 and done.stderr.endswith("\n" + message))
+    assert not (tmp_path / "o").exists()
+
+
+def test_strict_and_quiet(orv: Command, tmp_path: Path) -> None:
+    text = (
+        '{% file "a.c" %}{% section "Banner" %}x{% endsection %}{% endfile %}\n'
+        '{% file "A.c" %}{% section "Banner" %}x{% endsection %}{% endfile %}'
+    )
+    clash = (
+        't.j2:2: the file "A.c" differs only in letter case from "a.c", declared at t.j2:1;'
+        " some file systems cannot hold both\n"
+    )
+    strict = orv("generate", "t.j2", "--out", "o", "--strict", t__j2=text)
+    assert (strict.returncode, strict.stderr) == (1, f"error: {clash}")
+    quiet = orv("generate", "t.j2", "--out", "o", "--quiet", "--dry-run")
+    assert (quiet.returncode, quiet.stdout, quiet.stderr) == (0, "", "")
+    loud = orv("generate", "t.j2", "--out", "o")
+    assert (loud.returncode, loud.stderr) == (0, f"warning: {clash}")
+
+
+def test_scripts(orv: Command, tmp_path: Path) -> None:
+    if not hasattr(pytest.importorskip("orbel"), "load"):
+        pytest.skip("the host's Python package is not built")
+    script = (
+        "for file in list(repo.FileList):\n"
+        '    file.getFileSection("BANNER_SECTION").addContent("/* " + model["name"] + " */\\n")\n'
+        'made = repo.createGenericFile("more.c")\n'
+        'made.getFunctionsSection().addFunction("f", "void f(void) {}\\n")\n'
+        "print(len(repo.FileList))\n"
+    )
+    run = ("generate", "t.j2", "--model", "m.json", "--out", "out", "--script", "s.py")
+    done = orv(*run, t__j2=TEMPLATE, m__json=MODEL, s__py=script)
+    assert (done.returncode, done.stderr) == (0, "")
+    assert done.stdout.startswith("4\nnew     out/count.h\n")
+    assert (tmp_path / "out/more.c").read_text() == "void f(void) {}\n"
+    assert (tmp_path / "out/count.h").read_text().startswith("/* count */\n#ifndef")
+    failing = orv(*run, "--set", "start=9", s__py="\nraise ValueError('no')\n")
+    assert (failing.returncode, failing.stdout) == (1, "")
+    assert failing.stderr == "error: s.py:2: ValueError: no\n"
+    assert "return 1;" in (tmp_path / "out/src/count.c").read_text()

@@ -1,0 +1,54 @@
+"""The examples of the documentation do what they say."""
+
+from __future__ import annotations
+
+import json
+import re
+from pathlib import Path
+from typing import NamedTuple
+
+import pytest
+from conftest import files_of
+
+from orv.errors import OrvError
+
+DOCUMENT = Path(__file__).parents[2] / "docs" / "templates.md"
+BLOCK = re.compile(r"^```(\w+) ?(.*)\n((?:.*\n)*?)```$", re.MULTILINE)
+
+
+class Example(NamedTuple):
+    """A main template with what belongs to it."""
+
+    templates: dict[str, str]
+    model: dict[str, object]
+    strict: bool
+    files: dict[str, str]
+    message: list[str]
+
+
+def examples() -> list[Example]:
+    found: list[Example] = []
+    model: dict[str, object] = {}
+    more: dict[str, str] = {}
+    for language, argument, text in BLOCK.findall(DOCUMENT.read_text()):
+        if language == "json":
+            model = json.loads(text)
+        elif language == "jinja" and argument.endswith(".j2"):
+            more[argument] = text
+        elif language == "jinja":
+            found.append(Example({"main.j2": text, **more}, model, argument == "strict", {}, []))
+            model, more = {}, {}
+        elif language == "c":
+            found[-1].files[argument] = text
+        elif language == "text":
+            found[-1].message.append(text.strip())
+    return found
+
+
+@pytest.mark.parametrize("example", examples(), ids=lambda e: e.templates["main.j2"][:40])
+def test_example(example: Example) -> None:
+    try:
+        outcome: object = files_of(example.templates, example.model, example.strict)
+    except OrvError as error:
+        outcome = [str(error)]
+    assert outcome == (example.message or example.files)
