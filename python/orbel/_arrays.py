@@ -29,7 +29,7 @@ class StringArray(tuple[str | bytes, ...]):
                     f"element {number} of a StringArray must be a str or bytes, "
                     f"but is a {type(element).__name__}"
                 )
-        return super().__new__(cls, elements)
+        return tuple.__new__(cls, elements)
 
     def __repr__(self) -> str:
         return f"StringArray({list(self)!r})"
