@@ -1,12 +1,13 @@
 """How names of the host are written in Python."""
 
+import re
 from collections.abc import Sequence
 from keyword import iskeyword
 
 
 def is_special(name: str) -> bool:
     """Whether Python gives names like this a meaning of its own."""
-    return name.startswith("__") and name.endswith("__")
+    return re.fullmatch(r"__.*[^_]__", name, re.DOTALL) is not None
 
 
 def python_names(host_names: Sequence[str]) -> list[str]:
