@@ -8,23 +8,20 @@ namespace {
 
 namespace py = pybind11;
 
-py::object arrayClass(const char* name) { return py::module_::import("orbel._arrays").attr(name); }
-
-// Never destroyed: the interpreter may be gone before static objects are.
-const py::object& stringArrayClass() {
-  static const auto& type = *new py::object(arrayClass("StringArray"));
-  return type;
-}
-
-const py::object& objectArrayClass() {
-  static const auto& type = *new py::object(arrayClass("ObjectArray"));
-  return type;
-}
+// Never released: the interpreter may be gone before static objects are.
+py::handle stringArrayClass;
+py::handle objectArrayClass;
 
 }  // namespace
 
+void findArrayTypes() {
+  const auto arrays = py::module_::import("orbel._arrays");
+  stringArrayClass = py::object(arrays.attr("StringArray")).release();
+  objectArrayClass = py::object(arrays.attr("ObjectArray")).release();
+}
+
 bool isStringArray(PyObject* object) {
-  return PyObject_TypeCheck(object, reinterpret_cast<PyTypeObject*>(stringArrayClass().ptr()));
+  return PyObject_TypeCheck(object, reinterpret_cast<PyTypeObject*>(stringArrayClass.ptr()));
 }
 
 py::object newStringArray(const StringArray& strings) {
@@ -32,13 +29,13 @@ py::object newStringArray(const StringArray& strings) {
   for (const std::string& text : strings.elements()) {
     texts.append(checked(newText(text)));
   }
-  return stringArrayClass()(texts);
+  return stringArrayClass(texts);
 }
 
 py::object newObjectArray(const ObjectArray& objects, const py::tuple& elements) {
   const auto shape = py::make_tuple(objects.rows(), objects.columns());
-  return objectArrayClass()(checked(newText(objects.className())), shape, objects.isHeterogeneous(),
-                            elements);
+  return objectArrayClass(checked(newText(objects.className())), shape, objects.isHeterogeneous(),
+                          elements);
 }
 
 }  // namespace orbel::python

@@ -17,6 +17,9 @@ pybind11::object newStringArray(const StringArray& strings);
 // `elements` are the objects of `objects`, converted.
 pybind11::object newObjectArray(const ObjectArray& objects, const pybind11::tuple& elements);
 
+// For Module.cpp: imports both, so that no conversion has to.
+void findArrayTypes();
+
 }  // namespace orbel::python
 
 #endif

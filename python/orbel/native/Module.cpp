@@ -2,6 +2,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include "python/orbel/native/Arrays.hpp"
 #include "python/orbel/native/Errors.hpp"
 #include "python/orbel/native/Host.hpp"
 #include "python/orbel/native/HostClass.hpp"
@@ -13,6 +14,7 @@ PYBIND11_MODULE(_native, module) {
   pybind11::register_exception_translator([](std::exception_ptr error) {
     orbel::python::guarded(false, [&]() -> bool { std::rethrow_exception(error); });
   });
+  orbel::python::findArrayTypes();
   orbel::python::addObjectType(module);
   orbel::python::addClassType(module);
   orbel::python::addMethodType(module);
