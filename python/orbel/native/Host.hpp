@@ -1,0 +1,13 @@
+#ifndef ORBEL_PYTHON_HOST_HPP
+#define ORBEL_PYTHON_HOST_HPP
+
+#include <pybind11/pybind11.h>
+
+namespace orbel::python {
+
+// For Module.cpp: adds what the Python side needs of the host's modules, packages and catalogue.
+void addHost(pybind11::module_& module);
+
+}  // namespace orbel::python
+
+#endif

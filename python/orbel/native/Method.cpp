@@ -1,0 +1,141 @@
+#include <Python.h>
+#include <string>
+#include <structmember.h>
+
+#include <boost/container/small_vector.hpp>
+#include <pybind11/pybind11.h>
+
+#include "python/orbel/native/Documentation.hpp"
+#include "python/orbel/native/Errors.hpp"
+#include "python/orbel/native/FromPython.hpp"
+#include "python/orbel/native/Members.hpp"
+#include "python/orbel/native/Object.hpp"
+#include "python/orbel/native/Text.hpp"
+#include "python/orbel/native/ToPython.hpp"
+
+namespace orbel::python {
+namespace {
+
+struct MethodObject {
+  PyObject_HEAD vectorcallfunc vectorcall;
+  const Method* method;
+};
+
+PyTypeObject* theMethodType = nullptr;
+
+const Method& methodOf(PyObject* object) {
+  return *reinterpret_cast<MethodObject*>(object)->method;
+}
+
+Object& requireObject(const Method& method, PyObject* const* arguments, std::size_t count) {
+  Object* const object = count == 0 ? nullptr : asObject(arguments[0]);
+  if (object == nullptr) {
+    raisePython(PyExc_TypeError, method.qualifiedName() + " needs an object of the class " +
+                                     method.owner().qualifiedName() + ", but was given " +
+                                     (count == 0 ? "nothing" : Py_TYPE(arguments[0])->tp_name));
+  }
+  return *object;
+}
+
+PyObject* call(PyObject* callable, PyObject* const* arguments, std::size_t flaggedCount,
+               PyObject* keywords) {
+  return guarded<PyObject*>(nullptr, [&] {
+    const Method& method = methodOf(callable);
+    const auto count = static_cast<std::size_t>(PyVectorcall_NARGS(flaggedCount));
+    if (keywords != nullptr && PyTuple_GET_SIZE(keywords) != 0) {
+      raisePython(PyExc_TypeError, method.qualifiedName() + " takes no keyword arguments");
+    }
+    Object& object = requireObject(method, arguments, count);
+    boost::container::small_vector<Value, 4> values;
+    values.reserve(count);
+    values.push_back(object.value);
+    for (std::size_t i = 1; i < count; ++i) {
+      values.push_back(fromPython(arguments[i], Place(method, i)));
+    }
+    return toPython(method.invoke({values.data(), values.size()}), &object);
+  });
+}
+
+PyObject* bind(PyObject* method, PyObject* object, PyObject* /*type*/) {
+  return object == nullptr ? Py_NewRef(method) : PyMethod_New(method, object);
+}
+
+void deallocate(PyObject* object) {
+  PyTypeObject* const type = Py_TYPE(object);
+  type->tp_free(object);
+  Py_DECREF(type);
+}
+
+// The texts that inspect and help() ask a method for.
+template <std::string (*Make)(const Method&)>
+PyObject* textOfMethod(PyObject* object, void* /*closure*/) {
+  return guarded<PyObject*>(nullptr, [&] { return newText(Make(methodOf(object))); });
+}
+
+std::string nameOf(const Method& method) { return method.name(); }
+
+std::string qualifiedNameInPackage(const Method& method) {
+  return method.owner().getName() + "." + method.name();
+}
+
+std::string textSignature(const Method& method) {
+  const std::string parameters = parameterList(method.signature().arguments(), 1);
+  return "($self, " + (parameters.empty() ? "/" : parameters) + ")";
+}
+
+PyObject* represent(PyObject* object) {
+  return guarded<PyObject*>(
+      nullptr, [&] { return newText("<method " + methodDocumentation(methodOf(object)) + ">"); });
+}
+
+PyObject* hostSignature(PyObject* object, void* /*closure*/) {
+  return guarded<PyObject*>(nullptr, [&] {
+    const Signature& signature = methodOf(object).signature();
+    pybind11::tuple words(signature.arguments().size() + 1);
+    words[0] = checked(newText(signature.result()));
+    for (std::size_t i = 1; i < words.size(); ++i) {
+      words[i] = checked(newText(signature.arguments()[i - 1]));
+    }
+    return words.release().ptr();
+  });
+}
+
+}  // namespace
+
+pybind11::object newMethod(const Method& method) {
+  auto made = checked(theMethodType->tp_alloc(theMethodType, 0));
+  auto* const object = reinterpret_cast<MethodObject*>(made.ptr());
+  object->vectorcall = call;
+  object->method = &method;
+  return made;
+}
+
+void addMethodType(pybind11::module_& module) {
+  static PyMemberDef members[] = {
+      {"__vectorcalloffset__", T_PYSSIZET, offsetof(MethodObject, vectorcall), READONLY, nullptr},
+      {nullptr, 0, 0, 0, nullptr}};
+  static PyGetSetDef properties[] = {
+      {"__name__", textOfMethod<nameOf>, nullptr, nullptr, nullptr},
+      {"__qualname__", textOfMethod<qualifiedNameInPackage>, nullptr, nullptr, nullptr},
+      {"__doc__", textOfMethod<methodDocumentation>, nullptr, nullptr, nullptr},
+      {"__text_signature__", textOfMethod<textSignature>, nullptr, nullptr, nullptr},
+      {"signature", hostSignature, nullptr,
+       "The host's type words: the result, the class itself, then the arguments.", nullptr},
+      {nullptr, nullptr, nullptr, nullptr, nullptr}};
+  static PyType_Slot slots[] = {{Py_tp_call, reinterpret_cast<void*>(&PyVectorcall_Call)},
+                                {Py_tp_descr_get, reinterpret_cast<void*>(&bind)},
+                                {Py_tp_dealloc, reinterpret_cast<void*>(&deallocate)},
+                                {Py_tp_repr, reinterpret_cast<void*>(&represent)},
+                                {Py_tp_members, members},
+                                {Py_tp_getset, properties},
+                                {0, nullptr}};
+  static PyType_Spec spec = {"orbel.Method", sizeof(MethodObject), 0,
+                             Py_TPFLAGS_DEFAULT | Py_TPFLAGS_HAVE_VECTORCALL |
+                                 Py_TPFLAGS_METHOD_DESCRIPTOR | Py_TPFLAGS_IMMUTABLETYPE |
+                                 Py_TPFLAGS_DISALLOW_INSTANTIATION,
+                             slots};
+  theMethodType = reinterpret_cast<PyTypeObject*>(checked(PyType_FromSpec(&spec)).release().ptr());
+  module.attr("Method") = pybind11::handle(reinterpret_cast<PyObject*>(theMethodType));
+}
+
+}  // namespace orbel::python
