@@ -1,6 +1,22 @@
 # Python packages with a native part. The build tree holds them ready to use in `python/`:
 # PYTHONPATH=build/<preset>/python.
 
+# The distribution's interpreter, whatever stands first in the PATH: its packages are what the
+# set-up script installs.
+if(NOT DEFINED Python_EXECUTABLE AND EXISTS /usr/bin/python3)
+  set(Python_EXECUTABLE /usr/bin/python3)
+endif()
+find_package(Python 3.11 COMPONENTS Interpreter Development.Module)
+set(PYBIND11_FINDPYTHON ON)
+find_package(pybind11 CONFIG QUIET)
+if(NOT Python_Development.Module_FOUND OR NOT pybind11_FOUND)
+  message(WARNING "Python development files or pybind11 are missing: "
+    "leaving out the Python packages orbel and orv")
+  set(VARN_PYTHON_PACKAGES OFF)
+  return()
+endif()
+set(VARN_PYTHON_PACKAGES ON)
+
 set(VARN_PYTHON_DIR "lib/python${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}/dist-packages"
   CACHE STRING "Where Python packages are installed, from the prefix")
 
@@ -24,4 +40,27 @@ function(varn_python_package name)
     get_filename_component(folder ${module} DIRECTORY)
     install(FILES ${module} DESTINATION ${VARN_PYTHON_DIR}/${name}/${folder})
   endforeach()
+endfunction()
+
+# What a test of Python code runs with: the build tree's packages, and under the sanitizers their
+# run-time library ahead of the interpreter, which is built without them; what the interpreter never
+# frees is no leak of ours.
+set(VARN_PYTHON_ENVIRONMENT
+  PYTHONPATH=${PROJECT_BINARY_DIR}/python PYTHONDONTWRITEBYTECODE=1 PYTHONMALLOC=malloc)
+if(VARN_SANITIZE)
+  foreach(library libasan.so libstdc++.so)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+      OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    list(APPEND preloaded ${path})
+  endforeach()
+  list(JOIN preloaded " " preloaded)
+  list(APPEND VARN_PYTHON_ENVIRONMENT "LD_PRELOAD=${preloaded}" ASAN_OPTIONS=detect_leaks=0)
+endif()
+
+# varn_python_test(<name> <file or folder of this folder>): one run of pytest.
+function(varn_python_test name path)
+  add_test(NAME ${name}
+    COMMAND ${Python_EXECUTABLE} -m pytest -q -p no:cacheprovider
+      ${CMAKE_CURRENT_SOURCE_DIR}/${path})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${VARN_PYTHON_ENVIRONMENT}")
 endfunction()

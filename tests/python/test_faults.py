@@ -252,11 +252,11 @@ def test_a_package_that_was_unloaded() -> None:
     """In a process of its own: a module starts once."""
     script = """
 import orbel
-sample = orbel.load("orbel_sample")
+sample = orbel.load("orbel_zoo")
 box = sample.Box("b")
 orbel.unload(sample); orbel.unload(sample)
 for use in (lambda: sample.Box("c"), lambda: sample.Part, lambda: orbel.package("Sample"),
-            lambda: orbel.load("orbel_sample")):
+            lambda: orbel.load("orbel_zoo")):
     try:
         use()
     except orbel.Error as error:

@@ -77,7 +77,7 @@ class Owner:
 
 
 def test_wrapped_objects_keep_what_they_were_wrapped_with(sample: Any) -> None:
-    library = ctypes.CDLL("liborbel_sample.so", handle=sample_handle())
+    library = ctypes.CDLL("liborbel_zoo.so", handle=sample_handle())
     library.makeLibraryBox.restype = ctypes.c_void_p
     new_capsule = ctypes.pythonapi.PyCapsule_New
     new_capsule.restype = ctypes.py_object
@@ -109,5 +109,5 @@ def test_wrapped_objects_keep_what_they_were_wrapped_with(sample: Any) -> None:
 def sample_handle() -> int:
     """The dynamic linker's handle of the library that the host has loaded already."""
     with open("/proc/self/maps") as maps:
-        path = next(line.split()[-1] for line in maps if "liborbel_sample.so" in line)
+        path = next(line.split()[-1] for line in maps if "liborbel_zoo.so" in line)
     return ctypes.CDLL(path)._handle

@@ -35,7 +35,7 @@ def test_classes_are_built_from_the_definitions_of_any_module(sample: Any) -> No
         "Box", "Part", "Thing", "echo", "living",
     ]  # fmt: skip
     assert (sample.__doc__, sample.__version__) == ("Boxes and parts", "0.1.2.3")
-    assert sample is orbel.load("orbel_sample") is orbel.package("Sample")
+    assert sample is orbel.load("orbel_zoo") is orbel.package("Sample")
     assert sample.Box.__mro__[1:3] == (sample.Thing, orbel.package("orbel.mixin").Heterogeneous)
     box = sample.Box("b")
     part = box.import__("wheel")  # the host's "import"; "import_" is another method of the box

@@ -120,23 +120,23 @@ orbel::Value echo(orbel::Arguments arguments) {
 
 extern "C" {
 
-ORBEL_EXPORT extern const char* const orbel_sample_version;
-ORBEL_EXPORT extern const char* const orbel_sample_build_date;
-ORBEL_EXPORT extern const char* const orbel_sample_relative_path;
-const char* const orbel_sample_version = "0.1.2.3";
-const char* const orbel_sample_build_date = "Jan  1 2024";
-const char* const orbel_sample_relative_path = "orbel_sample.so";
+ORBEL_EXPORT extern const char* const orbel_zoo_version;
+ORBEL_EXPORT extern const char* const orbel_zoo_build_date;
+ORBEL_EXPORT extern const char* const orbel_zoo_relative_path;
+const char* const orbel_zoo_version = "0.1.2.3";
+const char* const orbel_zoo_build_date = "Jan  1 2024";
+const char* const orbel_zoo_relative_path = "orbel_zoo.so";
 
-ORBEL_EXPORT void OrbelInitialize_orbel_sample() {
+ORBEL_EXPORT void OrbelInitialize_orbel_zoo() {
   orbel::ObjectSystem::instance().addPackage(std::make_unique<SamplePackage>());
 }
 
-ORBEL_EXPORT void OrbelTerminate_orbel_sample() {
+ORBEL_EXPORT void OrbelTerminate_orbel_zoo() {
   orbel::ObjectSystem& host = orbel::ObjectSystem::instance();
   host.findPackage(orbel::Name("Sample"))->releaseForClient(host.publicClient());
 }
 
-ORBEL_EXPORT const orbel::FunctionTable* QueryOrbelFcnTable_orbel_sample() {
+ORBEL_EXPORT const orbel::FunctionTable* QueryOrbelFcnTable_orbel_zoo() {
   static const orbel::FunctionEntry entries[] = {
       {"living", living}, {"echo", echo}, {nullptr, nullptr}};
   static const orbel::FunctionTable table = {entries};
