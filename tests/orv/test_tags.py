@@ -177,7 +177,8 @@ ERRORS = {
     "library's own words": (
         '{% file "a" %}{% custom "c" on "Defines" %}\n{% custom "c" on "Types" %}{% endfile %}',
         'main.j2:2: Pyx:codeGen:CustomContentPreviousAssociation: The custom section "c" cannot be'
-        ' attached to the built-in section "Typedefs": it is already attached to "Defines".',
+        ' attached to the built-in section "Typedefs": it is already attached to "Defines".'
+        ' The section of forward declarations shows as "".',
     ),
     "filled, never declared": (
         '{% file "a" %}{% custom "cases" on "Defines" %}\n{% fill "case" %}x{% endfill %}'
