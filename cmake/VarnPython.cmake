@@ -9,8 +9,9 @@ endif()
 find_package(Python 3.11 COMPONENTS Interpreter Development.Module)
 set(PYBIND11_FINDPYTHON ON)
 find_package(pybind11 CONFIG QUIET)
-if(NOT Python_Development.Module_FOUND OR NOT pybind11_FOUND)
-  message(WARNING "Python development files or pybind11 are missing: "
+find_package(EXPAT QUIET)
+if(NOT Python_Development.Module_FOUND OR NOT pybind11_FOUND OR NOT EXPAT_FOUND)
+  message(WARNING "Python development files, pybind11 or expat are missing: "
     "leaving out the Python packages orbel and orv")
   set(VARN_PYTHON_PACKAGES OFF)
   return()

@@ -17,7 +17,7 @@ from orv import positions
 from orv.extension import PackagingTags, first_text_line, outside_text
 from orv.run import Run
 from orv.statements import LocatedError, Statements
-from orv.xmlmodel import Element
+from orv.xmlmodel import ENTRIES, Element
 
 # What a loop tells about itself: all of it harmless.
 _LOOP_ATTRIBUTES = frozenset(name for name in dir(LoopContext) if not name.startswith("_"))
@@ -134,7 +134,7 @@ class Environment(ImmutableSandboxedEnvironment):
             return obj[attribute]
         if kind is LoopContext and attribute in _LOOP_ATTRIBUTES:
             return getattr(obj, attribute)
-        if kind is Element and attribute in Element.ENTRIES:
+        if kind is Element and attribute in ENTRIES:
             return getattr(obj, attribute)
         return super().getattr(obj, attribute)
 

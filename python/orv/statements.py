@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Mapping, Sequence
-from typing import Any
+from typing import Any, NoReturn
 
 from jinja2 import pass_context
 
@@ -48,8 +48,11 @@ class Statements:
         return operations
 
     def globals(self) -> dict[str, Callable[..., object]]:
-        """The functions that templates call to read back."""
-        return {"file": self._view, "files": self._views, "file_name": self._file_name}
+        """The functions that templates call: to read back, and to refuse a model."""
+        return {
+            "fail": self._fail, "file": self._view, "file_name": self._file_name,
+            "files": self._views,
+        }  # fmt: skip
 
     def _file(
         self,
@@ -116,6 +119,10 @@ class Statements:
             complaint = outside_text(self._run.placements.readable(text))
             raise OrvError(complaint) if position is None else LocatedError(position, complaint)
         return text
+
+    def _fail(self, message: object) -> NoReturn:
+        """End the run with a message about the model."""
+        raise OrvError(str(message))
 
     def _view(self, name: str | None = None) -> FileView:
         """The file called `name`; the file being written when there is no name."""

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 from pathlib import Path
+from xml.etree import ElementTree
 
 import pytest
 
@@ -79,6 +80,26 @@ def test_xml_elements(tmp_path: Path) -> None:
         2,
         None,
     )
+
+
+def test_xml_is_what_another_parser_makes_of_it(tmp_path: Path) -> None:
+    registry = Path("/usr/share/khronos-api/gl.xml")
+    text = '<?xml version="1.0" encoding="ISO-8859-1"?>\n<r a="&lt;\xe9">x&#233;<![CDATA[<]]>y<b/>z</r>'
+    (tmp_path / "latin.xml").write_text(text, encoding="latin-1")
+    for path in (tmp_path / "latin.xml", registry):
+        model = load_model(str(path))
+        assert isinstance(model, dict)
+        waiting = [(ElementTree.parse(path).getroot(), *model.values())]
+        while waiting:
+            theirs, ours = waiting.pop()
+            content = [theirs.text, *(part for child in theirs for part in (child, child.tail))]
+            assert (ours.tag, ours.attributes) == (theirs.tag, theirs.attrib)
+            assert ours.text == "".join(theirs.itertext())
+            assert [part for part in ours.content if isinstance(part, str)] == [
+                part for part in content if isinstance(part, str)
+            ]
+            assert [c for c in ours.content if not isinstance(c, str)] == ours.children
+            waiting += zip(theirs, ours.children, strict=True)
 
 
 def test_yaml_keeps_shared_parts_shared_and_gives_sets_an_order(tmp_path: Path) -> None:

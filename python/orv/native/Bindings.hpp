@@ -24,6 +24,7 @@ void bindCustomSections(RepositoryClass& repository);
 
 void bindTextSink(pybind11::module_& module);
 void bindStreams(pybind11::module_& module);
+void bindXml(pybind11::module_& module);
 
 }  // namespace orv
 

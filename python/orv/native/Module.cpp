@@ -15,6 +15,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindCustomSections(repository);
   orv::bindTextSink(module);
   orv::bindStreams(module);
+  orv::bindXml(module);
 
   pybind11::list names;
   for (const std::string& name : orv::sectionNames()) names.append(orv::toPython(name));

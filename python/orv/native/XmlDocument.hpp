@@ -1,0 +1,89 @@
+#ifndef ORV_XMLDOCUMENT_HPP
+#define ORV_XMLDOCUMENT_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orv {
+
+// Why a document was not read, with the line that is to blame.
+class XmlError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// An XML document in few, compact tables: a model is read once and walked in parts, so that its
+// nodes become objects only when somebody looks at them.
+//
+// Nodes are known by their positions in the order in which they begin. A node's first child, if it
+// has any, is the next position; what follows the node and all that is in it is at `after`. The
+// document never changes once it is made, and what it hands out lives as long as it does.
+class XmlDocument {
+ public:
+  using Position = std::uint32_t;
+
+  struct Attribute {
+    std::uint32_t name;  // in names()
+    std::string_view value;
+  };
+
+  // Throws XmlError for a document that is not well-formed, that declares entities or refers to
+  // other documents (so that none can grow beyond what was read), or that is nested too deeply.
+  explicit XmlDocument(std::string_view text);
+
+  static constexpr Position root = 0;
+
+  // Whether the node is a text and not an element.
+  bool isText(Position node) const { return nodes_[node].name == noName; }
+  // Only for texts.
+  std::string_view text(Position node) const {
+    return slice(nodes_[node].begin, nodes_[node].size);
+  }
+  // Only for elements: the position of its tag in names().
+  std::uint32_t tag(Position node) const { return nodes_[node].name; }
+  Position after(Position node) const { return nodes_[node].after; }
+  std::size_t attributeCount(Position element) const { return nodes_[element].size; }
+  Attribute attribute(Position element, std::size_t index) const;
+
+  // All text in the element, in order, that of inner elements included.
+  std::string allText(Position element) const;
+
+  // The names of tags and attributes, each once, with their prefixes as written.
+  const std::vector<std::string>& names() const { return names_; }
+
+ private:
+  friend class XmlReader;
+
+  static constexpr std::uint32_t noName = UINT32_MAX;
+
+  // An element's attributes are `size` entries from `begin`; a text is `size` bytes from `begin`.
+  struct Node {
+    std::uint32_t name;
+    Position after;
+    std::uint32_t begin;
+    std::uint32_t size;
+  };
+
+  struct StoredAttribute {
+    std::uint32_t name;
+    std::uint32_t begin;
+    std::uint32_t size;
+  };
+
+  std::string_view slice(std::uint32_t begin, std::uint32_t size) const {
+    return std::string_view(texts_).substr(begin, size);
+  }
+
+  std::vector<Node> nodes_;
+  std::vector<StoredAttribute> attributes_;
+  std::vector<std::string> names_;
+  std::string texts_;
+};
+
+}  // namespace orv
+
+#endif
