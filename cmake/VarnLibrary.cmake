@@ -44,5 +44,6 @@ target_link_libraries(varn_filepackaging PUBLIC orbel Boost::headers PRIVATE Boo
 set_target_properties(varn_filepackaging PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}
+  INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
   INSTALL_RPATH $ORIGIN)
 add_library(varn::varn_filepackaging ALIAS varn_filepackaging)

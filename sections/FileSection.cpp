@@ -4,34 +4,25 @@
 
 #include <varn/FileSection.hpp>
 
-#include "sections/FragmentStore.hpp"
-
 namespace Varn {
 
 FileSection::FileSection() = default;
 
-FileSection::FileSection(const FileSection& source)
-    : orbel::HandleBase(source),
-      store_(source.store_ ? std::make_unique<FragmentStore>(*source.store_) : nullptr) {}
+FileSection::FileSection(const FileSection& source) = default;
 
 FileSection::~FileSection() = default;
 
 std::string FileSection::getFullyQualifiedKoboTypeName() const { return "Varn.FileSection"; }
 
-bool FileSection::isEmpty() const { return !store_ || store_->size() == 0; }
+bool FileSection::isEmpty() const { return store_.size() == 0; }
 
-void FileSection::printToStream(std::ostream& os) const {
-  if (store_) store_->print(os);
-}
+void FileSection::printToStream(std::ostream& os) const { store_.print(os); }
 
-const std::string& FileSection::getContent() const {
-  static const std::string empty;
-  return store_ ? store_->whole() : empty;
-}
+const std::string& FileSection::getContent() const { return store_.whole(); }
 
 void FileSection::addContent_cstr(const char* text) {
   assert(text != nullptr);
-  store().append(text, std::strlen(text));
+  store_.append(text, std::strlen(text));
 }
 
 void FileSection::addContent(const std::string& text) {
@@ -40,32 +31,22 @@ void FileSection::addContent(const std::string& text) {
 
 void FileSection::addFragment(boost::shared_ptr<FileSectionFragment> fragment) {
   assert(fragment);
-  store().append(std::move(fragment));
-  store().clearWhole();
+  store_.append(std::move(fragment));
 }
 
-void FileSection::writeToFile(FILE* stream) const {
-  if (store_) store_->write(stream);
-}
+void FileSection::writeToFile(FILE* stream) const { store_.write(stream); }
 
 FileSection* FileSection::clone() const { return new FileSection(*this); }
 
-void FileSection::clearContent() {
-  if (store_) store_->clear();
-}
+void FileSection::clearContent() { store_.clear(); }
 
 unsigned int FileSection::getNumberOfSectionFragments() const {
-  return store_ ? static_cast<unsigned int>(store_->size()) : 0;
+  return static_cast<unsigned int>(store_.size());
 }
 
 const std::string& FileSection::getSectionFragment(unsigned int index) const {
   assert(index < getNumberOfSectionFragments());
-  return store_->fragment(index).getContent();
-}
-
-FragmentStore& FileSection::store() {
-  if (!store_) store_ = std::make_unique<FragmentStore>();
-  return *store_;
+  return store_.fragment(index).getContent();
 }
 
 }  // namespace Varn

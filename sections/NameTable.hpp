@@ -8,11 +8,12 @@
 
 namespace Varn {
 
-// Finds a name in a fixed set, by exact comparison, at the price of one hash and one comparison:
-// the hash is chosen when the table is compiled so that no two names share a slot.
+// Finds a name in a fixed set, by exact comparison, at the price of a few characters and one
+// comparison: the hash is chosen when the table is compiled so that no two names share a slot.
 //
 // A name stands for its position in the array that the table was made from. Empty names in the
-// array only hold a position and are never found. Names must not repeat.
+// array only hold a position and are never found. The others must differ in their length or in a
+// character at a quarter of it: first, second, ... last.
 template <std::size_t N>
 class NameTable {
  public:
@@ -24,6 +25,7 @@ class NameTable {
 
   // The position of `name`, or -1.
   constexpr int find(std::string_view name) const {
+    if (name.empty()) return -1;
     const int position = slots_[slotOf(name)] - 1;
     return position >= 0 && names_[static_cast<std::size_t>(position)] == name ? position : -1;
   }
@@ -31,26 +33,18 @@ class NameTable {
  private:
   static constexpr unsigned int slotBits = 9;
 
-  // Up to eight characters as a number, least significant first.
-  static constexpr std::uint64_t load(const char* text, std::size_t length) {
-    std::uint64_t value = 0;
-    for (std::size_t i = length; i-- > 0;) {
-      value = value << 8U | static_cast<unsigned char>(text[i]);
-    }
-    return value;
+  static constexpr std::uint64_t character(std::string_view name, std::size_t index) {
+    return static_cast<unsigned char>(name[index]);
   }
 
-  // Of a long name the length and eight characters each of its start, middle and end count.
   constexpr std::size_t slotOf(std::string_view name) const {
     const std::size_t length = name.size();
-    std::uint64_t hash = length;
-    if (length >= 8) {
-      hash += load(name.data(), 8) + load(name.data() + length / 2 - 4, 8) * 31U +
-              load(name.data() + length - 8, 8) * 961U;
-    } else {
-      hash += load(name.data(), length);
-    }
-    return static_cast<std::size_t>((hash * (seed_ | 1U)) >> (64U - slotBits));
+    const std::size_t quarter = length / 4;
+    const std::uint64_t sample = length << 40U | character(name, 0) << 32U |
+                                 character(name, quarter) << 24U |
+                                 character(name, 2 * quarter) << 16U |
+                                 character(name, 3 * quarter) << 8U | character(name, length - 1);
+    return static_cast<std::size_t>((sample * (seed_ | 1U)) >> (64U - slotBits));
   }
 
   constexpr bool fill() {

@@ -5,36 +5,65 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace Varn {
+namespace {
 
-boost::intrusive_ptr<TextPage> TextPage::make(std::size_t capacity, std::size_t length) {
+// Shorter pieces get no more room for their lengths than pieces of this size.
+constexpr std::size_t smallestLength = 4;
+
+}  // namespace
+
+boost::intrusive_ptr<TextPage> TextPage::allocate(std::size_t textCapacity,
+                                                  std::size_t pieceCapacity) {
+  void* memory = ::operator new(sizeof(TextPage) + pieceCapacity * sizeof(Length) + textCapacity);
+  return boost::intrusive_ptr<TextPage>(::new (memory) TextPage(textCapacity, pieceCapacity));
+}
+
+boost::intrusive_ptr<TextPage> TextPage::make(std::size_t textCapacity, std::size_t length) {
   assert(length <= maxLength);
-  const std::size_t needed = std::max(capacity, length + sizeof(Length));
-  void* memory = ::operator new(sizeof(TextPage) + needed);
-  return boost::intrusive_ptr<TextPage>(::new (memory) TextPage(needed));
+  textCapacity = std::max(textCapacity, length);
+  return allocate(textCapacity, textCapacity / std::max(length, smallestLength));
+}
+
+boost::intrusive_ptr<TextPage> TextPage::next(std::size_t textCapacity, std::size_t length) const {
+  assert(length <= maxLength);
+  textCapacity = std::max(textCapacity, length);
+  return allocate(textCapacity, piecesIn(textCapacity, length));
+}
+
+boost::intrusive_ptr<TextPage> TextPage::grown(std::size_t textCapacity, std::size_t length) {
+  assert(use_count() == 1);
+  textCapacity = std::max(textCapacity, textSize_ + length);
+  boost::intrusive_ptr<TextPage> page = allocate(textCapacity, piecesIn(textCapacity, length));
+  std::memcpy(page->lengths(), lengths(), pieceCount_ * sizeof(Length));
+  std::memcpy(page->data(), data(), textSize_);
+  page->textSize_ = textSize_;
+  page->pieceCount_ = pieceCount_;
+  page->fragments_ = std::move(fragments_);
+  return page;
+}
+
+std::size_t TextPage::piecesIn(std::size_t textCapacity, std::size_t length) const {
+  const std::size_t count = pieceCount_ + std::size_t{1};
+  const std::size_t size = std::max(textSize_ + length, count * smallestLength);
+  return std::max(textCapacity * count * 3 / 2 / size, count) + 2;
 }
 
 void TextPage::append(const char* text, std::size_t length) {
   assert(fits(length) && use_count() == 1);
   std::memcpy(data() + textSize_, text, length);
-  const auto stored = static_cast<Length>(length);
-  std::memcpy(data() + lengthOffset(pieceCount_), &stored, sizeof(stored));
-  textSize_ += stored;
+  lengths()[pieceCount_] = static_cast<Length>(length);
+  textSize_ += static_cast<Length>(length);
   ++pieceCount_;
-}
-
-std::size_t TextPage::lengthOf(std::size_t index) const {
-  Length length = 0;
-  std::memcpy(&length, data() + lengthOffset(index), sizeof(length));
-  return length;
 }
 
 const FileSectionFragment& TextPage::fragment(std::size_t index) const {
   assert(index < pieceCount_);
   if (!fragments_) fragments_ = std::make_unique<Fragments>();
   while (fragments_->pieces.size() <= index) {
-    const std::size_t length = lengthOf(fragments_->pieces.size());
+    const std::size_t length = lengths()[fragments_->pieces.size()];
     fragments_->pieces.emplace_back(std::string(data() + fragments_->textSize, length));
     fragments_->textSize += length;
   }

@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <iosfwd>
-#include <memory>
 #include <string>
 
 #include <boost/shared_ptr.hpp>
@@ -11,10 +10,9 @@
 #include <orbel/HandleBase.hpp>
 #include <varn/Export.hpp>
 #include <varn/FileSectionFragment.hpp>
+#include <varn/FragmentStore.hpp>
 
 namespace Varn {
-
-class FragmentStore;
 
 // An ordered run of text fragments: what one file holds of one kind of C text. Its bytes are the
 // texts of its fragments, one after the other, with nothing added.
@@ -70,10 +68,7 @@ class VARN_EXPORT FileSection : public orbel::HandleBase {
   virtual const std::string& getSectionFragment(unsigned int index) const;
 
  private:
-  FragmentStore& store();
-
-  // Null until the first fragment: most sections of most files stay empty.
-  std::unique_ptr<FragmentStore> store_;
+  FragmentStore store_;
 };
 
 }  // namespace Varn

@@ -1,0 +1,88 @@
+// Measures the library beside other ways to do the same, all in one run and interleaved, and prints
+// the medians and how they stand to the goals.
+//
+//   varn_benchmarks [--smoke] [--folder=FOLDER] [options of Google Benchmark]
+//
+// Files are written under FOLDER, which should be on a memory file system; /dev/shm by default.
+// --smoke runs everything once on a small scale and prints no figures.
+
+#include <cstdio>
+#include <exception>
+#include <malloc.h>
+#include <string>
+#include <vector>
+
+#include "Goals.hpp"
+#include "Workloads.hpp"
+
+namespace {
+
+// Keeps the C library's allocator as it is in a fresh process, which is where a generator runs:
+// it would otherwise adapt to what other contenders have released, and memory would be new to one
+// and not to another.
+void fixAllocator() {
+  constexpr int initialThreshold = 128 * 1024;
+  ::mallopt(M_MMAP_THRESHOLD, initialThreshold);
+  ::mallopt(M_TRIM_THRESHOLD, initialThreshold);
+}
+
+struct Options {
+  bool isSmoke = false;
+  std::string folder = "/dev/shm";
+  // What comes later on the command line counts.
+  std::vector<std::string> forBenchmark = {"--benchmark_enable_random_interleaving=true",
+                                           "--benchmark_repetitions=9", "--benchmark_min_time=0.1"};
+};
+
+Options parse(int argc, char** argv) {
+  static const std::string folderOption = "--folder=";
+  Options options;
+  options.forBenchmark.insert(options.forBenchmark.begin(), argv[0]);
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (argument == "--smoke") {
+      options.isSmoke = true;
+      options.forBenchmark.insert(options.forBenchmark.end(),
+                                  {"--benchmark_repetitions=1", "--benchmark_min_time=0"});
+    } else if (argument.compare(0, folderOption.size(), folderOption) == 0) {
+      options.folder = argument.substr(folderOption.size());
+    } else {
+      options.forBenchmark.push_back(argument);
+    }
+  }
+  return options;
+}
+
+int run(Options options) {
+  std::vector<char*> arguments;
+  for (std::string& argument : options.forBenchmark) arguments.push_back(argument.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+
+  const bench::ScratchFolder folder(options.folder);
+  const bench::Scale& scale = options.isSmoke ? bench::smokeScale : bench::fullScale;
+  bench::Measurements measurements;
+  bench::addRunWorkload(measurements, scale, folder);
+  bench::addSectionWorkloads(measurements, scale, folder);
+  bench::addIncludesWorkload(measurements, scale);
+  bench::addLookUpWorkload(measurements, scale);
+  benchmark::RunSpecifiedBenchmarks(&measurements);
+  if (options.isSmoke) return 0;
+  measurements.printTable();
+  std::printf("\n");
+  bench::printGoals(measurements);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  fixAllocator();
+  try {
+    return run(parse(argc, argv));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "varn_benchmarks: %s\n", error.what());
+    return 1;
+  }
+}
