@@ -37,8 +37,13 @@ std::string versionMacro(const Interface& interface);
 // "xdg_shell_find_interface".
 std::string findFunction(const Protocol& protocol);
 
+// Whether a client has a function "wl_surface_destroy" that is no request's: every object can be
+// let go of but the display, which is disconnected instead.
+bool hasDestroyFunction(const Interface& interface);
+
 // Throws ProtocolError when two different things of `protocol` have the same name in C, which
-// happens when parts of names run together ("a_b" of "c", "a" of "b_c").
+// happens when parts of names run together ("a_b" of "c", "a" of "b_c"), and when a name is one
+// that the generated code needs for something else.
 void checkNames(const Protocol& protocol);
 
 }  // namespace wayland

@@ -6,6 +6,7 @@
 #include "ArgumentTypes.hpp"
 #include "CNames.hpp"
 #include "Comment.hpp"
+#include "FileNames.hpp"
 #include "ProtocolFiles.hpp"
 
 namespace wayland {
@@ -16,7 +17,7 @@ std::string listener(const Interface& interface) {
   for (const Message& event : interface.events) {
     std::vector<std::string> parameters = {
         "void *" + freeParameterName(event, "data"),
-        fmt::format("struct {} *{}", interface.name, freeParameterName(event, interface.name))};
+        fmt::format("struct {} *{}", interface.name, freeParameterName(event, "proxy"))};
     for (std::string& parameter : cParameters(event, Side::ClientEvent)) {
       parameters.push_back(std::move(parameter));
     }
@@ -30,21 +31,21 @@ std::string listener(const Interface& interface) {
 std::string commonFunctions(const Interface& interface) {
   constexpr const char* text = R"(
 static inline void
-{0}_set_user_data(struct {0} *{0}, void *user_data)
+{0}_set_user_data(struct {0} *proxy, void *user_data)
 {{
-	wl_proxy_set_user_data((struct wl_proxy *) {0}, user_data);
+	wl_proxy_set_user_data((struct wl_proxy *) proxy, user_data);
 }}
 
 static inline void *
-{0}_get_user_data(struct {0} *{0})
+{0}_get_user_data(struct {0} *proxy)
 {{
-	return wl_proxy_get_user_data((struct wl_proxy *) {0});
+	return wl_proxy_get_user_data((struct wl_proxy *) proxy);
 }}
 
 static inline uint32_t
-{0}_get_version(struct {0} *{0})
+{0}_get_version(struct {0} *proxy)
 {{
-	return wl_proxy_get_version((struct wl_proxy *) {0});
+	return wl_proxy_get_version((struct wl_proxy *) proxy);
 }}
 )";
   return fmt::format(text, interface.name);
@@ -53,10 +54,10 @@ static inline uint32_t
 std::string addListenerFunction(const Interface& interface) {
   constexpr const char* text = R"(
 static inline int
-{0}_add_listener(struct {0} *{0},
+{0}_add_listener(struct {0} *proxy,
 		const struct {0}_listener *listener, void *data)
 {{
-	return wl_proxy_add_listener((struct wl_proxy *) {0},
+	return wl_proxy_add_listener((struct wl_proxy *) proxy,
 		(void (**)(void)) listener, data);
 }}
 )";
@@ -69,22 +70,12 @@ std::string destroyFunction(const Interface& interface) {
  * Forgets the object without telling the server.
  */
 static inline void
-{0}_destroy(struct {0} *{0})
+{0}_destroy(struct {0} *proxy)
 {{
-	wl_proxy_destroy((struct wl_proxy *) {0});
+	wl_proxy_destroy((struct wl_proxy *) proxy);
 }}
 )";
   return fmt::format(text, interface.name);
-}
-
-// The display is destroyed by disconnecting; every other object of a client can be let go of.
-bool needsDestroyFunction(const Interface& interface) {
-  for (const Message& request : interface.requests) {
-    if (request.name == "destroy") {
-      return false;
-    }
-  }
-  return interface.name != "wl_display";
 }
 
 // The arguments of wl_proxy_marshal_flags() after the proxy and the opcode.
@@ -116,7 +107,7 @@ std::vector<std::string> marshalArguments(const Message& request, const std::str
 }
 
 std::string requestFunctionText(const Interface& interface, const Message& request) {
-  const std::string self = freeParameterName(request, interface.name);
+  const std::string self = freeParameterName(request, "proxy");
   std::vector<std::string> parameters = cParameters(request, Side::ClientRequest);
   parameters.insert(parameters.begin(), fmt::format("struct {} *{}", interface.name, self));
   const Argument* made = newObject(request);
@@ -168,7 +159,7 @@ class ClientHeader : public ProtocolFile {
       file().add("Functions", addListenerFunction(interface));
     }
     file().add("Functions", commonFunctions(interface));
-    if (needsDestroyFunction(interface)) {
+    if (hasDestroyFunction(interface)) {
       file().add("Functions", destroyFunction(interface));
     }
     for (std::size_t i = 0; i < interface.requests.size(); ++i) {

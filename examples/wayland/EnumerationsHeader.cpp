@@ -4,6 +4,7 @@
 
 #include "CNames.hpp"
 #include "Comment.hpp"
+#include "FileNames.hpp"
 #include "ProtocolFiles.hpp"
 
 namespace wayland {

@@ -82,6 +82,7 @@ void GeneratedFile::placeCustomSection(const std::string& custom, const std::str
 WrittenSize GeneratedFile::write(FILE* stream, const std::string& path) const {
   WrittenSize written;
   for (const Varn::VarnFileSectionKind kind : sectionOrder) {
+    const long start = std::ftell(stream);
     const std::string section = Varn::getOrvSectionNameFromEnum(kind);
     if (section.empty()) {
       file().writeSectionToFile(kind, stream);
@@ -91,7 +92,7 @@ WrittenSize GeneratedFile::write(FILE* stream, const std::string& path) const {
     if (std::ferror(stream) != 0) {
       throw std::system_error(errno, std::generic_category(), path);
     }
-    const std::size_t bytes = file().getFileSection(kind).getContent().size();
+    const long bytes = std::ftell(stream) - start;
     written.sections += bytes != 0 ? 1 : 0;
     written.bytes += bytes;
   }

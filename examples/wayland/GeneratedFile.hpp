@@ -1,7 +1,6 @@
 #ifndef WAYLAND_GENERATEDFILE_HPP
 #define WAYLAND_GENERATEDFILE_HPP
 
-#include <cstddef>
 #include <cstdio>
 #include <string>
 
@@ -18,7 +17,7 @@ SharedText shareText(std::string text);
 // How much of a file was written.
 struct WrittenSize {
   int sections = 0;  // that had any text
-  std::size_t bytes = 0;
+  long bytes = 0;
 };
 
 // One file of a repository, addressed as a template engine does it: by index and names. It must
@@ -44,7 +43,8 @@ class GeneratedFile {
   // Adds the text of `custom` to `section`, once.
   void placeCustomSection(const std::string& custom, const std::string& section);
 
-  // Writes every section in the one order that all files have. Throws std::system_error, naming
+  // Writes every section in the one order that all files have. The size is told by the stream's
+  // position: that of a pipe, which has none, stays 0. Throws std::system_error, naming
   // `path`, as soon as the stream has failed. The stream stays the caller's, who also has to find
   // out whether its last bytes arrive.
   WrittenSize write(FILE* stream, const std::string& path) const;

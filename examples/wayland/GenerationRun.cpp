@@ -9,7 +9,9 @@
 
 #include <fmt/format.h>
 
+#include "FileNames.hpp"
 #include "PendingFile.hpp"
+#include "ProtocolError.hpp"
 #include "ProtocolFiles.hpp"
 
 namespace wayland {
@@ -63,6 +65,14 @@ GenerationRun::GenerationRun(const std::string& folder)
               static_cast<int>(manager_.orvBridge().getFileRecIndexForKey("mdl_hdr"))) {}
 
 std::vector<std::string> GenerationRun::add(const Protocol& protocol) {
+  for (const std::string& name : fileNames(protocol)) {
+    const int index = repository_.findFileIndexByName(name);
+    if (index >= 0) {
+      throw ProtocolError(protocol.file, protocol.line,
+                          fmt::format("its file '{}' would replace that of protocol '{}'", name,
+                                      repository_.orvBridge().getStringAttribute(index, "Group")));
+    }
+  }
   const Modules modules = {2 * protocols_, 2 * protocols_ + 1};
   ++protocols_;
   std::vector<std::unique_ptr<ProtocolFile>> files = makeFiles(repository_, protocol, modules);

@@ -22,8 +22,9 @@ class GenerationRun {
   GenerationRun& operator=(const GenerationRun&) = delete;
   ~GenerationRun() = default;
 
-  // Makes and fills the files of `protocol`. No two protocols may have the same name. Returns a
-  // warning for each file name that another one equals but for letter case.
+  // Makes and fills the files of `protocol`. Returns a warning for each file name that another one
+  // equals but for letter case. Throws ProtocolError when one of the files would have the very name
+  // of another protocol's ("a_client" has the "a-client-protocol.h" of "a"); nothing is made then.
   std::vector<std::string> add(const Protocol& protocol);
 
   // Writes all files, the folder too if need be. They take their places only when every one is

@@ -6,6 +6,7 @@
 
 #include "ArgumentTypes.hpp"
 #include "CNames.hpp"
+#include "FileNames.hpp"
 #include "ProtocolFiles.hpp"
 
 namespace wayland {

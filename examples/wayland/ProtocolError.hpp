@@ -4,15 +4,13 @@
 #include <stdexcept>
 #include <string>
 
-#include <fmt/format.h>
-
 namespace wayland {
 
-// A protocol description that cannot be used: where, and why.
+// A protocol description that cannot be used: where, and why. Control characters, which names in
+// descriptions may have, are spelled out in the message, such as "\u001b".
 class ProtocolError : public std::runtime_error {
  public:
-  ProtocolError(const std::string& file, int line, const std::string& reason)
-      : std::runtime_error(fmt::format("{}:{}: {}", file, line, reason)) {}
+  ProtocolError(const std::string& file, int line, const std::string& reason);
 };
 
 }  // namespace wayland

@@ -1,30 +1,12 @@
 #include "ProtocolFile.hpp"
 
-#include <algorithm>
-
 #include <fmt/format.h>
 
 #include "CNames.hpp"
 #include "Comment.hpp"
+#include "FileNames.hpp"
 
 namespace wayland {
-namespace {
-
-std::string fileName(const Protocol& protocol, const char* ending) {
-  std::string name = protocol.name;
-  std::replace(name.begin(), name.end(), '_', '-');
-  return name + ending;
-}
-
-std::string guardOf(const std::string& name) {
-  std::string guard = capitals(name);
-  std::replace_if(
-      guard.begin(), guard.end(), [](char c) { return c == '-' || c == '.'; }, '_');
-  return guard;
-}
-
-}  // namespace
-
 const char* const openExternC = "\n#ifdef __cplusplus\nextern \"C\" {\n#endif\n\n";
 const char* const closeExternC = "\n#ifdef __cplusplus\n}\n#endif\n";
 
@@ -53,26 +35,6 @@ SharedText interfaceDocumentation(const Interface& interface) {
                                             interface.version, wholeText(interface.description))));
 }
 
-std::string clientHeaderName(const Protocol& protocol) {
-  return fileName(protocol, "-client-protocol.h");
-}
-
-std::string serverHeaderName(const Protocol& protocol) {
-  return fileName(protocol, "-server-protocol.h");
-}
-
-std::string marshallingCodeName(const Protocol& protocol) {
-  return fileName(protocol, "-protocol.c");
-}
-
-std::string enumerationsHeaderName(const Protocol& protocol) {
-  return fileName(protocol, "-enums.h");
-}
-
-std::string umbrellaHeaderName(const Protocol& protocol) {
-  return fileName(protocol, "-protocol.h");
-}
-
 ProtocolFile::ProtocolFile(Varn::VarnFileRepository& repository, const Varn::VarnFile& file)
     : file_(repository, repository.findFileIndexByName(file.getNameAscii())) {}
 
@@ -83,7 +45,7 @@ void ProtocolFile::setAttributes(const Protocol& protocol, const char* type) {
 }
 
 void ProtocolFile::openGuard() {
-  const std::string guard = guardOf(file_.name());
+  const std::string guard = includeGuard(file_.name());
   file_.setAttribute("DefinedMacro", guard);
   file_.add("Defines", fmt::format("\n#ifndef {0}\n#define {0}\n", guard));
 }

@@ -28,13 +28,6 @@ struct Modules {
   int server;
 };
 
-// The names of the files of `protocol`.
-std::string clientHeaderName(const Protocol& protocol);
-std::string serverHeaderName(const Protocol& protocol);
-std::string marshallingCodeName(const Protocol& protocol);
-std::string enumerationsHeaderName(const Protocol& protocol);
-std::string umbrellaHeaderName(const Protocol& protocol);
-
 // One generated file of a protocol, filled while the protocol is walked: begin(), addInterface()
 // for one interface after the other, finish(), each once.
 class ProtocolFile {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <set>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -18,6 +19,9 @@ namespace wayland {
 namespace {
 
 using pugi::xml_node;
+
+// The elements and names of the children of one element.
+using NamesSeen = std::set<std::pair<std::string, std::string>>;
 
 class Reader {
  public:
@@ -39,11 +43,10 @@ class Reader {
   int since(const xml_node& node, int version) const;
   bool flag(const xml_node& node, const char* attribute) const;
 
-  // Appends `item`, whose name no other of `items` may have.
+  // Appends `item`, unless `seen` has its name for the same kind of element.
   template <typename Item>
-  void append(const xml_node& node, std::vector<Item>& items, Item item) const {
-    const auto sameName = [&](const Item& other) { return other.name == item.name; };
-    if (std::any_of(items.begin(), items.end(), sameName)) {
+  void append(const xml_node& node, NamesSeen& seen, std::vector<Item>& items, Item item) const {
+    if (!seen.emplace(node.name(), item.name).second) {
       xml_.reject(node, fmt::format("a second <{}> called '{}'", node.name(), item.name));
     }
     items.push_back(std::move(item));
@@ -60,13 +63,14 @@ Protocol Reader::read() const {
   protocol.file = xml_.path();
   protocol.line = xml_.lineOf(root);
   protocol.name = identifier(root, "name");
+  NamesSeen seen;
   for (const xml_node& child : xml_.children(root, {"copyright", "description", "interface"})) {
     if (is(child, "copyright")) {
       protocol.copyright = xml_.text(child);
     } else if (is(child, "description")) {
       protocol.description = readDescription(child);
     } else {
-      append(child, protocol.interfaces, readInterface(child));
+      append(child, seen, protocol.interfaces, readInterface(child));
     }
   }
   if (protocol.interfaces.empty()) {
@@ -80,15 +84,16 @@ Interface Reader::readInterface(const xml_node& node) const {
   interface.line = xml_.lineOf(node);
   interface.name = identifier(node, "name");
   interface.version = positive(node, "version");
+  NamesSeen seen;
   for (const xml_node& child : xml_.children(node, {"description", "request", "event", "enum"})) {
     if (is(child, "description")) {
       interface.description = readDescription(child);
     } else if (is(child, "request")) {
-      append(child, interface.requests, readMessage(child, interface.version));
+      append(child, seen, interface.requests, readMessage(child, interface.version));
     } else if (is(child, "event")) {
-      append(child, interface.events, readMessage(child, interface.version));
+      append(child, seen, interface.events, readMessage(child, interface.version));
     } else {
-      append(child, interface.enumerations, readEnumeration(child, interface.version));
+      append(child, seen, interface.enumerations, readEnumeration(child, interface.version));
     }
   }
   return interface;
@@ -104,6 +109,7 @@ Message Reader::readMessage(const xml_node& node, int version) const {
     xml_.reject(node, fmt::format("unknown type '{}' of message '{}'", type, message.name));
   }
   message.destructor = !type.empty();
+  NamesSeen seen;
   for (const xml_node& child : xml_.children(node, {"description", "arg"})) {
     if (is(child, "description")) {
       message.description = readDescription(child);
@@ -116,7 +122,7 @@ Message Reader::readMessage(const xml_node& node, int version) const {
     if (argument.type == ArgumentType::NewId && argument.interface.empty() && is(node, "event")) {
       xml_.reject(child, fmt::format("new_id '{}' of an event has no interface", argument.name));
     }
-    append(child, message.arguments, std::move(argument));
+    append(child, seen, message.arguments, std::move(argument));
   }
   return message;
 }
@@ -170,11 +176,12 @@ Enumeration Reader::readEnumeration(const xml_node& node, int version) const {
   enumeration.name = identifier(node, "name");
   enumeration.bitfield = flag(node, "bitfield");
   since(node, version);  // checked only: its entries have versions of their own
+  NamesSeen seen;
   for (const xml_node& child : xml_.children(node, {"description", "entry"})) {
     if (is(child, "description")) {
       enumeration.description = readDescription(child);
     } else {
-      append(child, enumeration.entries, readEntry(child, version));
+      append(child, seen, enumeration.entries, readEntry(child, version));
     }
   }
   if (enumeration.entries.empty()) {
@@ -243,30 +250,38 @@ bool Reader::flag(const xml_node& node, const char* attribute) const {
   return text == "true";
 }
 
+// The interfaces of a protocol, and its enumerations as "interface.name".
+std::set<std::string> referenceTargets(const Protocol& protocol) {
+  std::set<std::string> targets;
+  for (const Interface& interface : protocol.interfaces) {
+    targets.insert(interface.name);
+    for (const Enumeration& enumeration : interface.enumerations) {
+      targets.insert(interface.name + "." + enumeration.name);
+    }
+  }
+  return targets;
+}
+
 // The other half of the enumeration's name is the interface, which may be of another protocol:
 // then all that can be asked is that it looks like a name.
 bool leadsSomewhere(const std::string& reference, const Interface& owner,
-                    const Protocol& protocol) {
+                    const std::set<std::string>& targets) {
   const std::size_t dot = reference.find('.');
-  const std::string interfaceName =
-      dot == std::string::npos ? owner.name : reference.substr(0, dot);
+  const std::string interface = dot == std::string::npos ? owner.name : reference.substr(0, dot);
   const std::string name = dot == std::string::npos ? reference : reference.substr(dot + 1);
-  const auto interface =
-      std::find_if(protocol.interfaces.begin(), protocol.interfaces.end(),
-                   [&](const Interface& other) { return other.name == interfaceName; });
-  if (interface == protocol.interfaces.end()) {
-    return isIdentifier(interfaceName) && isIdentifier(name);
+  if (targets.count(interface) == 0) {
+    return isIdentifier(interface) && isIdentifier(name);
   }
-  return std::any_of(interface->enumerations.begin(), interface->enumerations.end(),
-                     [&](const Enumeration& enumeration) { return enumeration.name == name; });
+  return targets.count(interface + "." + name) != 0;
 }
 
 void checkEnumerations(const Protocol& protocol) {
+  const std::set<std::string> targets = referenceTargets(protocol);
   const auto check = [&](const Interface& interface, const std::vector<Message>& messages) {
     for (const Message& message : messages) {
       for (const Argument& argument : message.arguments) {
         if (!argument.enumeration.empty() &&
-            !leadsSomewhere(argument.enumeration, interface, protocol)) {
+            !leadsSomewhere(argument.enumeration, interface, targets)) {
           throw ProtocolError(protocol.file, argument.line,
                               fmt::format("there is no enumeration '{}'", argument.enumeration));
         }

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include "CNames.hpp"
+#include "FileNames.hpp"
 #include "ProtocolFiles.hpp"
 
 namespace wayland {

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <strings.h>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -39,6 +40,11 @@ std::string readFile(const std::string& path) {
   return text;
 }
 
+// Plain ASCII is UTF-8 too.
+bool isUtf8(const char* encoding) {
+  return strcasecmp(encoding, "UTF-8") == 0 || strcasecmp(encoding, "US-ASCII") == 0;
+}
+
 bool isElement(const pugi::xml_node& node) { return node.type() == pugi::node_element; }
 
 bool isText(const pugi::xml_node& node) {
@@ -53,11 +59,21 @@ XmlDocument::XmlDocument(const std::string& path) : path_(path) {
     lineEnds_.push_back(static_cast<std::ptrdiff_t>(at));
   }
   // With any other encoding offsets would no longer be those of the file.
-  const pugi::xml_parse_result result =
-      document_.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+  const pugi::xml_parse_result result = document_.load_buffer(
+      text.data(), text.size(), pugi::parse_default | pugi::parse_declaration, pugi::encoding_utf8);
   if (!result) {
     throw ProtocolError(path_, lineAt(result.offset),
                         fmt::format("malformed XML: {}", result.description()));
+  }
+  refuseOtherEncodings();
+}
+
+void XmlDocument::refuseOtherEncodings() const {
+  for (const pugi::xml_node& node : document_.children()) {
+    const pugi::xml_attribute encoding = node.attribute("encoding");
+    if (node.type() == pugi::node_declaration && encoding && !isUtf8(encoding.value())) {
+      reject(node, fmt::format("encoding '{}' is not UTF-8", encoding.value()));
+    }
   }
 }
 

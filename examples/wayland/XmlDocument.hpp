@@ -13,7 +13,8 @@ namespace wayland {
 // One XML file in memory, as UTF-8. Nodes are good as long as the document lives.
 class XmlDocument {
  public:
-  // Throws std::system_error when the file cannot be read, ProtocolError when it is malformed.
+  // Throws std::system_error when the file cannot be read, ProtocolError when it is
+  // malformed or says that it is in another encoding.
   explicit XmlDocument(const std::string& path);
   XmlDocument(const XmlDocument&) = delete;
   XmlDocument& operator=(const XmlDocument&) = delete;
@@ -42,6 +43,7 @@ class XmlDocument {
   std::string text(const pugi::xml_node& node) const;
 
  private:
+  void refuseOtherEncodings() const;
   int lineAt(std::ptrdiff_t offset) const;
 
   std::string path_;

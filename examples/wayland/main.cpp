@@ -37,6 +37,9 @@ struct CommandLine {
   std::vector<std::string> files;
 };
 
+// There is nobody left to tell when standard error does not take it.
+void complain(const std::string& text) { static_cast<void>(std::fputs(text.c_str(), stderr)); }
+
 // What is wrong with the option that getopt_long() has answered with `found`, '?' or ':'.
 std::string misusedOption(int found, const char* longOption) {
   const std::string option =
@@ -91,7 +94,7 @@ void generate(const CommandLine& commandLine) {
   wayland::GenerationRun run(commandLine.folder);
   for (const wayland::Protocol& protocol : readProtocols(commandLine.files)) {
     for (const std::string& warning : run.add(protocol)) {
-      fmt::print(stderr, "{}: warning:\n{}\n", program, warning);
+      complain(fmt::format("{}: warning:\n{}\n", program, warning));
     }
   }
   run.write();
@@ -105,7 +108,7 @@ int main(int argc, char** argv) {
   try {
     commandLine = parse(argc, argv);
   } catch (const std::invalid_argument& error) {
-    fmt::print(stderr, "{0}: {1}\nTry '{0} --help'.\n", program, error.what());
+    complain(fmt::format("{0}: {1}\nTry '{0} --help'.\n", program, error.what()));
     return Misuse;
   }
   if (commandLine.help) {
@@ -114,10 +117,10 @@ int main(int argc, char** argv) {
   try {
     generate(commandLine);
   } catch (const wayland::ProtocolError& error) {
-    fmt::print(stderr, "{}\n", error.what());
+    complain(fmt::format("{}\n", error.what()));
     return Failure;
   } catch (const std::exception& error) {
-    fmt::print(stderr, "{}: {}\n", program, error.what());
+    complain(fmt::format("{}: {}\n", program, error.what()));
     return Failure;
   }
   return Success;

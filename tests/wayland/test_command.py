@@ -97,6 +97,36 @@ UNUSABLE = [
                   '<enum name="a"><entry name="b_c" value="1"/></enum>'),
         "3: this makes a second 'I_A_B_C' in C, beside the one of line 2",
     ),
+    (
+        protocol('<interface name="ii" version="1"><request name="b_destroy"/></interface>\n'
+                 + EMPTY.format("ii_b")),
+        "3: this makes a second 'ii_b_destroy' in C, beside the one of line 2",
+    ),
+    (
+        protocol('<interface name="i" version="1"><enum name="enums"><entry name="h" value="1"/>'
+                 "</enum></interface>", "i"),
+        "2: this makes a second 'I_ENUMS_H' in C, beside the one of line 1",
+    ),
+    (
+        protocol(EMPTY.format("wl_proxy")),
+        "2: this makes a second 'tag wl_proxy' in C, beside the one that generated code needs",
+    ),
+    (
+        request('name="int32_t" type="int"'),
+        "2: this makes a second 'int32_t' in C, beside the one that generated code needs",
+    ),
+    (
+        request('name="I_REQUEST_R" type="int"'),
+        "2: this makes a second 'I_REQUEST_R' in C, beside the one of line 2",
+    ),
+    (
+        protocol(EMPTY.format("i&#10;&#27;[31m&#155;")),
+        "2: name 'i\\u000a\\u001b[31m\\u009b' of <interface> is no C identifier",
+    ),
+    (
+        '<?xml version="1.0" encoding="ISO-8859-1"?>' + protocol(EMPTY.format("i")),
+        "1: encoding 'ISO-8859-1' is not UTF-8",
+    ),
 ]
 
 MISUSE: list[tuple[list[str], str]] = [
@@ -137,6 +167,15 @@ class CommandTest(FolderTest):
         self.assert_fails(done, f"varn_wayland: {self.folder}: Is a directory")
         done = generate(self.out, [good, good])
         self.assertRegex(done.stderr, f"^{good}:2: protocol 'wayland' is already described in ")
+        # The umbrella header of the one would be the client header of the other.
+        files = [
+            self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml")
+            for name in ("a", "a_client")
+        ]
+        self.assert_fails(
+            generate(self.out, files),
+            f"{files[1]}:1: its file 'a-client-protocol.h' would replace that of protocol 'a'",
+        )
         self.assertFalse(self.out.exists())
 
     def test_misuse(self) -> None:
@@ -176,6 +215,17 @@ class CommandTest(FolderTest):
             (1, "varn_wayland: standard output: No space left on device\n"),
         )
 
+    def test_messages_that_nobody_can_read_change_nothing(self) -> None:
+        files = [
+            self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml") for name in ("p", "P")
+        ]
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            runs: list[tuple[list[Path], int]] = [(files, 0), ([self.folder], 1), ([], 2)]
+            for inputs, status in runs:
+                command = [GENERATOR, "-o", str(self.out), *map(str, inputs)]
+                done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=full)
+                self.assertEqual(done.returncode, status)
+
     def test_runs_are_equal_to_the_byte_and_as_their_table_says(self) -> None:
         again = self.folder / "again"
         first = generate(self.out, descriptions())
@@ -199,6 +249,17 @@ class CommandTest(FolderTest):
         self.assertEqual(done.stderr.count("warning:\n-->"), 5)
         self.assertIn("p-protocol.c", done.stderr)
         self.assertEqual(len(list(self.out.iterdir())), 10)
+
+    def test_names_may_be_those_of_generated_parameters(self) -> None:
+        names = ["data", "interface", "listener", "proxy", "resource", "user_data", "version"]
+        arguments = "".join(f'<arg name="{name}" type="int"/>' for name in names)
+        messages = f'<request name="r"><arg name="id" type="new_id"/>{arguments}</request>'
+        messages += f'<event name="e">{arguments}</event>'
+        interfaces = [f'<interface name="{i}" version="1">{messages}</interface>' for i in names]
+        path = self.describe(protocol("".join(interfaces)))
+        self.assertEqual(generate(self.out, [path]).returncode, 0)
+        (self.out / "check.c").write_text('#include "p-protocol.h"\n')
+        self.compile(self.out, ["check.c", "p-protocol.c"])
 
     def test_hostile_text_stays_in_comments(self) -> None:
         hostile = "*/\n#error injected\n/* ??/\n*&#8238;/ *\\\n/ /*/ \x7f&#12;\n#error injected\n"
