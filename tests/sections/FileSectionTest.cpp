@@ -69,6 +69,7 @@ TEST(FileSection, FragmentTextStaysWhileAnySectionHoldsIt) {
   section->addContent("first");
   section->addContent("second");
   const std::string& text = section->getSectionFragment(1);
+  for (int i = 0; i < 100; ++i) section->addContent("what holds it grows");
   const std::unique_ptr<OpenSection> clone(section->clone());
   for (int i = 0; i < 1000; ++i) section->addContent("more text than one page holds");
   section.reset();
