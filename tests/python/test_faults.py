@@ -109,6 +109,14 @@ def test_unfit_values_everywhere(varn: Any) -> None:
     assert refused > 3000
 
 
+def doubling(levels: int) -> list[Any]:
+    """A small list that has two to the power of ``levels`` elements in all."""
+    nested: list[Any] = []
+    for _ in range(levels):
+        nested = [nested, nested]
+    return nested
+
+
 def test_errors_name_what_was_wrong(varn: Any, sample: Any) -> None:
     section = varn.FunctionsSection()
     file = varn.VarnGenericFile("a.c")
@@ -123,6 +131,9 @@ def test_errors_name_what_was_wrong(varn: Any, sample: Any) -> None:
          "element 2 of the value of Varn.VarnFile.SystemsInFile cannot be of the type object"),
         (lambda: setattr(file, "SystemsInFile", endless()),
          "element 2 of the value of Varn.VarnFile.SystemsInFile is a list that contains itself"),
+        (lambda: setattr(file, "SystemsInFile", doubling(60)),
+         "element 1 of the value of Varn.VarnFile.SystemsInFile holds more than 1000000 elements "
+         "in lists within lists"),
         (lambda: setattr(file, "SystemsInFile", ["a", 3]),
          "Element 2 of the value of Varn.VarnFile.SystemsInFile must be a character array."),
         (lambda: setattr(file, "Name", "b.c"), "The property Varn.VarnFile.Name cannot be set."),
