@@ -16,7 +16,7 @@ std::string FunctionsSection::getFullyQualifiedKoboTypeName() const {
 void FunctionsSection::addFunction(const std::string& name, const std::string& body) {
   // Either argument may be a name in the list, which moves when it grows.
   std::string ownName(name);
-  const std::string ownBody(body);
+  const std::string ownBody = body.substr(0, body.find('\0'));
   functionNames_.push_back(std::move(ownName));
   try {
     FileSection::addContent(ownBody);
