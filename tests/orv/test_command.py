@@ -312,4 +312,6 @@ def test_scripts(orv: Command, tmp_path: Path) -> None:
         failing = orv(*run, "--set", "start=9", s__py=f"import sys\n\n{end}\n")
         assert (failing.returncode, failing.stdout) == (1, "")
         assert failing.stderr == f"error: {message}\n"
+    unloading = orv(*run, "--script", "s.py", s__py="import orbel\norbel.unload(Varn)\n")
+    assert unloading.stderr.startswith("error: scripts cannot reach the files: The module ")
     assert "return 1;" in (tmp_path / "out/src/count.c").read_text()
