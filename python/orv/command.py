@@ -9,6 +9,7 @@ import sys
 from collections.abc import Sequence
 from typing import NoReturn
 
+from orv import reports
 from orv.depfile import depfile
 from orv.engine import RecordingLoader, render, search_folders
 from orv.errors import OrvError, OutputError
@@ -17,12 +18,27 @@ from orv.models import build_model
 from orv.options import Options, parse_options
 from orv.progress import progress
 from orv.run import Run
-from orv.writer import PlannedFile, plan, replace_file, write
+from orv.writer import PlannedFile, plan, write
 
 
 def main(arguments: Sequence[str] | None = None) -> int:
     """Run the command line. 0: done; 1: failed, or something differs. Misuse ends with 2."""
-    _use_utf8()
+    _prepare_streams()
+    try:
+        try:
+            return _run(arguments)
+        finally:
+            sys.stdout.flush()
+            sys.stderr.flush()
+    except OSError as error:
+        _give_up_streams()
+        if not isinstance(error, BrokenPipeError):
+            what = error.filename or "the results"
+            print(f"error: {what} cannot be written: {error.strerror}", file=sys.stderr)
+        return 1
+
+
+def _run(arguments: Sequence[str] | None) -> int:
     options = parse_options(arguments)
     signal.signal(signal.SIGTERM, _interrupt)
     try:
@@ -31,9 +47,6 @@ def main(arguments: Sequence[str] | None = None) -> int:
         print(f"error: {error}", file=sys.stderr)
     except KeyboardInterrupt:
         print("error: interrupted; no file was being written", file=sys.stderr)
-    except BrokenPipeError:
-        # Nobody reads the results; keep the interpreter from complaining about it at the end.
-        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
     return 1
 
 
@@ -53,15 +66,45 @@ def generate(options: Options) -> int:
     files = plan(run, options.out)
     for path in [source.path for source in options.model] + loader.files:
         _say(f"read {path}", options)
+    sources = [*loader.files, *(source.path for source in options.model), *options.script]
+    wanted = _reports(files, sources, run, options)
+    reports.prepare(wanted, _taken(files, sources, run))
     if options.writes:
         _write_all(files, run, options)
     else:
         _show(files, options)
-    if options.depfile is not None:
-        sources = [*loader.files, *(source.path for source in options.model), *options.script]
-        targets = [file.shown for file in files if file.target]
-        _replace(options.depfile, depfile(targets, sources))
+    for report in wanted:
+        reports.write(report)
     return 1 if options.check and any(file.differs for file in files) else 0
+
+
+def _reports(
+    files: list[PlannedFile], sources: list[str], run: Run, options: Options
+) -> list[reports.Report]:
+    wanted: list[reports.Report] = []
+    if options.manifest is not None and options.writes:
+        from orv.manifest import manifest
+
+        wanted.append(reports.Report("manifest", options.manifest, manifest(run, files)))
+    if options.depfile is not None:
+        rule = depfile([file.shown for file in files if file.target], sources)
+        wanted.append(reports.Report("depfile", options.depfile, rule))
+    return wanted
+
+
+def _taken(files: list[PlannedFile], sources: list[str], run: Run) -> dict[str, str]:
+    """What the run reads and the files it makes, by their real paths."""
+    taken = {os.path.realpath(path): f'"{path}", which was read' for path in sources}
+    for file in files:
+        if file.target in taken:
+            label = run.files.label(file.index)
+            raise OutputError(
+                f"{run.files.place(file.index)}the file {label} would take the place of"
+                f" {taken[file.target]}"
+            )
+        if file.target:
+            taken[file.target] = f'the file "{file.shown}"'
+    return taken
 
 
 def _write_all(files: list[PlannedFile], run: Run, options: Options) -> None:
@@ -73,10 +116,6 @@ def _write_all(files: list[PlannedFile], run: Run, options: Options) -> None:
 
         write(files, run, wrote)
     _list(files, options)
-    if options.manifest is not None:
-        from orv.manifest import manifest
-
-        _replace(options.manifest, manifest(run, files))
 
 
 def _show(files: list[PlannedFile], options: Options) -> None:
@@ -99,13 +138,6 @@ def _list(files: list[PlannedFile], options: Options) -> None:
             _say(line, options)
 
 
-def _replace(path: str, data: bytes) -> None:
-    try:
-        replace_file(path, data)
-    except OSError as error:
-        raise OutputError(f"{path} cannot be written: {error.strerror}") from error
-
-
 def _say(text: str, options: Options) -> None:
     if options.verbose:
         print(text, file=sys.stderr)
@@ -116,11 +148,22 @@ def _warn(text: str, options: Options) -> None:
         print(f"warning: {text}", file=sys.stderr)
 
 
-def _use_utf8() -> None:
-    """The same bytes in any locale."""
+def _prepare_streams() -> None:
+    """The same bytes in any locale, and somewhere to write to when a stream is closed."""
+    sys.stdout = sys.stdout or open(os.devnull, "w")
+    sys.stderr = sys.stderr or open(os.devnull, "w")
     for stream in (sys.stdout, sys.stderr):
         if isinstance(stream, io.TextIOWrapper):
             stream.reconfigure(encoding="utf-8", errors="surrogateescape")
+
+
+def _give_up_streams() -> None:
+    """Drop what a stream does not take, or the interpreter would complain about it at the end."""
+    for stream in (sys.stdout, sys.stderr):
+        try:
+            stream.flush()
+        except OSError:
+            os.dup2(os.open(os.devnull, os.O_WRONLY), stream.fileno())
 
 
 def _interrupt(*_: object) -> NoReturn:

@@ -4,9 +4,14 @@ from __future__ import annotations
 
 from collections.abc import Iterable
 
+from orv.errors import OutputError
+
 
 def depfile(targets: Iterable[str], sources: Iterable[str]) -> bytes:
-    """One rule without commands: the targets depend on the sources. Both are sorted."""
+    """One rule without commands: the targets depend on the sources. Both are sorted.
+
+    Raises OutputError for a path with a control character, which the rule cannot hold.
+    """
     left = " ".join(_escaped(path) for path in sorted(set(targets)))
     right = "".join(f" \\\n  {_escaped(path)}" for path in sorted(set(sources)))
     return f"{left}:{right}\n".encode("utf-8", "surrogateescape")
@@ -14,6 +19,8 @@ def depfile(targets: Iterable[str], sources: Iterable[str]) -> bytes:
 
 def _escaped(path: str) -> str:
     """The path as both programs read it: backslashes count only before a blank or a "#"."""
+    if any(ord(character) < 32 or ord(character) == 127 for character in path):
+        raise OutputError(f"the path {path!r} holds a control character; no depfile can name it")
     escaped = ""
     backslashes = 0
     for character in path:

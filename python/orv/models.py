@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import math
 import os
 import re
 import tomllib
@@ -38,14 +39,19 @@ class Setting(NamedTuple):
     def parse(cls, argument: str) -> Setting:
         """From KEY=VALUE, where KEY may be dotted.
 
-        VALUE is text as it stands, unless it reads as JSON: a whole number, true, false, null, a
-        text in quotes, a list or an object. Raises ValueError when there is no key.
+        VALUE is text as it stands, unless it is a whole number, true, false or null, or begins like
+        a text in quotes, a list or an object of JSON. Raises ValueError when there is no key, and
+        ModelError when such JSON is wrong.
         """
         key, separator, text = argument.partition("=")
         names = tuple(key.split("."))
         if not separator or not all(name.isidentifier() for name in names):
             raise ValueError(f"expected KEY=VALUE with a name for KEY, not {argument!r}")
-        return cls(names, _set_value(text))
+        try:
+            return cls(names, _set_value(text))
+        except ModelError as error:
+            hint = "put a text that begins like JSON in double quotes"
+            raise ModelError(f"{key}: {error}; {hint}") from error
 
 
 def build_model(
@@ -87,11 +93,20 @@ def load_model(path: str) -> object:
     except OSError as error:
         raise ModelError(f"{path}: {error.strerror}") from error
     try:
-        return _settled(parse(data))
-    except RecursionError as error:
-        raise ModelError(f"{path}: the model is nested too deeply") from error
-    except (ModelError, ValueError) as error:
+        return _parsed(parse, data)
+    except ModelError as error:
         raise ModelError(f"{path}: {error}") from error
+
+
+def _parsed(parse: Callable[[bytes], object], data: bytes) -> object:
+    try:
+        root = parse(data)
+    except RecursionError as error:
+        raise ModelError("the model is nested too deeply") from error
+    except ValueError as error:
+        raise ModelError(str(error)) from error
+    _refuse_unusable(root)
+    return root
 
 
 def _parse_json(data: bytes) -> object:
@@ -121,10 +136,10 @@ def _parse_toml(data: bytes) -> object:
 def _parse_yaml(data: bytes) -> object:
     import yaml
 
-    from orv.yamlmodel import ModelLoader
+    from orv.yamlmodel import load
 
     try:
-        return yaml.load(data, ModelLoader)
+        return load(data)
     except yaml.MarkedYAMLError as error:
         line = f"line {error.problem_mark.line + 1}: " if error.problem_mark else ""
         raise ModelError(f"{line}{error.problem}") from error
@@ -148,32 +163,35 @@ _PARSERS: dict[str, Callable[[bytes], object]] = {
 }
 
 
-def _settled(root: object) -> object:
-    """Refuse what templates cannot use, and give sets an order. Shared parts stay shared."""
-    holder = [root]
-    waiting: list[Any] = [holder]
+def _refuse_unusable(root: object) -> None:
+    """Refuse what templates cannot print the same everywhere, wherever it stands in the model."""
+    waiting: list[Any] = [[root]]
     seen: set[int] = set()
     while waiting:
         container = waiting.pop()
         if id(container) in seen:
             continue
         seen.add(id(container))
-        entries = container.items() if isinstance(container, dict) else enumerate(container)
-        for key, value in list(entries):
-            if isinstance(value, str):
-                _refuse_nul(value)
-            elif isinstance(value, bytes):
-                raise ModelError("the model holds binary data, which templates cannot print")
-            elif isinstance(value, (set, frozenset)):
-                container[key] = sorted(value, key=str)
-            elif isinstance(value, (dict, list, tuple)):
+        values = container
+        if isinstance(container, dict):
+            values = container.values()
+            for key in container:
+                _refuse_scalar(key)
+        for value in values:
+            if isinstance(value, (dict, list, tuple)):
                 waiting.append(value)
-    return holder[0]
+            else:
+                _refuse_scalar(value)
 
 
-def _refuse_nul(text: str) -> None:
-    if "\0" in text:
-        raise ModelError("the model holds a NUL character, which no file of text can hold")
+def _refuse_scalar(value: object) -> None:
+    if isinstance(value, str):
+        if "\0" in value:
+            raise ModelError("the model holds a NUL character, which no file of text can hold")
+    elif isinstance(value, bytes):
+        raise ModelError("the model holds binary data, which templates cannot print")
+    elif isinstance(value, float) and not math.isfinite(value):
+        raise ModelError(f"the model holds {value}, which is no finite number")
 
 
 def _merge(into: dict[str, Any], other: dict[str, Any]) -> None:
@@ -189,10 +207,7 @@ def _merge(into: dict[str, Any], other: dict[str, Any]) -> None:
 
 def _set_value(text: str) -> object:
     if text in ("true", "false", "null") or text[:1] in ('"', "[", "{"):
-        try:
-            return json.loads(text)
-        except json.JSONDecodeError:
-            return text
+        return _parsed(_parse_json, text.encode())
     return int(text) if _WHOLE_NUMBER.fullmatch(text) else text
 
 

@@ -3,8 +3,10 @@
 from __future__ import annotations
 
 import argparse
+import os
 from collections.abc import Sequence
 
+from orv.errors import ModelError
 from orv.models import ModelSource, Setting
 
 
@@ -82,6 +84,7 @@ def _add_output(parser: argparse.ArgumentParser) -> None:
 
 def _setting(argument: str) -> Setting:
     try:
-        return Setting.parse(argument)
-    except ValueError as error:
+        # Texts are UTF-8 whatever the locale.
+        return Setting.parse(os.fsencode(argument).decode())
+    except (ModelError, ValueError) as error:
         raise argparse.ArgumentTypeError(str(error)) from error

@@ -12,15 +12,23 @@ _LONGEST_NAME = 255
 
 
 class OutputFolder:
-    """The folder that everything is written to. It need not exist yet."""
+    """The folder that everything is written to. It need not exist yet.
+
+    Raises OutputError when there is something else in its place.
+    """
 
     def __init__(self, path: str) -> None:
         self.path = path
         self._real = os.path.realpath(path)
+        existing = self._real
+        while not os.path.lexists(existing):
+            existing = os.path.dirname(existing)
+        if not os.path.isdir(existing):
+            raise OutputError(f"{existing} is not a folder; nothing can be written below it")
 
     def shown(self, parts: list[str]) -> str:
         """A path below the folder as messages and listings show it."""
-        return os.path.join(self.path, *parts)
+        return os.path.join(self.path, *map(_on_disk, parts))
 
     def target(self, parts: list[str]) -> str:
         """The place of a file on the disk, links followed.
@@ -28,11 +36,12 @@ class OutputFolder:
         Raises OutputError when the way there leaves the folder or meets something in the way.
         """
         current = self._real
-        for part in parts[:-1]:
+        *folders, name = map(_on_disk, parts)
+        for part in folders:
             current = self._follow(os.path.join(current, part))
             if os.path.lexists(current) and not os.path.isdir(current):
                 raise OutputError(f"{current} is not a folder")
-        current = self._follow(os.path.join(current, parts[-1]))
+        current = self._follow(os.path.join(current, name))
         if os.path.lexists(current) and not stat.S_ISREG(os.lstat(current).st_mode):
             raise OutputError(f"{current} is there and not a file")
         return current
@@ -51,12 +60,13 @@ class OutputFolder:
 def output_parts(directory: str, name: str) -> list[str]:
     """The folders and the name of a file below the output folder.
 
-    The bytes of names are UTF-8 whatever the locale. Raises OutputError for a path that is absolute,
-    climbs, or that some system could not hold.
+    Raises OutputError for a path that is absolute, climbs, or that some system could not hold.
     """
     for path in (directory, name):
         if path.startswith("/") or PureWindowsPath(path).drive:
-            raise OutputError(f'the path "{path}" is absolute; it has to be below the output folder')
+            raise OutputError(
+                f'the path "{path}" is absolute; it has to be below the output folder'
+            )
     parts = [part for part in f"{directory}/{name}".split("/") if part not in ("", ".")]
     if ".." in parts:
         raise OutputError(f'the path "{"/".join(parts)}" climbs out of its folder')
@@ -67,4 +77,9 @@ def output_parts(directory: str, name: str) -> list[str]:
             raise OutputError(f"the name {part!r} holds a backslash or a control character")
         if len(part.encode("utf-8", "surrogateescape")) > _LONGEST_NAME:
             raise OutputError(f'the name "{part}" is longer than {_LONGEST_NAME} bytes')
-    return [os.fsdecode(part.encode("utf-8", "surrogateescape")) for part in parts]
+    return parts
+
+
+def _on_disk(part: str) -> str:
+    """A name as Python's file functions take it: its bytes are UTF-8 whatever the locale."""
+    return os.fsdecode(part.encode("utf-8", "surrogateescape"))

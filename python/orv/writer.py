@@ -4,7 +4,9 @@ from __future__ import annotations
 
 import os
 import re
+import zlib
 from collections.abc import Callable, Iterable
+from contextlib import suppress
 from dataclasses import dataclass
 from enum import Enum
 
@@ -14,7 +16,7 @@ from orv.layout import compose, is_header
 from orv.paths import OutputFolder, output_parts
 from orv.run import Run
 
-_TEMPORARY = re.compile(r"\.orv-([0-9]+)\.tmp")
+_TEMPORARY = re.compile(r"\.orv-([0-9a-f]{8})-([0-9]+)-[0-9a-f]{8}\.tmp")
 
 
 class State(Enum):
@@ -30,7 +32,8 @@ class State(Enum):
 class PlannedFile:
     """A file of the run, its bytes and where they go. An empty file has neither.
 
-    `path` is below the output folder, `shown` is with it, and `target` is the place on the disk.
+    `path` is below the output folder and the same in any locale; `shown`, the path with the folder,
+    and `target`, the place on the disk, are as Python's file functions take them.
     """
 
     index: int
@@ -51,12 +54,13 @@ class PlannedFile:
 def plan(run: Run, out: str) -> list[PlannedFile]:
     """Work out what has to be written, in the order of the repository. Changes nothing.
 
-    Raises OutputError, with the file and where it was declared, when a file cannot go where it
-    belongs.
+    Paths that differ only in letter case are warned about. Raises OutputError, with the file and
+    where it was declared, when a file cannot go where it belongs.
     """
     folder = OutputFolder(out)
     planned: list[PlannedFile] = []
     owners: dict[str, int] = {}
+    folded: dict[str, PlannedFile] = {}
     for index in range(len(run.repository)):
         if run.repository.get_attribute(index, "IsEmpty"):
             label = str(run.repository.get_attribute(index, "Name"))
@@ -69,6 +73,7 @@ def plan(run: Run, out: str) -> list[PlannedFile]:
             place = run.files.place(index)
             raise OutputError(f"{place}the file {run.files.label(index)}: {error}") from error
         planned.append(file)
+        _report_clash(file, folded.setdefault(file.path.casefold(), file), run)
     _refuse_files_as_folders(owners, run)
     return planned
 
@@ -114,9 +119,10 @@ def replace_file(path: str, data: bytes) -> None:
 
     Raises OSError. The file keeps its permissions when it is there already.
     """
-    temporary = os.path.join(os.path.dirname(path), f".orv-{os.getpid()}.tmp")
+    name = f".orv-{_process_table():08x}-{os.getpid()}-{os.urandom(4).hex()}.tmp"
+    temporary = os.path.join(os.path.dirname(path), name)
+    stream = _native.Stream.create(temporary)
     try:
-        stream = _native.Stream.create(temporary)
         stream.write(data)
         stream.flush()
         stream.close()
@@ -124,7 +130,7 @@ def replace_file(path: str, data: bytes) -> None:
             os.chmod(temporary, os.stat(path).st_mode & 0o7777)
         os.replace(temporary, path)
     except BaseException:
-        if os.path.lexists(temporary):
+        with suppress(FileNotFoundError):
             os.unlink(temporary)
         raise
 
@@ -170,6 +176,25 @@ def _claim(target: str, index: int, owners: dict[str, int], run: Run) -> None:
     owners[target] = index
 
 
+def _report_clash(file: PlannedFile, other: PlannedFile, run: Run) -> None:
+    if file.path == other.path or _names_clash(file, other, run):
+        return
+    declared = run.files.place(other.index).removesuffix(": ")
+    where = f", declared at {declared}" if declared else ""
+    run.messages.warn(
+        f'the path "{file.path}" differs only in letter case from "{other.path}"{where};'
+        " some file systems cannot hold both",
+        run.files.place(file.index).removesuffix(": ") or None,
+    )
+
+
+def _names_clash(file: PlannedFile, other: PlannedFile, run: Run) -> bool:
+    """Whether the names alone differ in the case of ASCII letters, which is reported earlier."""
+    names = [_text(run, planned.index, "Name") for planned in (file, other)]
+    folded = {name.encode("utf-8", "surrogateescape").lower() for name in names}
+    return names[0] != names[1] and len(folded) == 1
+
+
 def _refuse_files_as_folders(owners: dict[str, int], run: Run) -> None:
     for target, index in owners.items():
         parent = os.path.dirname(target)
@@ -186,8 +211,18 @@ def _remove_stale(folder: str) -> None:
     """Remove what writers that were killed have left behind."""
     for name in os.listdir(folder):
         stale = _TEMPORARY.fullmatch(name)
-        if stale and not _is_running(int(stale[1])):
-            os.unlink(os.path.join(folder, name))
+        if stale and int(stale[1], 16) == _process_table() and not _is_running(int(stale[2])):
+            with suppress(OSError):
+                os.unlink(os.path.join(folder, name))
+
+
+def _process_table() -> int:
+    """A number for the machine and the name space that process numbers belong to."""
+    try:
+        table = os.stat("/proc/self/ns/pid").st_ino
+    except OSError:
+        table = 0
+    return zlib.crc32(f"{os.uname().nodename} {table}".encode("utf-8", "surrogateescape"))
 
 
 def _is_running(process: int) -> bool:

@@ -6,6 +6,7 @@ import json
 import os
 import shutil
 import subprocess
+import sys
 from pathlib import Path
 
 import pytest
@@ -101,14 +102,81 @@ def test_manifest(orv: Command, tmp_path: Path) -> None:
 def test_bytes_do_not_depend_on_locale_or_hash_seed(
     orv: Command, tmp_path: Path, locale: str
 ) -> None:
-    template = '{% file "é.c" %}{% section "Banner" %}{{ m }} {{ s|join }} ü\n{% endsection %}{% endfile %}'
+    template = (
+        '{% file "é.c" %}{% section "Banner" %}{{ m }} {{ s|join }} ü {{ x }}\n'
+        "{% endsection %}{% endfile %}"
+    )
     (tmp_path / "t.j2").write_bytes(template.encode())
     (tmp_path / "m.yaml").write_bytes("m: {z: ö, a: 1}\ns: !!set {b, a, c}\n".encode())
-    run = ("generate", "t.j2", "--model", "m.yaml", "--out", "out")
+    run = ("generate", "t.j2", "--model", "m.yaml", "--out", "out", "--manifest", "m.json")
     env = {"LC_ALL": locale, "PYTHONUTF8": "0", "PYTHONCOERCECLOCALE": "0", "PYTHONHASHSEED": "7"}
-    assert orv(*run, env=env).returncode == 0
+    assert orv(*run, "--set", "x=é", env=env).returncode == 0
     written = (tmp_path / "out").joinpath("é.c").read_bytes()
-    assert written == "{'z': 'ö', 'a': 1} abc ü\n".encode()
+    assert written == "{'z': 'ö', 'a': 1} abc ü é\n".encode()
+    assert json.loads((tmp_path / "m.json").read_bytes())["files"][0]["path"] == "é.c"
+
+
+ONE_FILE = '{% file "a.c" %}{% section "Banner" %}x{% endsection %}{% endfile %}'
+
+
+# Where reports are put beside the template, and what is said about it.
+OVERLAPS = {
+    "--depfile t.j2": 'the depfile "t.j2" would take the place of "t.j2", which was read',
+    "--manifest out/a.c": 'the manifest "out/a.c" would take the place of the file "out/a.c"',
+    "--manifest q --depfile ./q": 'the depfile "./q" would take the place of the manifest "q"',
+    "--manifest out/a.c/m": 'the manifest "out/a.c/m" and the file "out/a.c" cannot be below'
+    " each other",
+    "--manifest .": ". is a folder; a report is a file",
+    "--manifest t.j2/m": 'the manifest "t.j2/m" cannot be written: Not a directory',
+    "--out .": 't.j2:1: the file "t.j2" would take the place of "t.j2", which was read',
+    "--out t.j2": "{folder}/t.j2 is not a folder; nothing can be written below it",
+}
+
+
+@pytest.mark.parametrize("options", OVERLAPS)
+def test_nothing_takes_the_place_of_something_else(
+    orv: Command, tmp_path: Path, options: str
+) -> None:
+    text = ONE_FILE.replace("a.c", "t.j2") if options == "--out ." else ONE_FILE
+    done = orv("generate", "t.j2", "--out", "out", *options.split(), t__j2=text)
+    assert (done.returncode, done.stdout) == (1, "")
+    assert done.stderr == f"error: {OVERLAPS[options]}\n".format(folder=tmp_path)
+    assert [path.name for path in tmp_path.iterdir()] == ["t.j2"]
+    assert (tmp_path / "t.j2").read_text() == text
+
+
+def test_reports_follow_links_and_are_written_into_devices(orv: Command, tmp_path: Path) -> None:
+    (tmp_path / "link").symlink_to("new/m.json")
+    run = ("generate", "t.j2", "--out", "out", "--manifest", "link", "--depfile", "/dev/stdout")
+    done = orv(*run, t__j2=ONE_FILE)
+    assert (done.returncode, done.stdout) == (0, "new     out/a.c\nout/a.c: \\\n  t.j2\n")
+    assert (tmp_path / "link").is_symlink() and (tmp_path / "new/m.json").exists()
+    assert orv(*run[:-1], "/dev/null").returncode == 0 and Path("/dev/null").is_char_device()
+
+
+# What the shell does with the streams, how the command ends and whether it has written.
+STREAMS = {
+    "2>&-": ("", 0, True),
+    ">&-": ("", 0, True),
+    ">/dev/full": ("", 1, True),
+    ">/dev/full ": ("--diff", 1, False),
+    ">/dev/full  ": ("--check", 1, False),
+    "| true": ("--diff", 1, False),
+    "2>/dev/full": ("--verbose", 1, False),
+}
+
+
+@pytest.mark.parametrize("streams", STREAMS)
+def test_streams_that_take_nothing(tmp_path: Path, streams: str) -> None:
+    option, code, writes = STREAMS[streams]
+    (tmp_path / "t.j2").write_text(ONE_FILE.replace("x", "x" * 200000))
+    command = f"{sys.executable} -m orv generate t.j2 --out out {option} {streams}"
+    shell = ["bash", "-c", f"{command}; exit ${{PIPESTATUS[0]}}"]
+    done = subprocess.run(shell, cwd=tmp_path, capture_output=True, text=True, check=False)
+    full = "full" in streams and streams[0] == ">"
+    message = "error: the results cannot be written: No space left on device\n" if full else ""
+    assert (done.returncode, done.stderr) == (code, message)
+    assert (tmp_path / "out/a.c").exists() is writes
 
 
 def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -> None:
@@ -121,10 +189,14 @@ def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -
     text = (tmp_path / "d").read_text()
     assert text == "out/a\\ b.c: \\\n  m\\ $$x\\#y\\ z.json \\\n  p\\ q.j2 \\\n  t.j2\n"
     (tmp_path / "d").unlink()
+    refused = orv(*run, "--model", "\n.json", **{"\n__json": "{}"})
+    assert refused.returncode == 1 and "holds a control character" in refused.stderr
+    assert not (tmp_path / "d").exists()
     orv(*run)
     assert (tmp_path / "d").read_text() == text
     if shutil.which("make"):
-        (tmp_path / "Makefile").write_text("all: out/a\\ b.c\nout/a\\ b.c:\n\ttouch made\ninclude d\n")
+        rules = "all: out/a\\ b.c\nout/a\\ b.c:\n\ttouch made\ninclude d\n"
+        (tmp_path / "Makefile").write_text(rules)
         for newer, expected in ((False, False), (True, True)):
             os.utime(model, (4e9, 4e9) if newer else (1, 1))
             subprocess.run(["make"], cwd=tmp_path, check=True, capture_output=True)
@@ -150,6 +222,12 @@ MISTAKES = {
         ["t.j2", "--out", "o", "--set", "x"],
         2,
         "orv generate: error: argument --set: expected KEY=VALUE with a name for KEY, not 'x'\n",
+    ),
+    "set JSON": (
+        ["t.j2", "--out", "o", "--set", "x=[1"],
+        2,
+        "orv generate: error: argument --set: x: line 1: Expecting ',' delimiter;"
+        " put a text that begins like JSON in double quotes\n",
     ),
 }
 
@@ -181,6 +259,29 @@ def test_strict_and_quiet(orv: Command, tmp_path: Path) -> None:
     assert (loud.returncode, loud.stderr) == (0, f"warning: {clash}")
 
 
+def test_paths_that_differ_only_in_case(orv: Command) -> None:
+    text = "\n".join(
+        '{% file "' + name + '" %}{% section "Banner" %}x{% endsection %}{% endfile %}'
+        for name in ('é.c" OutputDirectory="x', 'É.c" OutputDirectory="X')
+    )
+    done = orv("generate", "t.j2", "--out", "o", "--strict", t__j2=text)
+    assert (done.returncode, done.stderr) == (
+        1,
+        'error: t.j2:2: the path "X/É.c" differs only in letter case from "x/é.c", declared at'
+        " t.j2:1; some file systems cannot hold both\n",
+    )
+
+
+# The end of a script, and what is said about it.
+SCRIPT_FAILURES = {
+    "raise ValueError('no')": "s.py:3: ValueError: no",
+    "from orv.errors import OrvError; raise OrvError('no')": "s.py:3: no",
+    "raise GeneratorExit": "s.py:3: GeneratorExit: ",
+    "sys.path.clear(); 1 / 0": "s.py:3: ZeroDivisionError: division by zero",
+    "sys.stdout.close()": "s.py: the script closed the standard output or error",
+}
+
+
 def test_scripts(orv: Command, tmp_path: Path) -> None:
     if not hasattr(pytest.importorskip("orbel"), "load"):
         pytest.skip("the host's Python package is not built")
@@ -190,6 +291,7 @@ def test_scripts(orv: Command, tmp_path: Path) -> None:
         'made = repo.createGenericFile("more.c")\n'
         'made.getFunctionsSection().addFunction("f", "void f(void) {}\\n")\n'
         "print(len(repo.FileList))\n"
+        'import os; os.chdir("/")\n'
     )
     run = ("generate", "t.j2", "--model", "m.json", "--out", "out", "--script", "s.py")
     done = orv(*run, t__j2=TEMPLATE, m__json=MODEL, s__py=script)
@@ -197,7 +299,10 @@ def test_scripts(orv: Command, tmp_path: Path) -> None:
     assert done.stdout.startswith("4\nnew     out/count.h\n")
     assert (tmp_path / "out/more.c").read_text() == "void f(void) {}\n"
     assert (tmp_path / "out/count.h").read_text().startswith("/* count */\n#ifndef")
-    failing = orv(*run, "--set", "start=9", s__py="\nraise ValueError('no')\n")
-    assert (failing.returncode, failing.stdout) == (1, "")
-    assert failing.stderr == "error: s.py:2: ValueError: no\n"
+    for end, message in SCRIPT_FAILURES.items():
+        failing = orv(*run, "--set", "start=9", s__py=f"import sys\n\n{end}\n")
+        assert (failing.returncode, failing.stdout) == (1, "")
+        assert failing.stderr == f"error: {message}\n"
+    unloading = orv(*run, "--script", "s.py", s__py="import orbel\norbel.unload(Varn)\n")
+    assert unloading.stderr.startswith("error: scripts cannot reach the files: The module ")
     assert "return 1;" in (tmp_path / "out/src/count.c").read_text()

@@ -13,6 +13,8 @@ from pathlib import Path
 import pytest
 from conftest import Command
 
+from orv.writer import _process_table
+
 as_root = pytest.mark.skipif(os.geteuid() != 0, reason="only root can mount")
 
 TWO_FILES = """\
@@ -77,7 +79,10 @@ def test_killed_in_the_middle(orv: Command, tmp_path: Path, how: signal.Signals)
     last = tmp_path / "out/0040.c"
     before = last.stat().st_ino
     process = subprocess.Popen(
-        [sys.executable, "-m", "orv", *run, 'x="new"'], cwd=tmp_path, stderr=subprocess.PIPE, text=True
+        [sys.executable, "-m", "orv", *run, 'x="new"'],
+        cwd=tmp_path,
+        stderr=subprocess.PIPE,
+        text=True,
     )
     while last.stat().st_ino == before and process.poll() is None:
         time.sleep(0.0005)
@@ -90,6 +95,17 @@ def test_killed_in_the_middle(orv: Command, tmp_path: Path, how: signal.Signals)
         assert message == "\n".join(["error: interrupted while writing", *said, ""])
     assert orv(*run, 'x="end"').returncode == 0
     assert [path for path in (tmp_path / "out").iterdir() if path.suffix != ".c"] == []
+
+
+def test_temporaries_of_others_are_left_alone(orv: Command, tmp_path: Path) -> None:
+    (tmp_path / "out").mkdir()
+    folder = tmp_path / f"out/.orv-{_process_table():08x}-999997-00000000.tmp"
+    elsewhere = tmp_path / "out/.orv-00000000-999997-00000000.tmp"
+    folder.mkdir()
+    elsewhere.touch()
+    run = ("generate", "t.j2", "--out", "out", "--set", "a=1", "--set", "b=1")
+    assert orv(*run, t__j2=TWO_FILES).returncode == 0
+    assert folder.exists() and elsewhere.exists()
 
 
 # What a template declares, and what is said about it; {out} is the output folder's full path.

@@ -26,6 +26,12 @@ REFUSED = {
     "nan.json": ("[NaN]", "NaN is no JSON value"),
     "nul.json": ('{"a": ["\\u0000"]}', "the model holds a NUL character, which no file of text"),
     "deep.json": ("[" * 100000, "the model is nested too deeply"),
+    "deep.yaml": ('["' * 100000, "line 1: "),
+    "deeper.yaml": ("[" * 100000, "line 1: the model is nested more than 499 deep"),
+    "large.json": ("[1e999]", "the model holds inf, which is no finite number"),
+    "nan.yaml": ("a: .nan", "the model holds nan, which is no finite number"),
+    "key.json": ('{"a\\u0000": 1}', "the model holds a NUL character"),
+    "key.yaml": ("? !!binary AAAA\n: 1", "the model holds binary data"),
     "latin.json": (b'"\xe9"', "'utf-8' codec can't decode byte 0xe9 in position 1"),
     "tag.yaml": ("!!python/object/apply:os.system [id]", "line 1: could not determine a"),
     "twice.yaml": ("a: 1\nb: 2\na: 3\n", 'line 3: the name "a" is given twice'),
@@ -39,6 +45,14 @@ REFUSED = {
     "outside.xml": (
         '<!DOCTYPE a [<!ENTITY b SYSTEM "file:///etc/passwd">]><a>&b;</a>',
         'line 1: the document declares the entity "b", which is refused',
+    ),
+    "subset.xml": (
+        '<!DOCTYPE r SYSTEM "x.dtd">\n<r a="&foo;">a&foo;b</r>',
+        "line 1: the document refers to another document, which is refused",
+    ),
+    "unknown.xml": (
+        '<!DOCTYPE r [\n%foo; ]><r a="&foo;">a&foo;b</r>',
+        'line 2: the document uses the entity "foo", which it does not declare',
     ),
     "deep.xml": ("<a>" * 100000, "line 1: elements are nested more than 499 deep"),
 }
@@ -79,7 +93,8 @@ def test_xml_elements(tmp_path: Path) -> None:
 
 def test_xml_is_what_another_parser_makes_of_it(tmp_path: Path) -> None:
     registry = Path("/usr/share/khronos-api/gl.xml")
-    text = '<?xml version="1.0" encoding="ISO-8859-1"?>\n<r a="&lt;\xe9">x&#233;<![CDATA[<]]>y<b/>z</r>'
+    text = '<?xml version="1.0" encoding="ISO-8859-1"?>\n'
+    text += '<r a="&lt;\xe9">x&#233;<![CDATA[<]]>y<b/>z</r>'
     (tmp_path / "latin.xml").write_text(text, encoding="latin-1")
     for path in (tmp_path / "latin.xml", registry):
         model = load_model(str(path))
@@ -101,8 +116,9 @@ def test_yaml_keeps_shared_parts_shared_and_gives_sets_an_order(tmp_path: Path) 
     laughs = "a0: &a0 [ha]\n" + "".join(
         f"a{i}: &a{i} [{', '.join([f'*a{i - 1}'] * 9)}]\n" for i in range(1, 30)
     )
-    model = load_model(write(tmp_path, "m.yaml", laughs + "set: !!set {b, c, a}\nself: &s [*s]\n"))
-    assert isinstance(model, dict) and model["set"] == ["a", "b", "c"]
+    text = laughs + "m: !!omap [s: !!set {b, c, a}]\nself: &s [*s]\n"
+    model = load_model(write(tmp_path, "m.yaml", text))
+    assert isinstance(model, dict) and model["m"] == [("s", ["a", "b", "c"])]
 
 
 def test_models_merge_by_name(tmp_path: Path) -> None:
@@ -122,3 +138,9 @@ def test_models_merge_by_name(tmp_path: Path) -> None:
     }
     with pytest.raises(ModelError, match="the model is a list, not an object with names"):
         build_model([ModelSource(None, c)], [])
+
+
+@pytest.mark.parametrize("text", ["[NaN]", '{"a":1,"a":2}', '"\\u0000"', "[1", "[" * 100000])
+def test_wrong_json_is_no_setting(text: str) -> None:
+    with pytest.raises(ModelError):
+        Setting.parse(f"x={text}")

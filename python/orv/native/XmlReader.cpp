@@ -18,7 +18,10 @@ XmlReader::XmlReader(XmlDocument& document)
   XML_SetElementHandler(parser_.get(), &startElement, &endElement);
   XML_SetCharacterDataHandler(parser_.get(), &characters);
   XML_SetEntityDeclHandler(parser_.get(), &entity);
+  // Expat reports what a document takes from elsewhere only when it is told to look for it.
+  XML_SetParamEntityParsing(parser_.get(), XML_PARAM_ENTITY_PARSING_ALWAYS);
   XML_SetExternalEntityRefHandler(parser_.get(), &externalEntity);
+  XML_SetSkippedEntityHandler(parser_.get(), &skippedEntity);
 }
 
 void XmlReader::read(std::string_view text) {
@@ -59,6 +62,14 @@ int XmlReader::externalEntity(XML_Parser parser, const XML_Char* /*context*/,
   auto& self = *static_cast<XmlReader*>(XML_GetUserData(parser));
   self.guard([&] { self.fail("the document refers to another document, which is refused"); });
   return XML_STATUS_ERROR;
+}
+
+void XmlReader::skippedEntity(void* reader, const XML_Char* name, int /*isParameter*/) {
+  auto& self = *static_cast<XmlReader*>(reader);
+  self.guard([&] {
+    self.fail("the document uses the entity \"" + std::string(name) +
+              "\", which it does not declare");
+  });
 }
 
 void XmlReader::open(const XML_Char* tag, const XML_Char** attributes) {

@@ -30,6 +30,7 @@ class XmlReader {
                      const XML_Char* publicId, const XML_Char* notation);
   static int externalEntity(XML_Parser parser, const XML_Char* context, const XML_Char* base,
                             const XML_Char* system, const XML_Char* publicId);
+  static void skippedEntity(void* reader, const XML_Char* name, int isParameter);
 
   void open(const XML_Char* tag, const XML_Char** attributes);
   void close();
