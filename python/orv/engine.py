@@ -15,7 +15,6 @@ from orv.errors import OrvError, TemplateError
 from orv.extension import outside_text
 from orv.messages import Located, Messages
 from orv.run import Run
-from orv.statements import LocatedError
 
 
 class RecordingLoader(BaseLoader):
@@ -46,7 +45,8 @@ def render(
 ) -> Run:
     """Render the template called `template` with the variables of `model`, and finish the run.
 
-    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the line that is to blame.
+    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the
+    line that is to blame.
     """
     run = Run(messages)
     environment = Environment(run, loader)
@@ -57,7 +57,7 @@ def render(
                 step()
             if piece and not piece.isspace():
                 text = run.placements.readable(piece)
-                raise LocatedError(_known(environment.output_position()), outside_text(text))
+                raise Located(f"{_known(environment.output_position())}: {outside_text(text)}")
         run.finish()
     except (Located, TemplateError):
         raise
@@ -73,8 +73,6 @@ def _template_error(error: Exception, loader: BaseLoader) -> TemplateError:
 
 
 def _position(error: Exception) -> positions.Position | None:
-    if isinstance(error, LocatedError):
-        return error.position
     if isinstance(error, TemplateSyntaxError):
         return positions.Position(
             positions.template_label(error.name, error.filename), error.lineno

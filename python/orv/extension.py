@@ -164,8 +164,13 @@ def _guard(parser: Parser, body: list[nodes.Node]) -> None:
             _guard(parser, node.else_)
         elif isinstance(node, (nodes.With, nodes.Scope, nodes.ScopedEvalContextModifier)):
             _guard(parser, node.body)
-        elif isinstance(node, (nodes.CallBlock, nodes.Include)) or _is_plain_filter(node):
+        elif isinstance(node, (nodes.Block, nodes.CallBlock, nodes.Include)) or _is_plain_filter(node):
             body[position] = nodes.FilterBlock([node], _outside(None, node), lineno=node.lineno)
+
+
+def is_guarded_block(node: nodes.FilterBlock) -> bool:
+    """Whether the filter is there to watch what one block prints in the body of a file."""
+    return node.filter.name == "orv outside" and isinstance(node.body[0], nodes.Block)
 
 
 def _is_plain_filter(node: nodes.Node) -> bool:

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+from datetime import date
+
 import pytest
 from conftest import files_of
 
@@ -47,6 +49,17 @@ RESULTS = {
             "{% endsection %}{% endfile %}",
         },
         {"a.c": "<x>\n"},
+    ),
+    "blocks that a file in a section and a middle template leave open": (
+        {
+            "main.j2": '{% extends "c.j2" %}{% block b %}{% block d %}x{% endblock %}{% endblock %}',
+            "c.j2": '{% extends "b.j2" %}{% block a %}{% section "Enums" %}{% block b %}{% endblock %}'
+            "{% endsection %}{% endblock %}",
+            "b.j2": '{% file "a.c" %}{% section "Functions" %}{% file "b.c" %}{% for n in [1] %}'
+            "{% block a scoped %}{% endblock %}{% endfor %}{% endfile %}{% endsection %}"
+            "{% endfile %}",
+        },
+        {"b.c": "x\n"},
     ),
     "custom sections in another file, placed twice removed": (
         '{% file "a.c" %}{% endfile %}{% file "b.h" %}{% endfile %}'
@@ -120,6 +133,32 @@ ERRORS = {
     "outside the blocks": (
         {"main.j2": '{% extends "b" %}\n\n x', "b": ""},
         f'main.j2:3: {LOST}"x"{PUT_IT}',
+    ),
+    "outside the blocks, extended on a condition": (
+        {"main.j2": '{% if true %}{% extends "b" %}{% endif %}\n\n x', "b": ""},
+        f'main.j2:3: {LOST}"x"{PUT_IT}',
+    ),
+    "in a template imported with context": (
+        {"main.j2": '{% macro m() %}{% from "i" import x with context %}{% endmacro %}{{ m() }}',
+         "i": "\n\nx"},
+        f'i:3: {LOST}"x"{PUT_IT}',
+    ),
+    "in a block that no extended template has": (
+        {"main.j2": '{% extends "c" %}\n{% block typo %}x{% endblock %}',
+         "c": '{% extends "b" %}{% block inner %}{% endblock %}',
+         "b": "{% block inner %}{% endblock %}{% block type %}{% endblock %}"},
+        'main.j2:2: no template that this one extends has a block "typo"; did you mean "type"?',
+    ),
+    "in a block of a file in a section": (
+        {"main.j2": '{% extends "b" %}\n{% block c %}\nx{% endblock %}',
+         "b": '{% file "a" %}{% section "Enums" %}{% file "b" %}{% block c %}{% endblock %}'
+         "{% endfile %}{% endsection %}{% endfile %}"},
+        f'main.j2:3: {LOST}"x"{PUT_IT}',
+    ),
+    "after text that an included template gave to a variable": (
+        {"main.j2": '{% file "a" %}{% set x %}{% include "i" %}{% endset %}\n{{ "y" }}{% endfile %}',
+         "i": "x"},
+        f'main.j2:2: {LOST}"y"{PUT_IT}',
     ),
     "printed outside the blocks": (
         {"main.j2": '{% extends "b" %}\n\n {{ m.x }}', "b": ""},
@@ -258,6 +297,19 @@ ERRORS = {
         " (100000).",
     ),
     "different from run to run": ("{{ [1]|random }}", "main.j2:1: No filter named 'random'."),
+    "different from run to run: a place in memory": (
+        '{% file "a" %}{% section "Enums" %}\n{{ ["x", [m.keys]] }}{% endsection %}{% endfile %}',
+        "main.j2:2: a value of type builtin_function_or_method has no text to print; call it with"
+        " ( )",
+    ),
+    "different from run to run: the clock": (
+        "{{ day.today() }}",
+        "main.j2:1: access to attribute 'today' of 'date' object is unsafe.",
+    ),
+    "tags are no filters": (
+        '{{ ["x"]|map("orv endfile")|list }}',
+        "main.j2:1: No filter named 'orv endfile'.",
+    ),
 }
 
 
@@ -271,7 +323,7 @@ def test_files(name: str) -> None:
 def test_errors(name: str) -> None:
     templates, message = ERRORS[name]
     with pytest.raises(OrvError) as raised:
-        files_of(templates, {"m": {"x": 1}}, strict=True)
+        files_of(templates, {"m": {"x": 1}, "day": date(2024, 2, 29)}, strict=True)
     text = str(raised.value)
     assert text.startswith(message) if message.endswith(" ") else text == message
 
