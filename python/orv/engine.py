@@ -21,7 +21,8 @@ class RecordingLoader(BaseLoader):
     """Loads templates from folders and keeps the files it has read."""
 
     def __init__(self, folders: Sequence[str]) -> None:
-        self._loader = FileSystemLoader(folders, encoding="utf-8")
+        # A byte order mark is none of the template's text.
+        self._loader = FileSystemLoader(folders, encoding="utf-8-sig")
         self.folders = list(folders)
         self.files: list[str] = []
 
@@ -88,6 +89,11 @@ def _describe(error: Exception, loader: BaseLoader) -> str:
         return f"there is no template {shown}" + (f" in {folders}" if folders else "")
     if isinstance(error, RecursionError):
         return "macros or templates call each other without end"
+    if isinstance(error, SyntaxError):
+        return (
+            f"the template {error.filename} nests its tags too deeply ({error.msg}); put the inner"
+            " ones into a macro or a template of their own"
+        )
     if isinstance(error, MemoryError):
         return "the memory is exhausted"
     if isinstance(error, TemplateSyntaxError):

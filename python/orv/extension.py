@@ -22,6 +22,9 @@ _KINDS = (
     "module_source", "packaging",
 )  # fmt: skip
 
+# The statements that may print whatever others define.
+_PRINTING = (nodes.Block, nodes.CallBlock, nodes.Include)
+
 
 class PackagingTags(Extension):
     """The tags that put text into the sections of files."""
@@ -164,7 +167,7 @@ def _guard(parser: Parser, body: list[nodes.Node]) -> None:
             _guard(parser, node.else_)
         elif isinstance(node, (nodes.With, nodes.Scope, nodes.ScopedEvalContextModifier)):
             _guard(parser, node.body)
-        elif isinstance(node, (nodes.Block, nodes.CallBlock, nodes.Include)) or _is_plain_filter(node):
+        elif isinstance(node, _PRINTING) or _is_plain_filter(node):
             body[position] = nodes.FilterBlock([node], _outside(None, node), lineno=node.lineno)
 
 

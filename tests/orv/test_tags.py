@@ -52,9 +52,10 @@ RESULTS = {
     ),
     "blocks that a file in a section and a middle template leave open": (
         {
-            "main.j2": '{% extends "c.j2" %}{% block b %}{% block d %}x{% endblock %}{% endblock %}',
-            "c.j2": '{% extends "b.j2" %}{% block a %}{% section "Enums" %}{% block b %}{% endblock %}'
-            "{% endsection %}{% endblock %}",
+            "main.j2": '{% extends "c.j2" %}{% block b %}{% block d %}x{% endblock %}'
+            "{% endblock %}",
+            "c.j2": '{% extends "b.j2" %}{% block a %}{% section "Enums" %}{% block b %}'
+            "{% endblock %}{% endsection %}{% endblock %}",
             "b.j2": '{% file "a.c" %}{% section "Functions" %}{% file "b.c" %}{% for n in [1] %}'
             "{% block a scoped %}{% endblock %}{% endfor %}{% endfile %}{% endsection %}"
             "{% endfile %}",
@@ -77,7 +78,8 @@ RESULTS = {
     "empty files and empty text are not written": (
         '{% file "a.c" %}{% section "Defines" %}{% endsection %}{% endfile %}'
         '{% file "b.c" %}{% include_required "x.h" %}{% endfile %}'
-        '{% file "c.c" IsEmpty=false %}{% endfile %}',
+        '{% file "c.c" IsEmpty=false %}{% endfile %}{% file "d.c" %}{% function "f" %}'
+        '{% endfunction %}{% custom "c" on "Enums" %}{% fill "c" %}{% endfill %}{% endfile %}',
         {"c.c": ""},
     ),
     "attributes, flags and lists read back": (
@@ -89,6 +91,11 @@ RESULTS = {
     "entries of a model go before methods": (
         '{% file "a.c" %}{% section "Banner" %}{{ m.items }}{% endsection %}{% endfile %}',
         {"a.c": "7\n"},
+    ),
+    "guard that is never opened": (
+        '{% file "a.h" DefinedMacro="A_H" order=["Banner"] %}{% section "Banner" %}b'
+        "{% endsection %}{% endfile %}",
+        {"a.h": "b\n"},
     ),
     "crlf and no newline at the end": (
         '{% file "a.c" %}\r\n{% section "Banner" %}\r\nx{% endsection %}\r\n{% endfile %}',
@@ -156,7 +163,8 @@ ERRORS = {
         f'main.j2:3: {LOST}"x"{PUT_IT}',
     ),
     "after text that an included template gave to a variable": (
-        {"main.j2": '{% file "a" %}{% set x %}{% include "i" %}{% endset %}\n{{ "y" }}{% endfile %}',
+        {"main.j2": '{% file "a" %}{% set x %}{% include "i" %}{% endset %}\n{{ "y" }}'
+         "{% endfile %}",
          "i": "x"},
         f'main.j2:2: {LOST}"y"{PUT_IT}',
     ),
@@ -247,6 +255,35 @@ ERRORS = {
         '{% endsection %}\n{% set x = file().Enums %}{% endfile %}',
         'main.j2:2: the text of section "Enums" waits for a custom section that is placed in it;'
         " it cannot be read before the end",
+    ),
+    "functions read too early": (
+        '{% file "a" %}{% custom "c" on "Defines" %}{% function "f" %}{% place "c" %}'
+        '{% endfunction %}\n{% set x = file().functions %}{% endfile %}',
+        'main.j2:2: the text of section "Functions" waits for a custom section that is placed in'
+        " it; it cannot be read before the end",
+    ),
+    "in use, never declared": (
+        '{% file "a" %}{% custom "cases" on "Enums" %}\n{% in_use "case" %}{% endfile %}',
+        'main.j2:2: the custom section "case" of "a" is marked as in use but never declared; did'
+        ' you mean "cases"?',
+    ),
+    "packaging with a name": (
+        '{% file "foo.c" as packaging("mdl_src") BaseName="bar" %}{% endfile %}',
+        "main.j2:1: packaging takes no name; give the file a BaseName",
+    ),
+    "renamed": (
+        '{% file "a.c" Name="b.c" %}{% endfile %}',
+        "main.j2:1: Name cannot be set: a file keeps the name that declared it",
+    ),
+    "moved": (
+        '{% file "a.c" OutputDirectory="x" %}{% endfile %}\n'
+        '{% file "a.c" OutputDirectory="y" %}{% endfile %}',
+        'main.j2:2: the file "a.c" had the OutputDirectory "x" and has "y" from now on',
+    ),
+    "nested too deeply": (
+        "{% for i in [1] %}" * 25 + "{% endfor %}" * 25,
+        "the template <template> nests its tags too deeply (too many statically nested blocks);"
+        " put the inner ones into a macro or a template of their own",
     ),
     "header with quotes": (
         "{% file \"a\" %}{% include_added '\"x.h\"' %}{% endfile %}",
