@@ -96,6 +96,17 @@ class TemplateCode(CodeGenerator):
         else:
             self.write(") is str else str(environment.finalize(printed)))")
 
+    def visit_Concat(self, node: nodes.Concat, frame: Frame) -> None:
+        """Compile `~`, whose operands become text as if they were printed."""
+        if frame.eval_ctx.volatile or frame.eval_ctx.autoescape:
+            super().visit_Concat(node, frame)
+            return
+        self.write("str_join(map(environment.finalize, (")
+        for operand in node.nodes:
+            self.visit(operand, frame)
+            self.write(", ")
+        self.write(")))")
+
     def _refuse_lost(self, node: nodes.Expr) -> None:
         """Refuse what is printed beside an extended template, at run time if only then known."""
         complaint, line = _NOTHING_OUTSIDE, node.lineno

@@ -339,6 +339,10 @@ ERRORS = {
         "main.j2:2: a value of type builtin_function_or_method has no text to print; call it with"
         " ( )",
     ),
+    "different from run to run: joined": (
+        '{% set x = m.x ~ ["a"]|map("upper") %}',
+        "main.j2:1: a value of type generator has no text to print; make it a list with |list",
+    ),
     "different from run to run: the clock": (
         "{{ day.today() }}",
         "main.j2:1: access to attribute 'today' of 'date' object is unsafe.",
