@@ -42,6 +42,15 @@ _NOTHING_OUTSIDE = (
 class TemplateCode(CodeGenerator):
     """Refuses the text that a template would drop without a word, and knows its lines."""
 
+    def visit_Template(self, node: nodes.Template, frame: Frame | None = None) -> None:
+        """Compile a template, with an eye to the blocks that it prints by `self.NAME()`."""
+        self._called_blocks = {
+            access.attr
+            for access in node.find_all(nodes.Getattr)
+            if isinstance(access.node, nodes.Name) and access.node.name == "self"
+        }
+        super().visit_Template(node, frame)
+
     def visit_Output(self, node: nodes.Output, frame: Frame) -> None:
         """Compile output piece by piece where it may turn out to stand outside every section."""
         if frame.buffer is not None:
@@ -57,7 +66,7 @@ class TemplateCode(CodeGenerator):
     def visit_Block(self, node: nodes.Block, frame: Frame) -> None:
         """Compile a block, which must have its place in a template that this one extends."""
         super().visit_Block(node, frame)
-        if frame.toplevel and self.extends_so_far:
+        if frame.toplevel and self.extends_so_far and node.name not in self._called_blocks:
             self.writeline("if parent_template is not None:")
             self.indent()
             self.writeline(f"context.require_place({node.name!r}, block_{node.name})", node)

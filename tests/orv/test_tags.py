@@ -53,14 +53,14 @@ RESULTS = {
     "blocks that a file in a section and a middle template leave open": (
         {
             "main.j2": '{% extends "c.j2" %}{% block b %}{% block d %}x{% endblock %}'
-            "{% endblock %}",
+            "{{ self.e() }}{% endblock %}{% block e %}y{% endblock %}",
             "c.j2": '{% extends "b.j2" %}{% block a %}{% section "Enums" %}{% block b %}'
             "{% endblock %}{% endsection %}{% endblock %}",
             "b.j2": '{% file "a.c" %}{% section "Functions" %}{% file "b.c" %}{% for n in [1] %}'
             "{% block a scoped %}{% endblock %}{% endfor %}{% endfile %}{% endsection %}"
             "{% endfile %}",
         },
-        {"b.c": "x\n"},
+        {"b.c": "xy\n"},
     ),
     "custom sections in another file, placed twice removed": (
         '{% file "a.c" %}{% endfile %}{% file "b.h" %}{% endfile %}'
