@@ -116,6 +116,7 @@ void ClassInfo::ensureDefined() {
   try {
     define();
     resolveSuperclasses();
+    checkClassWords();
   } catch (...) {
     dropDeclarations();
     state_ = State::undefined;
@@ -137,6 +138,23 @@ void ClassInfo::resolveSuperclasses() {
         lineage_.push_back(ancestor);
       }
     }
+  }
+}
+
+void ClassInfo::checkClassWords() const {
+  const auto check = [](const Member& member, const std::string& word) {
+    if (typeKind(word) == TypeKind::object && !ObjectSystem::instance().hasClass(word)) {
+      raise("SignatureMismatch", {member.qualifiedName(), "there is no class \"" + word + "\""});
+    }
+  };
+  for (const auto& method : methods_) {
+    check(*method, method->signature().result());
+    for (const std::string& word : method->signature().arguments()) {
+      check(*method, word);
+    }
+  }
+  for (const auto& property : properties_) {
+    check(*property, property->type());
   }
 }
 

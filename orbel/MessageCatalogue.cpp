@@ -18,7 +18,8 @@ namespace {
 class Catalogue {
  public:
   static Catalogue& instance() {
-    static Catalogue catalogue;
+    // Never destroyed: an error may be raised after every other static object is gone.
+    static Catalogue& catalogue = *new Catalogue;
     return catalogue;
   }
 

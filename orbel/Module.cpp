@@ -77,8 +77,17 @@ class Exports {
 
   std::string text(const std::string& name) {
     const auto* const pointer = static_cast<const char* const*>(find(name));
-    return pointer && *pointer ? *pointer : "";
+    if (pointer == nullptr) {
+      return {};
+    }
+    if (*pointer == nullptr) {
+      addMissing(name + " (it is null)");
+      return {};
+    }
+    return *pointer;
   }
+
+  void addMissing(const std::string& name) { missing_ += (missing_.empty() ? "" : ", ") + name; }
 
   const std::string& missing() const { return missing_; }
 
@@ -86,7 +95,7 @@ class Exports {
   void* find(const std::string& name) {
     void* const symbol = dlsym(library_, name.c_str());
     if (symbol == nullptr) {
-      missing_ += (missing_.empty() ? "" : ", ") + name;
+      addMissing(name);
     }
     return symbol;
   }
@@ -120,14 +129,18 @@ Module::Module(std::string name, void* library, const std::string& path) : name_
   Exports exports(library);
   initialise_ = exports.function<void()>("OrbelInitialize_" + name_);
   terminate_ = exports.function<void()>("OrbelTerminate_" + name_);
-  auto* const query = exports.function<const FunctionTable*()>("QueryOrbelFcnTable_" + name_);
+  const std::string queryName = "QueryOrbelFcnTable_" + name_;
+  auto* const query = exports.function<const FunctionTable*()>(queryName);
+  functions_ = query ? query() : nullptr;
+  if (query && (functions_ == nullptr || functions_->entries == nullptr)) {
+    exports.addMissing(queryName + " (it gives no table)");
+  }
   version_ = exports.text(name_ + "_version");
   buildDate_ = exports.text(name_ + "_build_date");
   relativePath_ = exports.text(name_ + "_relative_path");
   if (!exports.missing().empty()) {
     raise("ModuleIncomplete", {path, exports.missing()});
   }
-  functions_ = query();
 }
 
 Module::~Module() {

@@ -38,6 +38,12 @@ const ClassInfo* ObjectSystem::findClass(const std::string& qualifiedName) const
   return package ? package->findClass(name.simple) : nullptr;
 }
 
+bool ObjectSystem::hasClass(const std::string& qualifiedName) const {
+  const QualifiedName name = splitQualifiedName(qualifiedName);
+  const auto package = findPackage(Name(name.package));
+  return package && package->hasClass(name.simple);
+}
+
 const ClassInfo* ObjectSystem::classOf(const HandleBase& object, bool madeByScript) const {
   const std::string name = object.getFullyQualifiedKoboTypeName();
   const ClassInfo* const info = findClass(name);

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <orbel/Client.hpp>
 #include <orbel/PackageInterface.hpp>
 
 #include "HostErrors.hpp"
@@ -43,7 +44,16 @@ const ClassInfo& PackageInterface::getClass(const std::string& name) {
   return *info;
 }
 
-void PackageInterface::releaseForClient(const Client& client) { released_.insert(&client); }
+void PackageInterface::releaseForClient(Client& client) const { client.released_.insert(this); }
+
+bool PackageInterface::isAvailableTo(const Client& client) const {
+  return client.released_.count(this) == 0;
+}
+
+bool PackageInterface::hasClass(const std::string& name) {
+  ensureRegistered();
+  return classesByName_.count(name) != 0;
+}
 
 void PackageInterface::addClass(std::unique_ptr<ClassInfo> info) {
   classes_.reserve(classes_.size() + 1);

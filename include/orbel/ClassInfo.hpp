@@ -111,6 +111,7 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
 
   void ensureDefined();
   void resolveSuperclasses();
+  void checkClassWords() const;
   void dropDeclarations();
   void refuseRepeatedName(const std::string& name) const;
 

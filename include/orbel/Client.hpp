@@ -2,6 +2,7 @@
 #define ORBEL_CLIENT_HPP
 
 #include <memory>
+#include <set>
 #include <string>
 
 #include <orbel/Arguments.hpp>
@@ -32,6 +33,12 @@ class ORBEL_EXPORT Client {
   // class's package was released for this client, "AbstractClass", "NoConstructor", or what the
   // constructor raises.
   Value construct(const ClassInfo& info, Arguments arguments) const;
+
+ private:
+  friend class PackageInterface;
+
+  // Packages live as long as the process.
+  std::set<const PackageInterface*> released_;
 };
 
 // Destroys the object that `value` refers to, now; every handle to it becomes invalid. Raises

@@ -36,6 +36,8 @@ class ORBEL_EXPORT ObjectSystem {
 
   // The class of a qualified name in any package, defined; null when there is none.
   const ClassInfo* findClass(const std::string& qualifiedName) const;
+  // Whether there is such a class. Defines nothing.
+  bool hasClass(const std::string& qualifiedName) const;
 
   // The class of an object by the name that the object gives; null when there is no such class.
   // Raises "ClassMismatch" when the object's C++ type is not the class's, and "LibraryObjectHidden"

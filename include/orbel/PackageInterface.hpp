@@ -3,7 +3,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -39,8 +38,11 @@ class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
 
   // Withdraws the package from `client`, which no longer finds it or makes objects of its classes.
   // Objects that exist stay usable.
-  void releaseForClient(const Client& client);
-  bool isAvailableTo(const Client& client) const { return released_.count(&client) == 0; }
+  void releaseForClient(Client& client) const;
+  bool isAvailableTo(const Client& client) const;
+
+  // Whether the package has a class with the simple name `name`. Defines nothing.
+  bool hasClass(const std::string& name);
 
  private:
   void addClass(std::unique_ptr<ClassInfo> info) override;
@@ -51,7 +53,6 @@ class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
   bool registered_ = false;
   std::vector<std::unique_ptr<ClassInfo>> classes_;
   std::map<std::string, ClassInfo*> classesByName_;
-  std::set<const Client*> released_;
 };
 
 }  // namespace orbel

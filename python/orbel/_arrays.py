@@ -85,7 +85,7 @@ class ObjectArray(Sequence["Object"]):
         if isinstance(other, ObjectArray):
             return self._elements == other._elements
         if isinstance(other, Sequence):
-            return self._elements == tuple(other)
+            return len(self) == len(other) and self._elements == tuple(other)
         return NotImplemented
 
     def __hash__(self) -> int:

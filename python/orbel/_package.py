@@ -64,6 +64,8 @@ class Package(ModuleType):
 # A module is closed with its last owner and cannot be started again: it is kept for the process.
 _modules: dict[str, _native.Module] = {}
 _packages: dict[str, Package] = {}
+# Those too whose initialisation added nothing, perhaps because the program had started them itself.
+_without_package: list[_native.Module] = []
 
 
 def package(name: str) -> Package:
@@ -91,6 +93,7 @@ def load(name: str | os.PathLike[str]) -> Package:
     module = _native.load(os.fspath(name))
     names = module.package_names
     if not names:
+        _without_package.append(module)
         raise ImportError(f"the module {module.name!r} adds no package", name=module.name)
     _modules.update(dict.fromkeys(names, module))
     return package(names[0])
@@ -100,8 +103,13 @@ def unload(package: Package) -> None:
     """Terminate the module that ``package`` comes from; it cannot be loaded again.
 
     Its packages are no longer found and no objects of their classes are made. Objects that exist
-    stay usable. Does nothing for a package that is not of a module, or was unloaded before.
+    stay usable. Does nothing for a package that is not of a module, or was unloaded before. The
+    module's free functions must not be called any more.
+
+    Raises :class:`TypeError` when ``package`` is no package of the host.
     """
+    if not isinstance(package, Package):
+        raise TypeError(f"orbel.unload needs a package of the host, not {type(package).__name__}")
     module = _modules.get(package.__name__)
     if module is not None:
         module.close()

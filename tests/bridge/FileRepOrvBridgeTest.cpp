@@ -8,7 +8,7 @@
 #include <varn/StringFileSectionFragment.hpp>
 #include <varn/VarnFileRepository.hpp>
 
-#include "support/Diagnosed.hpp"
+#include "orbel/RaisedText.hpp"
 #include "support/Streams.hpp"
 
 namespace Varn {
@@ -110,31 +110,37 @@ const std::pair<const char*, Operation> operations[] = {
     {"Types", [](auto& b, int i, auto& name) { b.writeSection(i, name, nullptr); }},
 };
 
+std::string noFile(int index) {
+  return "Pyx:codeGen:InvalidFileIndex: The repository has no file with the index " +
+         std::to_string(index) +
+         ". A file's index is its position in the file list, counted from 0.";
+}
+
 TEST(FileRepOrvBridge, RefusesAnIndexBeforeANameAndChangesNothing) {
   VarnFileRepository repository;
   FileRepOrvBridge& bridge = repository.orvBridge();
-  const std::string raised = "Pyx:codeGen:";
   VarnFile& file = repository.createGenericFile("a.c");
   bridge.addSectionContent(0, "Typedefs", "t;");
   const std::string before = stateOf(bridge, 0);
   for (const auto& operation : operations) {
     const auto call = [&](int index, const std::string& name) {
-      return diagnosticOf([&] { operation.second(bridge, index, name); });
+      return raisedText([&] { operation.second(bridge, index, name); });
     };
     for (const std::string name : {operation.first, "typedefs", "", "Typedefs "}) {
       SCOPED_TRACE(std::to_string(&operation - operations) + ": " + name);
-      EXPECT_EQ(raised + "InvalidFileIndex(-1)", call(-1, name));
-      EXPECT_EQ(raised + "InvalidFileIndex(1)", call(1, name));
-      std::string unknownName = raised;
-      unknownName.append("InvalidFileAttribute('").append(name).append("')");
-      EXPECT_EQ(unknownName, call(0, name));
+      EXPECT_EQ(noFile(-1), call(-1, name));
+      EXPECT_EQ(noFile(1), call(1, name));
+      EXPECT_EQ("Pyx:codeGen:InvalidFileAttribute: \"" + name +
+                    "\" is not the name of a file attribute or section that can be used here.",
+                call(0, name));
       EXPECT_EQ(before, stateOf(bridge, 0));
     }
   }
-  EXPECT_EQ(raised + "InvalidFileIndex(1)",
-            diagnosticOf([&] { bridge.addCustomSection(1, "Nowhere", "C"); }));
-  EXPECT_EQ(raised + "CustomContentInvalidBuiltin('C\0D')('Nowhere')"s,
-            diagnosticOf([&] { bridge.addCustomSection(0, "Nowhere", "C\0D"s); }));
+  EXPECT_EQ(noFile(1), raisedText([&] { bridge.addCustomSection(1, "Nowhere", "C"); }));
+  EXPECT_EQ(
+      "Pyx:codeGen:CustomContentInvalidBuiltin: The custom section \"C\\0D\" cannot be attached to "
+      "\"Nowhere\": there is no built-in section of that name.",
+      raisedText([&] { bridge.addCustomSection(0, "Nowhere", "C\0D"s); }));
   EXPECT_FALSE(file.getCustomContent().isCustomSection("C"));
 }
 
@@ -156,7 +162,7 @@ TEST(FileRepOrvBridge, CustomSectionsGoToTheEndOfTheirSection) {
   EXPECT_EQ("first;A;B;", write("Typedefs")) << "what was appended stays, once";
   bridge.appendMissingTokens(0, "Banner");
   EXPECT_EQ("", write("Banner") + write("Enums"));
-  EXPECT_NE("none", diagnosticOf([&] { custom.getCustomSectionContent("Lost", "R"); }));
+  EXPECT_NE("nothing raised", raisedText([&] { custom.getCustomSectionContent("Lost", "R"); }));
   EXPECT_EQ("Kept;", custom.getCustomSectionContent("Kept", "R"));
   bridge.clearSection(0, "Typedefs");
   EXPECT_STREQ("", bridge.getStringAttribute(0, "Typedefs"));

@@ -23,7 +23,6 @@ SOME = "GL_ARB_bindless_texture,GL_ARB_imaging,GL_KHR_debug,GL_NV_transform_feed
         Choice("gl", "compatibility", "3.3", SOME),
         Choice("gl", "compatibility", "4.6", "all"),
         Choice("gles1", "common", "1.0", "all"),
-        Choice("gles2", "", "3.2"),
         Choice("gles2", "", "3.2", "all"),
         Choice("glsc2", "", "2.0"),
     ],
@@ -138,7 +137,6 @@ def test_banners_name_the_functions(tmp_path: Path) -> None:
     [
         ("api=gl4", "the registry has no API gl4"),
         ("version=4.7", "gl has no version 4.7"),
-        ("version=newest", "gl has no version newest"),
         ("profile=compat", "gl has no profile compat"),
         ("extensions=GL_KHR_debug,GL_KHR_debugger", "gl has no extension GL_KHR_debugger"),
         ('extensions=["GL_OES_texture_3D"]', "gl has no extension GL_OES_texture_3D"),

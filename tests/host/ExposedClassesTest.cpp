@@ -5,18 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <orbel/Diagnostics.hpp>
 #include <orbel/Module.hpp>
 #include <orbel/ObjectSystem.hpp>
-#include <varn/varn_filepackaging.hpp>
 
 namespace {
 
-using orbel::CellArray;
-using orbel::CharacterArray;
 using orbel::ClassInfo;
-using orbel::HostException;
-using orbel::Value;
 
 // One module for the whole program: a module starts at most once in a process.
 orbel::Module& module() {
@@ -123,120 +117,6 @@ TEST(ExposedClasses, AreExactlyThese) {
           "  createDataTypesFile(Varn.VarnFileRepository, char) -> Varn.VarnDataTypesFile\n"
           "  createGenericFile(Varn.VarnFileRepository, char) -> Varn.VarnGenericFile\n"
           "  findFileByName(Varn.VarnFileRepository, char) -> Varn.VarnFile\n");
-}
-
-// Every getter of a file class reaches the section of its own kind.
-TEST(ExposedClasses, SectionGettersReachTheirKinds) {
-  const std::pair<const char*, Varn::VarnFileSectionKind> kinds[] = {
-      {"Includes", Varn::INCLUDES_SECTION},
-      {"Defines", Varn::DEFINES_SECTION},
-      {"ForwardDeclarations", Varn::FORWARD_DECLS_SECTION},
-      {"Typedefs", Varn::TYPEDEFS_SECTION},
-      {"Enums", Varn::ENUMERATIONS_SECTION},
-      {"Definitions", Varn::DEFINITIONS_SECTION},
-      {"ExternData", Varn::EXTERN_DATA_SECTION},
-      {"ExternFunctions", Varn::EXTERN_FCNS_SECTION},
-      {"FunctionPrototypes", Varn::FCN_PROTOTYPES_SECTION},
-      {"Declarations", Varn::DECLARATIONS_SECTION},
-      {"Functions", Varn::FUNCTIONS_SECTION},
-      {"CompilerErrors", Varn::COMPILER_ERRORS_SECTION},
-      {"CompilerWarnings", Varn::COMPILER_WARNINGS_SECTION},
-      {"Documentation", Varn::DOCUMENTATION_SECTION},
-  };
-  Varn::VarnFileRepository repository;
-  for (Varn::VarnFile* file : std::initializer_list<Varn::VarnFile*>{
-           &repository.createGenericFile("g.c"), &repository.createDataTypesFile("t.h"),
-           &repository.createModuleSourceFile("m.c", {})}) {
-    const std::string className = file->getFullyQualifiedKoboTypeName().substr(5);
-    for (const auto& [name, kind] : kinds) {
-      SCOPED_TRACE(className + " " + name);
-      const std::string getter = std::string("get") + name + "Section";
-      const auto* method = package().getClass(className).findMethod(getter);
-      EXPECT_EQ(method != nullptr, file->hasSection(kind));
-      if (method == nullptr) continue;
-      const std::vector<Value> arguments = {file->toHostValue()};
-      EXPECT_EQ(method->invoke(arguments), file->getFileSection(kind).toHostValue());
-    }
-  }
-}
-
-struct Script {
-  Varn::VarnFileRepository repository;
-
-  static Value call(orbel::HandleBase& object, const char* member, std::vector<Value> arguments) {
-    arguments.insert(arguments.begin(), object.toHostValue());
-    return package()
-        .getClass(object.getFullyQualifiedKoboTypeName().substr(5))
-        .getMethod(member)
-        .invoke(arguments);
-  }
-  static Value text(const char* value) { return Value(CharacterArray(value)); }
-};
-
-TEST(ExposedClasses, SectionsByKindName) {
-  Script s;
-  Varn::VarnModuleFile& file = s.repository.createModuleHeaderFile("m.h", {1});
-  EXPECT_EQ(s.call(file, "getFileSection", {s.text("TYPEDEFS_SECTION")}),
-            file.getTypedefsSection().toHostValue());
-  // A kind that the file lacks, and a name that is none.
-  for (const char* kind : {"BANNER_SECTION", "typedefs_section"}) {
-    EXPECT_EQ(s.call(file, "hasSection", {s.text(kind)}), Value(false)) << kind;
-    EXPECT_EQ(s.call(file, "getFileSection", {s.text(kind)}),
-              file.getFileSection(Varn::BANNER_SECTION).toHostValue())
-        << kind;
-  }
-  Varn::FileSection& absent = file.getFileSection(Varn::BANNER_SECTION);
-  s.call(absent, "addContent", {s.text("lost")});
-  EXPECT_EQ(s.call(absent, "isEmpty", {}), Value(true));
-}
-
-TEST(ExposedClasses, FileListKeepsTheClassOfEachFile) {
-  Script s;
-  const orbel::Property& list = package().getClass("VarnFileRepository").getProperty("FileList");
-  const Value empty = list.get(s.repository.toHostValue());
-  ASSERT_NE(empty.get<orbel::ObjectArray>(), nullptr);
-  EXPECT_EQ(empty.get<orbel::ObjectArray>()->rows(), 1U);
-  EXPECT_EQ(empty.get<orbel::ObjectArray>()->columns(), 0U);
-
-  s.call(s.repository, "createGenericFile", {s.text("a.c")});
-  s.call(s.repository, "createDataTypesFile", {s.text("b.h")});
-  const Value value = list.get(s.repository.toHostValue());
-  const auto* files = value.get<orbel::ObjectArray>();
-  ASSERT_NE(files, nullptr);
-  EXPECT_EQ(files->className(), "Varn.VarnFile");
-  EXPECT_TRUE(files->isHeterogeneous());
-  ASSERT_EQ(files->columns(), 2U);
-  EXPECT_EQ(files->elements()[1].object()->getFullyQualifiedKoboTypeName(),
-            "Varn.VarnDataTypesFile");
-
-  const Value found = s.call(s.repository, "findFileByName", {s.text("b.h")});
-  EXPECT_EQ(found, Value(files->elements()[1]));
-  const Value missing = s.call(s.repository, "findFileByName", {s.text("B.h")});
-  EXPECT_EQ(missing, Value(orbel::ObjectArray::none("Varn.VarnFile")));
-}
-
-TEST(ExposedClasses, FunctionIndicesAreCheckedBeforeTheCall) {
-  Script s;
-  auto& section = dynamic_cast<Varn::FunctionsSection&>(
-      s.repository.createGenericFile("a.c").getFunctionsSection());
-  s.call(section, "addFunction", {s.text("f"), s.text("body")});
-  section.addContent("a body without a name");
-  EXPECT_EQ(s.call(section, "getFunction", {Value(std::uint32_t{2})}),
-            s.text("a body without a name"));
-  const std::pair<const char*, std::uint32_t> refused[] = {{"getFunction", 0},
-                                                           {"getFunction", 3},
-                                                           {"getFunctionName", 0},
-                                                           {"getFunctionName", 2},
-                                                           {"getFunctionName", 0xFFFFFFFF}};
-  for (const auto& [method, index] : refused) {
-    SCOPED_TRACE(std::string(method) + " " + std::to_string(index));
-    try {
-      s.call(section, method, {Value(index)});
-      ADD_FAILURE() << "no error";
-    } catch (const HostException& error) {
-      EXPECT_EQ(error.identifier(), "IndexOutOfRange");
-    }
-  }
 }
 
 TEST(Module, ExportsWhatTheHostLooksFor) {

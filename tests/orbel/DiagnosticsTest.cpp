@@ -16,23 +16,6 @@ MessageRecord duplicate(const std::string& given) {
   return MessageRecord("Pyx:codeGen", "DuplicateFileEntry", {given, "model.c"});
 }
 
-TEST(Diagnostics, ThrowsRecordAndWords) {
-  try {
-    orbel::throwDiagnostic(
-        orbel::createDiagnostic(MessageRecord("Pyx:codeGen", "InvalidFileIndex", {-1.0}), ""),
-        nullptr);
-    FAIL() << "must not return";
-  } catch (const orbel::HostException& error) {
-    EXPECT_EQ(error.component(), "Pyx:codeGen");
-    EXPECT_EQ(error.identifier(), "InvalidFileIndex");
-    ASSERT_EQ(error.arguments().size(), 1U);
-    EXPECT_EQ(std::get<double>(error.arguments()[0]), -1.0);
-    EXPECT_STREQ(error.what(),
-                 "Pyx:codeGen:InvalidFileIndex: The repository has no file with the index -1. A "
-                 "file's index is its position in the file list, counted from 0.");
-  }
-}
-
 TEST(Diagnostics, ContextStandsInFrontAndTextReplacesTheWords) {
   const MessageRecord record("Test", "None", {});
   EXPECT_EQ(raisedText([&] {

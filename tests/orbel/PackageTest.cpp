@@ -134,19 +134,6 @@ TEST(Package, RefusesUnknownAndCircularSuperclasses) {
             "Orbel:UnknownClass: There is no class \"orbel.mixin.Heterogeneous\".");
 }
 
-TEST(Package, ReleasedPackagesAreGoneForTheirClient) {
-  orbel::Client& client = objects().publicClient();
-  const auto package = add("Gone", {{"A", [](Declared& info) { info.addConstructor<>({}); }}});
-  const orbel::ClassInfo& info = client.getClass("Gone.A");
-  package->releaseForClient(client);
-  EXPECT_EQ(client.findPackage(Name("Gone")), nullptr);
-  EXPECT_EQ(objects().findPackage(Name("Gone")), package);
-  EXPECT_EQ(raisedText([&] { client.getClass("Gone.A"); }),
-            "Orbel:UnknownPackage: There is no package \"Gone\".");
-  EXPECT_EQ(raisedText([&] { client.construct(info, {}); }),
-            "Orbel:UnknownClass: There is no class \"Gone.A\".");
-}
-
 TEST(Package, NamesAreTakenOnce) {
   const auto package = add("Twice", {{"A", [](Declared&) {}}, {"A", [](Declared&) {}}});
   EXPECT_EQ(raisedText([] { add("Twice", {}); }),

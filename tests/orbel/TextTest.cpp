@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <orbel/Text.hpp>
+#include <orbel/Value.hpp>
 
 namespace {
 
@@ -46,6 +47,14 @@ TEST(Text, EveryPairOfBytesSurvivesTheRoundTrip) {
 TEST(Text, WritesForeignLoneSurrogatesAsTheirOwnSequence) {
   EXPECT_EQ(orbel::toUtf8(u"\xD800x"), "\xED\xA0\x80x");
   EXPECT_EQ(orbel::toUtf8(u"\xDC7F"), "\xED\xB1\xBF");
+}
+
+TEST(Text, CharacterArraysReadBackInEitherWidth) {
+  const orbel::CharacterArray narrow("\xC3\xA9\xFF");
+  const orbel::CharacterArray wide(u"\u00E9\xDCFF");
+  EXPECT_EQ(narrow.toText16(), wide.toText16());
+  EXPECT_EQ(narrow.toText(), wide.toText());
+  EXPECT_EQ(narrow, wide);
 }
 
 }  // namespace

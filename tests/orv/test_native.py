@@ -12,10 +12,8 @@ import pytest
 from orv import _native
 from orv.errors import Diagnostic
 
-FAR = (-1, 1, 2**31 - 1)
 
-
-@pytest.mark.parametrize("index", FAR)
+@pytest.mark.parametrize("index", [-1, 1, 2**31 - 1])
 def test_indices_are_checked_first(index: int) -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
@@ -39,13 +37,11 @@ def test_indices_are_checked_first(index: int) -> None:
     for call, arguments in calls:
         with pytest.raises(Diagnostic) as raised:
             call(*arguments)
-        assert (raised.value.identifier, raised.value.arguments) == (
-            "Pyx:codeGen:InvalidFileIndex",
-            (index,),
-        )
+        error = raised.value
+        assert (error.identifier, error.arguments) == ("Pyx:codeGen:InvalidFileIndex", (index,))
 
 
-@pytest.mark.parametrize("wrong", [None, 1, b"x", "\0", "\ud800", 2**40])
+@pytest.mark.parametrize("wrong", [None, "\0", "\ud800", 2**40])
 def test_wrong_arguments_are_refused(wrong: Any) -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
@@ -65,10 +61,6 @@ def test_wrong_arguments_are_refused(wrong: Any) -> None:
         (_native.Stream.in_memory().write, (wrong,)),
     ]
     for call, arguments in calls:
-        if wrong == 1 and call == repository.create_module_header:
-            continue
-        if isinstance(wrong, bytes) and arguments == (wrong,) and call.__name__ == "write":
-            continue
         with pytest.raises((TypeError, ValueError)):
             call(*arguments)
     assert len(repository) == 1 and repository.section_text(0, "Enums") == ""

@@ -11,4 +11,4 @@ def varn() -> Any:
 
 @pytest.fixture(scope="session")
 def sample() -> Any:
-    return orbel.load("orbel_zoo")
+    return orbel.load("orbel_sample")

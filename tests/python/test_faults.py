@@ -109,7 +109,15 @@ def test_unfit_values_everywhere(varn: Any) -> None:
     assert refused > 3000
 
 
-def test_errors_name_what_was_wrong(varn: Any, sample: Any) -> None:
+def doubling(levels: int) -> list[Any]:
+    """A small list that has two to the power of ``levels`` elements in all."""
+    nested: list[Any] = []
+    for _ in range(levels):
+        nested = [nested, nested]
+    return nested
+
+
+def test_errors_name_what_was_wrong(varn: Any) -> None:
     section = varn.FunctionsSection()
     file = varn.VarnGenericFile("a.c")
     for call, message in (
@@ -123,28 +131,19 @@ def test_errors_name_what_was_wrong(varn: Any, sample: Any) -> None:
          "element 2 of the value of Varn.VarnFile.SystemsInFile cannot be of the type object"),
         (lambda: setattr(file, "SystemsInFile", endless()),
          "element 2 of the value of Varn.VarnFile.SystemsInFile is a list that contains itself"),
-        (lambda: setattr(file, "SystemsInFile", ["a", 3]),
-         "Element 2 of the value of Varn.VarnFile.SystemsInFile must be a character array."),
-        (lambda: setattr(file, "Name", "b.c"), "The property Varn.VarnFile.Name cannot be set."),
+        (lambda: setattr(file, "SystemsInFile", doubling(60)),
+         "element 1 of the value of Varn.VarnFile.SystemsInFile holds more than 1000000 elements "
+         "in lists within lists"),
         (lambda: setattr(file, "Nme", "b.c"), "'VarnGenericFile' object has no attribute 'Nme'"),
         (lambda: delattr(file, "Type"), "Varn.VarnFile.Type cannot be deleted"),
         (lambda: varn.VarnFile.hasSection("x"),
          "Varn.VarnFile.hasSection needs an object of the class Varn.VarnFile, but was given str"),
-        (lambda: varn.VarnFile.hasSection(section, "x"),
-         "Varn.VarnFile.hasSection needs an object of the class Varn.VarnFile, but was given "
-         "Varn.FunctionsSection."),
-        (lambda: varn.VarnFile("a"), "The class Varn.VarnFile is abstract: it has no objects of its"
-         " own."),
-        (lambda: varn.VarnGenericFile(), "Varn.VarnGenericFile.VarnGenericFile takes 1 argument(s),"
-         " but was given 0."),
         (lambda: varn.VarnGenericFile(name="a"), "Varn.VarnGenericFile takes no keyword arguments"),
         (lambda: varn.Nothing, "the package Varn has no class 'Nothing'"),
         (lambda: setattr(varn, "x", 1),
          "'x' cannot be set: a package of the host cannot be changed"),
         (lambda: orbel.StringArray(["a", 1]),
          "element 2 of a StringArray must be a str or bytes, but is a int"),
-        (lambda: sample.Box("b").holds(sample.Box("c")),
-         "Argument 1 of Sample.Box.holds must be Sample.Part, but is Sample.Box."),
     ):  # fmt: skip
         with pytest.raises(CLEAN) as caught:
             call()
@@ -228,7 +227,7 @@ def test_threads_share_objects_under_the_lock(varn: Any) -> None:
 
 def test_nothing_is_left_behind(sample: Any) -> None:
     box = sample.Box("b")
-    counted = [None, sample.Box, type(box), sample.Box.holds, *UNFIT]
+    counted = [None, sample.Box, type(box), sample.Box.isSameAs, *UNFIT]
 
     def once() -> None:
         for value in UNFIT:
@@ -252,16 +251,16 @@ def test_a_package_that_was_unloaded() -> None:
     """In a process of its own: a module starts once."""
     script = """
 import orbel
-sample = orbel.load("orbel_zoo")
+sample = orbel.load("orbel_sample")
 box = sample.Box("b")
 orbel.unload(sample); orbel.unload(sample)
-for use in (lambda: sample.Box("c"), lambda: sample.Part, lambda: orbel.package("Sample"),
-            lambda: orbel.load("orbel_zoo")):
+for use in (lambda: sample.Box("c"), lambda: sample.Item, lambda: orbel.package("Sample"),
+            lambda: orbel.load("orbel_sample")):
     try:
         use()
     except orbel.Error as error:
         print(error.identifier)
-print(box.Label, box.import__("p").Label, "Part" in dir(sample))
+print(box.Label, box.import__("p").Label, "Item" in dir(sample))
 """
     ran = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
     assert (ran.returncode, ran.stdout.split("\n")[:5]) == (

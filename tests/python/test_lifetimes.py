@@ -20,7 +20,7 @@ def test_a_handle_keeps_the_owner_that_a_script_made(sample: Any) -> None:
     before = sample.living()
     box = sample.Box("b")
     part = box.import__("wheel")
-    again = box.itself().last()
+    again = box.List[0].find("wheel")
     assert again == part and hash(again) == hash(part) and again is not part
     del box, again
     gc.collect()
@@ -31,18 +31,18 @@ def test_a_handle_keeps_the_owner_that_a_script_made(sample: Any) -> None:
 
 def test_a_handle_outlives_its_object_safely(sample: Any) -> None:
     box = sample.Box("b")
-    part, other = box.import__("x"), sample.Part("y")
-    equal = box.last()
+    part, other = box.import__("x"), sample.Item()
+    equal = box.find("x")
     box.import_()
     assert not orbel.is_valid(part) and part == equal
     assert_dead(lambda: part.Label)
     assert_dead(lambda: setattr(part, "Label", "z"))
-    assert_dead(lambda: box.holds(part))
+    assert_dead(lambda: box.isSameAs(part))
     orbel.destroy(other)
     assert_dead(lambda: orbel.destroy(other))
     with pytest.raises(orbel.Error, match="a script cannot destroy it"):
         orbel.destroy(box.import__("z"))
-    assert orbel.is_valid(box) and box.last().Label == "z"
+    assert orbel.is_valid(box) and box.find("z").Label == "z"
 
 
 def test_deletion_in_any_order(varn: Any, sample: Any) -> None:
@@ -77,7 +77,9 @@ class Owner:
 
 
 def test_wrapped_objects_keep_what_they_were_wrapped_with(sample: Any) -> None:
-    library = ctypes.CDLL("liborbel_zoo.so", handle=sample_handle())
+    with open("/proc/self/maps") as maps:
+        loaded = next(line.split()[-1] for line in maps if "liborbel_sample.so" in line)
+    library = ctypes.CDLL(loaded)
     library.makeLibraryBox.restype = ctypes.c_void_p
     new_capsule = ctypes.pythonapi.PyCapsule_New
     new_capsule.restype = ctypes.py_object
@@ -104,10 +106,3 @@ def test_wrapped_objects_keep_what_they_were_wrapped_with(sample: Any) -> None:
     for unfit in (None, new_capsule(1, b"other", None)):
         with pytest.raises(TypeError, match='needs a capsule named "orbel.HandleBase"'):
             orbel.wrap(unfit, None)
-
-
-def sample_handle() -> int:
-    """The dynamic linker's handle of the library that the host has loaded already."""
-    with open("/proc/self/maps") as maps:
-        path = next(line.split()[-1] for line in maps if "liborbel_zoo.so" in line)
-    return ctypes.CDLL(path)._handle

@@ -28,106 +28,62 @@ def request(argument: str) -> str:
 
 EMPTY = '<interface name="{}" version="1"/>'
 
-UNUSABLE = [
-    ("", "1: malformed XML: No document element found"),
-    ("<protocol name='p'>\n<interface", "2: malformed XML: Error parsing start element tag"),
-    ("<protocol name='p'>\n</interface>", "2: malformed XML: Start-end tags mismatch"),
-    ("<!-- -->\n<protokoll/>", "2: unexpected element <protokoll>"),
-    ("<protocol/>", "1: <protocol> has no attribute 'name'"),
-    ("<protocol name='p'/>\n<protocol name='q'/>", "2: a second <protocol> in one file"),
-    ("<protocol name='p'/>", "1: protocol 'p' has no interface"),
-    (protocol(EMPTY.format("i"), "../p"), "1: name '../p' of <protocol> is no C identifier"),
-    (protocol('<interface version="1"/>'), "2: <interface> has no attribute 'name'"),
-    (protocol('<interface name="i"/>'), "2: <interface> has no attribute 'version'"),
-    (
+# What is said, and of which description.
+UNUSABLE = {
+    "1: malformed XML: No document element found": "",
+    "2: malformed XML: Error parsing start element tag": "<protocol name='p'>\n<interface",
+    "2: unexpected element <protokoll>": "<!-- -->\n<protokoll/>",
+    "1: <protocol> has no attribute 'name'": "<protocol/>",
+    "2: a second <protocol> in one file": "<protocol name='p'/>\n<protocol name='q'/>",
+    "1: protocol 'p' has no interface": "<protocol name='p'/>",
+    "1: name '../p' of <protocol> is no C identifier": protocol(EMPTY.format("i"), "../p"),
+    "2: version '0' of <interface> is no version number":
         protocol('<interface name="i" version="0"/>'),
-        "2: version '0' of <interface> is no version number",
-    ),
-    (
-        protocol('<interface name="i;" version="1"/>'),
-        "2: name 'i;' of <interface> is no C identifier",
-    ),
-    (protocol(EMPTY.format("int")), "2: name 'int' of <interface> is no C identifier"),
-    (
-        protocol(EMPTY.format("i") + "\n" + EMPTY.format("i")),
-        "3: a second <interface> called 'i'",
-    ),
-    (interface("stray"), "2: text directly in <interface>"),
-    (interface('<event name="e" since="3"/>'), "2: <event> is there since version 3 of an "
-     "interface of version 2"),
-    (interface('<event name="e" type="x"/>'), "2: unknown type 'x' of message 'e'"),
-    (interface('<event name="e"/>\n<event name="e"/>'), "3: a second <event> called 'e'"),
-    (
+    "2: name 'int' of <interface> is no C identifier": protocol(EMPTY.format("int")),
+    "3: a second <interface> called 'i'": protocol(EMPTY.format("i") + "\n" + EMPTY.format("i")),
+    "2: text directly in <interface>": interface("stray"),
+    "2: <event> is there since version 3 of an "
+    "interface of version 2":
+        interface('<event name="e" since="3"/>'),
+    "2: unknown type 'x' of message 'e'": interface('<event name="e" type="x"/>'),
+    "2: new_id 'a' of an event has no interface":
         interface('<event name="e"><arg name="a" type="new_id"/></event>'),
-        "2: new_id 'a' of an event has no interface",
-    ),
-    (
+    "3: message 'r' makes a second object":
         interface('<request name="r"><arg name="a" type="new_id" interface="i"/>\n'
                   '<arg name="b" type="new_id" interface="i"/></request>'),
-        "3: message 'r' makes a second object",
-    ),
-    (request('name="a"'), "2: <arg> has no attribute 'type'"),
-    (request('name="a" type="long"'), "2: unknown type 'long' of argument 'a'"),
-    (request('name="a b" type="int"'), "2: name 'a b' of <arg> is no C identifier"),
-    (
-        request('name="a" type="int" allow-null="true"'),
-        "2: argument 'a' of type int cannot be null",
-    ),
-    (request('name="a" type="fd" interface="i"'), "2: argument 'a' of type fd has no interface"),
-    (
+    "2: unknown type 'long' of argument 'a'": request('name="a" type="long"'),
+    "2: argument 'a' of type int cannot be null": request('name="a" type="int" allow-null="true"'),
+    "2: argument 'a' of type fd has no interface": request('name="a" type="fd" interface="i"'),
+    "2: interface 'i)' of <arg> is no C identifier":
         request('name="a" type="object" interface="i)"'),
-        "2: interface 'i)' of <arg> is no C identifier",
-    ),
-    (request('name="a" type="int" enum="e"'), "2: there is no enumeration 'e'"),
-    (interface('<enum name="e"/>'), "2: enumeration 'e' has no entry"),
-    (
+    "2: there is no enumeration 'e'": request('name="a" type="int" enum="e"'),
+    "2: enumeration 'e' has no entry": interface('<enum name="e"/>'),
+    "2: 'x-y' cannot be part of a C name":
         interface('<enum name="e"><entry name="x-y" value="1"/></enum>'),
-        "2: 'x-y' cannot be part of a C name",
-    ),
-    (
+    "2: '1, INJECTED' is no integer of 32 bits":
         interface('<enum name="e"><entry name="x" value="1, INJECTED"/></enum>'),
-        "2: '1, INJECTED' is no integer of 32 bits",
-    ),
-    (
+    "2: '0x100000000' is no integer of 32 bits":
         interface('<enum name="e"><entry name="x" value="0x100000000"/></enum>'),
-        "2: '0x100000000' is no integer of 32 bits",
-    ),
-    (
+    "3: this makes a second 'I_A_B_C' in C, beside the one of line 2":
         interface('<enum name="a_b"><entry name="c" value="1"/></enum>\n'
                   '<enum name="a"><entry name="b_c" value="1"/></enum>'),
-        "3: this makes a second 'I_A_B_C' in C, beside the one of line 2",
-    ),
-    (
+    "3: this makes a second 'ii_b_destroy' in C, beside the one of line 2":
         protocol('<interface name="ii" version="1"><request name="b_destroy"/></interface>\n'
                  + EMPTY.format("ii_b")),
-        "3: this makes a second 'ii_b_destroy' in C, beside the one of line 2",
-    ),
-    (
+    "2: this makes a second 'I_ENUMS_H' in C, beside the one of line 1":
         protocol('<interface name="i" version="1"><enum name="enums"><entry name="h" value="1"/>'
                  "</enum></interface>", "i"),
-        "2: this makes a second 'I_ENUMS_H' in C, beside the one of line 1",
-    ),
-    (
+    "2: this makes a second 'tag wl_proxy' in C, beside the one that generated code needs":
         protocol(EMPTY.format("wl_proxy")),
-        "2: this makes a second 'tag wl_proxy' in C, beside the one that generated code needs",
-    ),
-    (
+    "2: this makes a second 'int32_t' in C, beside the one that generated code needs":
         request('name="int32_t" type="int"'),
-        "2: this makes a second 'int32_t' in C, beside the one that generated code needs",
-    ),
-    (
+    "2: this makes a second 'I_REQUEST_R' in C, beside the one of line 2":
         request('name="I_REQUEST_R" type="int"'),
-        "2: this makes a second 'I_REQUEST_R' in C, beside the one of line 2",
-    ),
-    (
+    "2: name 'i\\u000a\\u001b[31m\\u009b' of <interface> is no C identifier":
         protocol(EMPTY.format("i&#10;&#27;[31m&#155;")),
-        "2: name 'i\\u000a\\u001b[31m\\u009b' of <interface> is no C identifier",
-    ),
-    (
+    "1: encoding 'ISO-8859-1' is not UTF-8":
         '<?xml version="1.0" encoding="ISO-8859-1"?>' + protocol(EMPTY.format("i")),
-        "1: encoding 'ISO-8859-1' is not UTF-8",
-    ),
-]
+}  # fmt: skip
 
 MISUSE: list[tuple[list[str], str]] = [
     ([], "no output folder"),
@@ -151,12 +107,21 @@ class CommandTest(FolderTest):
         path.write_text(text, encoding="utf-8")
         return path
 
+    def describe_empty(self, *names: str) -> list[Path]:
+        """Writes descriptions of protocols of these names, each with one interface."""
+        return [self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml") for name in names]
+
     def assert_fails(self, done: "subprocess.CompletedProcess[str]", message: str) -> None:
         self.assertEqual((done.returncode, done.stdout, done.stderr), (1, "", message + "\n"))
 
+    def assert_compiles(self, path: Path) -> None:
+        self.assertEqual(generate(self.out, [path]).returncode, 0)
+        (self.out / "check.c").write_text('#include "p-protocol.h"\n')
+        self.compile(self.out, ["check.c", "p-protocol.c"])
+
     def test_unusable_descriptions_are_refused_by_line(self) -> None:
-        for text, message in UNUSABLE:
-            with self.subTest(text):
+        for message, text in UNUSABLE.items():
+            with self.subTest(message):
                 path = self.describe(text)
                 self.assert_fails(generate(self.out, [path]), f"{path}:{message}")
                 self.assertFalse(self.out.exists())
@@ -168,10 +133,7 @@ class CommandTest(FolderTest):
         done = generate(self.out, [good, good])
         self.assertRegex(done.stderr, f"^{good}:2: protocol 'wayland' is already described in ")
         # The umbrella header of the one would be the client header of the other.
-        files = [
-            self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml")
-            for name in ("a", "a_client")
-        ]
+        files = self.describe_empty("a", "a_client")
         self.assert_fails(
             generate(self.out, files),
             f"{files[1]}:1: its file 'a-client-protocol.h' would replace that of protocol 'a'",
@@ -182,10 +144,8 @@ class CommandTest(FolderTest):
         for arguments, message in MISUSE:
             with self.subTest(arguments):
                 done = subprocess.run([GENERATOR, *arguments], capture_output=True, text=True)
-                self.assertEqual(
-                    (done.returncode, done.stderr),
-                    (2, f"varn_wayland: {message}\nTry 'varn_wayland --help'.\n"),
-                )
+                text = f"varn_wayland: {message}\nTry 'varn_wayland --help'.\n"
+                self.assertEqual((done.returncode, done.stderr), (2, text))
 
     def test_a_failed_run_leaves_the_folder_as_it_was(self) -> None:
         self.assertEqual(generate(self.out, descriptions()[1:2]).returncode, 0)
@@ -203,28 +163,18 @@ class CommandTest(FolderTest):
 
     def test_places_that_cannot_be_written(self) -> None:
         path = self.describe(protocol(EMPTY.format("i")))
-        self.assert_fails(
-            generate(path / "out", [path]), f"varn_wayland: {path}/out: Not a directory"
-        )
+        done = generate(path / "out", [path])
+        self.assert_fails(done, f"varn_wayland: {path}/out: Not a directory")
         with open("/dev/full", "w", encoding="utf-8") as full:
-            done = subprocess.run(
-                [GENERATOR, "-o", self.out, path], stdout=full, stderr=subprocess.PIPE, text=True
-            )
-        self.assertEqual(
-            (done.returncode, done.stderr),
-            (1, "varn_wayland: standard output: No space left on device\n"),
-        )
-
-    def test_messages_that_nobody_can_read_change_nothing(self) -> None:
-        files = [
-            self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml") for name in ("p", "P")
-        ]
-        with open("/dev/full", "w", encoding="utf-8") as full:
-            runs: list[tuple[list[Path], int]] = [(files, 0), ([self.folder], 1), ([], 2)]
+            done = generate(self.out, [path], stdout=full)
+            text = "varn_wayland: standard output: No space left on device\n"
+            self.assertEqual((done.returncode, done.stderr), (1, text))
+            # Messages that nobody can read change nothing.
+            runs: list[tuple[list[Path], int]] = [
+                (self.describe_empty("p", "P"), 0), ([self.folder], 1), ([], 2),
+            ]  # fmt: skip
             for inputs, status in runs:
-                command = [GENERATOR, "-o", str(self.out), *map(str, inputs)]
-                done = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=full)
-                self.assertEqual(done.returncode, status)
+                self.assertEqual(generate(self.out, inputs, stderr=full).returncode, status)
 
     def test_runs_are_equal_to_the_byte_and_as_their_table_says(self) -> None:
         again = self.folder / "again"
@@ -241,10 +191,7 @@ class CommandTest(FolderTest):
         self.assertEqual(int(rows[-1][3]), sum(sizes.values()))
 
     def test_names_that_differ_in_case_only_are_warned_of(self) -> None:
-        files = [
-            self.describe(protocol(EMPTY.format("i"), name), f"{name}.xml") for name in ("p", "P")
-        ]
-        done = generate(self.out, files)
+        done = generate(self.out, self.describe_empty("p", "P"))
         self.assertEqual(done.returncode, 0)
         self.assertEqual(done.stderr.count("warning:\n-->"), 5)
         self.assertIn("p-protocol.c", done.stderr)
@@ -257,9 +204,7 @@ class CommandTest(FolderTest):
         messages += f'<event name="e">{arguments}</event>'
         interfaces = [f'<interface name="{i}" version="1">{messages}</interface>' for i in names]
         path = self.describe(protocol("".join(interfaces)))
-        self.assertEqual(generate(self.out, [path]).returncode, 0)
-        (self.out / "check.c").write_text('#include "p-protocol.h"\n')
-        self.compile(self.out, ["check.c", "p-protocol.c"])
+        self.assert_compiles(path)
 
     def test_hostile_text_stays_in_comments(self) -> None:
         hostile = "*/\n#error injected\n/* ??/\n*&#8238;/ *\\\n/ /*/ \x7f&#12;\n#error injected\n"
@@ -274,9 +219,7 @@ class CommandTest(FolderTest):
         path = self.describe(
             f'<protocol name="p"><copyright>{hostile}</copyright>{description}{body}</protocol>'
         )
-        self.assertEqual(generate(self.out, [path]).returncode, 0)
-        (self.out / "check.c").write_text('#include "p-protocol.h"\n')
-        self.compile(self.out, ["check.c", "p-protocol.c"])
+        self.assert_compiles(path)
 
 
 if __name__ == "__main__":

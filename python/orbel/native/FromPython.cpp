@@ -15,6 +15,8 @@ namespace orbel::python {
 namespace {
 
 constexpr int deepestNesting = 64;
+// Lists within lists may hold one list many times over: what they come to is bounded.
+constexpr std::size_t mostNestedElements = 1'000'000;
 
 // A list whose elements are being converted, and the lists around it.
 struct Nesting {
@@ -24,10 +26,12 @@ struct Nesting {
   int depth;
 };
 
-// A value on its way: where it goes, and in which lists it stands.
+// A value on its way: where it goes, in which lists it stands, and how many elements the lists
+// within lists have had so far.
 struct Position {
   const Place& place;
   const Nesting* nesting;
+  std::size_t& nestedElements;
 
   [[noreturn]] void refuse(const std::string& reason) const {
     const std::string element =
@@ -76,11 +80,16 @@ Value cells(PyObject* list, const Position& position) {
     position.refuse("is a list nested too deep");
   }
   std::vector<Value> elements;
-  elements.reserve(sizeOf(list));
+  if (outer == nullptr) {
+    elements.reserve(sizeOf(list));
+  }
   for (; nesting.element < sizeOf(list); ++nesting.element) {
+    if (outer != nullptr && ++position.nestedElements > mostNestedElements) {
+      position.refuse("holds more than 1000000 elements in lists within lists");
+    }
     const auto item = pybind11::reinterpret_borrow<pybind11::object>(
         PySequence_Fast_GET_ITEM(list, static_cast<Py_ssize_t>(nesting.element)));
-    elements.push_back(convert(item.ptr(), {position.place, &nesting}));
+    elements.push_back(convert(item.ptr(), {position.place, &nesting, position.nestedElements}));
   }
   return Value(CellArray(std::move(elements)));
 }
@@ -91,7 +100,7 @@ Value strings(PyObject* texts, const Position& position) {
   elements.reserve(sizeOf(texts));
   for (; nesting.element < sizeOf(texts); ++nesting.element) {
     PyObject* const item = PyTuple_GET_ITEM(texts, static_cast<Py_ssize_t>(nesting.element));
-    const Position inside{position.place, &nesting};
+    const Position inside{position.place, &nesting, position.nestedElements};
     if (!PyUnicode_Check(item) && !PyBytes_Check(item)) {
       inside.refuse("cannot be of the type " + std::string(Py_TYPE(item)->tp_name));
     }
@@ -135,7 +144,10 @@ std::string Place::text() const {
                         : "argument " + std::to_string(position_) + " of " + callee_;
 }
 
-Value fromPython(PyObject* object, const Place& place) { return convert(object, {place, nullptr}); }
+Value fromPython(PyObject* object, const Place& place) {
+  std::size_t nestedElements = 0;
+  return convert(object, {place, nullptr, nestedElements});
+}
 
 Value constructObject(const ClassInfo& info, PyObject* arguments) {
   std::vector<Value> values;

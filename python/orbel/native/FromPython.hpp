@@ -36,7 +36,8 @@ class Place {
 //
 // Subclasses of these count as what they derive from, and none of their own code runs. Anything
 // else, an int outside its range, a text with a lone surrogate that stands for no byte (Text.hpp),
-// and a list that contains itself or nests more than 64 deep is a TypeError that names `place`.
+// and a list that contains itself, nests more than 64 deep or holds more than a million elements in
+// lists within lists is a TypeError that names `place`.
 Value fromPython(PyObject* object, const Place& place);
 
 // A new object of the class `info` from a tuple of arguments, on behalf of the public client.

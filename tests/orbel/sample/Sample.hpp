@@ -1,13 +1,13 @@
-// A small library of boxes with items, as a module would expose it.
+// A small library of boxes with items, as a module would expose it; some of its names are Python's.
 #ifndef ORBEL_TESTS_SAMPLE_HPP
 #define ORBEL_TESTS_SAMPLE_HPP
 
 #include <array>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <orbel/Diagnostics.hpp>
 #include <orbel/HandleClass.hpp>
 #include <orbel/IndexGuard.hpp>
 #include <orbel/PackageInfo.hpp>
@@ -83,9 +83,7 @@ class Box : public Item {
   Item& first() { return *items_.front(); }
   const Item& first() const { return *items_.front(); }
   void clear() { items_.clear(); }
-  void fail(const std::string& why) {
-    throw orbel::HostException(orbel::MessageRecord("Sample", "Failed", {why}), why);
-  }
+  void fail(const std::string& why) { throw std::runtime_error(why); }
 
  private:
   std::vector<std::unique_ptr<Item>> items_;
@@ -99,7 +97,6 @@ class Item final : public orbel::HandleClass<sample::Item> {
   using HandleClass::HandleClass;
   bool exposesLibraryObjects() const override { return true; }
   void define() override {
-    ++definitions;
     addSuperclass("orbel.mixin.Heterogeneous", false);
     addProperty("Label", &sample::Item::label, &sample::Item::setLabel);
     addProperty("WideLabel", &sample::Item::wideLabel);
@@ -110,7 +107,6 @@ class Item final : public orbel::HandleClass<sample::Item> {
     addMethod("describe", {"char", "Sample.Item"}, &sample::Item::describe);
     addConstructor<>({});
   }
-  static inline int definitions = 0;
 };
 
 class Box final : public orbel::HandleClass<sample::Box> {
@@ -118,9 +114,14 @@ class Box final : public orbel::HandleClass<sample::Box> {
   using HandleClass::HandleClass;
   bool exposesLibraryObjects() const override { return true; }
   void define() override {
+    // In an order that Python does not allow for bases.
+    addSuperclass("orbel.mixin.Heterogeneous", false);
     addSuperclass("Sample.Item", true);
+    addProperty("__len__", &sample::Box::count);
     addObjectProperty("List", "Sample.Item", &sample::Box::list);
     addMethod("add", {"Sample.Item", "Sample.Box", "char vector"}, &sample::Box::add);
+    addMethod("import", {"Sample.Item", "Sample.Box", "char"}, &sample::Box::add);
+    addMethod("import_", {"void", "Sample.Box"}, &sample::Box::clear);
     addMethod("find", {"Sample.Item", "Sample.Box", "char"}, &sample::Box::find);
     addMethod("labelAt", {"char", "Sample.Box", "uint32 scalar"}, &sample::Box::labelAt,
               orbel::oneBasedIndex(&sample::Box::count));
@@ -147,6 +148,7 @@ class Shape final : public orbel::HandleClass<sample::Item> {
 class Package final : public orbel::PackageInfo {
  public:
   std::string getName() const override { return "Sample"; }
+  std::string getDescription() const override { return "Boxes and items"; }
   void registerClasses(orbel::ClassRegistrar& registrar) override {
     registrar.addClass(std::make_unique<mi::Item>("Item", "Something to keep"));
     registrar.addClass(std::make_unique<mi::Box>("Box", "Keeps items"));

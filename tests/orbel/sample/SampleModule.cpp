@@ -3,6 +3,16 @@
 
 #include "Sample.hpp"
 
+namespace {
+
+orbel::Value living(orbel::Arguments /*arguments*/) {
+  return orbel::Value(static_cast<std::uint32_t>(sample::Item::alive));
+}
+
+orbel::Value echo(orbel::Arguments arguments) { return arguments[0]; }
+
+}  // namespace
+
 // NOLINTBEGIN(readability-identifier-naming): the host looks these names up
 extern "C" {
 ORBEL_EXPORT extern const char* const orbel_sample_version;
@@ -22,9 +32,14 @@ ORBEL_EXPORT void OrbelTerminate_orbel_sample() {
 }
 
 ORBEL_EXPORT const orbel::FunctionTable* QueryOrbelFcnTable_orbel_sample() {
-  static const orbel::FunctionEntry entries[] = {{nullptr, nullptr}};
+  static const orbel::FunctionEntry entries[] = {
+      {"living", living}, {"echo", echo}, {nullptr, nullptr}};
   static const orbel::FunctionTable table{entries};
   return &table;
 }
+
+// A box that the library keeps, for clients that hold objects in C++.
+ORBEL_EXPORT orbel::HandleBase* makeLibraryBox() { return new sample::Box("kept by the library"); }
+ORBEL_EXPORT void deleteLibraryBox(orbel::HandleBase* box) { delete box; }
 }
 // NOLINTEND(readability-identifier-naming)
