@@ -13,11 +13,11 @@ from orv.suggestions import did_you_mean
 
 @dataclass
 class _CustomSection:
-    """What is known of one custom section; it may be filled before it is declared."""
+    """What is known of one custom section; it may be declared after all else."""
 
     builtin: str = ""
     first_fill: Position | None = None
-    in_use: bool = False
+    in_use: Position | None = None
     placed: bool = False
     early_text: list[str] = field(default_factory=list)
 
@@ -43,7 +43,9 @@ class CustomSections:
             self._repository.fill_custom(file, name, text)
 
     def fill(self, file: int, name: str, text: str) -> None:
-        """Add text to the custom section, which may be declared later."""
+        """Add text to the custom section, which may be declared later. No text changes nothing."""
+        if not text:
+            return
         if "\0" in text:
             raise OrvError(f'the custom section "{name}" cannot hold the place of another one')
         section = self._section(file, name)
@@ -56,7 +58,8 @@ class CustomSections:
     def mark_in_use(self, file: int, name: str) -> None:
         """Say that the templates see to the custom section themselves."""
         self._repository.mark_custom_in_use(file, name)
-        self._section(file, name).in_use = True
+        section = self._section(file, name)
+        section.in_use = section.in_use or here()
 
     def retrieve(self, file: int, name: str, requester: str) -> str:
         """The text of a custom section, which is handed out once."""
@@ -73,16 +76,19 @@ class CustomSections:
         return text
 
     def require_declared(self) -> None:
-        """Fail when text was given to a custom section that does not exist."""
+        """Fail when a custom section was filled or is in use that does not exist."""
         for (file, name), section in self._sections.items():
-            if section.first_fill is not None and not section.builtin:
-                file_name = self._repository.get_attribute(file, "Name")
-                known = [n for (owner, n), s in self._sections.items() if owner == file and s.builtin]
-                raise Located(
-                    f'{section.first_fill}: the custom section "{name}" of "{file_name}" is filled'
-                    " but never declared"
-                    + (did_you_mean(name, known) or f': {{% custom "{name}" on "SECTION" %}}')
-                )
+            if section.builtin:
+                continue
+            place = section.first_fill or section.in_use
+            done = "filled" if section.first_fill else "marked as in use"
+            file_name = self._repository.get_attribute(file, "Name")
+            known = [n for (owner, n), s in self._sections.items() if owner == file and s.builtin]
+            hint = did_you_mean(name, known) or f': {{% custom "{name}" on "SECTION" %}}'
+            raise Located(
+                f'{place}: the custom section "{name}" of "{file_name}" is {done} but never'
+                f" declared{hint}"
+            )
 
     def report_never_placed(self) -> None:
         """Report the custom sections whose text goes nowhere."""

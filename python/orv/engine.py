@@ -15,14 +15,14 @@ from orv.errors import OrvError, TemplateError
 from orv.extension import outside_text
 from orv.messages import Located, Messages
 from orv.run import Run
-from orv.statements import LocatedError
 
 
 class RecordingLoader(BaseLoader):
     """Loads templates from folders and keeps the files it has read."""
 
     def __init__(self, folders: Sequence[str]) -> None:
-        self._loader = FileSystemLoader(folders, encoding="utf-8")
+        # A byte order mark is none of the template's text.
+        self._loader = FileSystemLoader(folders, encoding="utf-8-sig")
         self.folders = list(folders)
         self.files: list[str] = []
 
@@ -46,7 +46,8 @@ def render(
 ) -> Run:
     """Render the template called `template` with the variables of `model`, and finish the run.
 
-    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the line that is to blame.
+    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the
+    line that is to blame.
     """
     run = Run(messages)
     environment = Environment(run, loader)
@@ -57,7 +58,7 @@ def render(
                 step()
             if piece and not piece.isspace():
                 text = run.placements.readable(piece)
-                raise LocatedError(_known(environment.output_position()), outside_text(text))
+                raise Located(f"{_known(environment.output_position())}: {outside_text(text)}")
         run.finish()
     except (Located, TemplateError):
         raise
@@ -73,8 +74,6 @@ def _template_error(error: Exception, loader: BaseLoader) -> TemplateError:
 
 
 def _position(error: Exception) -> positions.Position | None:
-    if isinstance(error, LocatedError):
-        return error.position
     if isinstance(error, TemplateSyntaxError):
         return positions.Position(
             positions.template_label(error.name, error.filename), error.lineno
@@ -90,6 +89,11 @@ def _describe(error: Exception, loader: BaseLoader) -> str:
         return f"there is no template {shown}" + (f" in {folders}" if folders else "")
     if isinstance(error, RecursionError):
         return "macros or templates call each other without end"
+    if isinstance(error, SyntaxError):
+        return (
+            f"the template {error.filename} nests its tags too deeply ({error.msg}); put the inner"
+            " ones into a macro or a template of their own"
+        )
     if isinstance(error, MemoryError):
         return "the memory is exhausted"
     if isinstance(error, TemplateSyntaxError):

@@ -22,6 +22,9 @@ _KINDS = (
     "module_source", "packaging",
 )  # fmt: skip
 
+# The statements that may print whatever others define.
+_PRINTING = (nodes.Block, nodes.CallBlock, nodes.Include)
+
 
 class PackagingTags(Extension):
     """The tags that put text into the sections of files."""
@@ -164,8 +167,13 @@ def _guard(parser: Parser, body: list[nodes.Node]) -> None:
             _guard(parser, node.else_)
         elif isinstance(node, (nodes.With, nodes.Scope, nodes.ScopedEvalContextModifier)):
             _guard(parser, node.body)
-        elif isinstance(node, (nodes.CallBlock, nodes.Include)) or _is_plain_filter(node):
+        elif isinstance(node, _PRINTING) or _is_plain_filter(node):
             body[position] = nodes.FilterBlock([node], _outside(None, node), lineno=node.lineno)
+
+
+def is_guarded_block(node: nodes.FilterBlock) -> bool:
+    """Whether the filter is there to watch what one block prints in the body of a file."""
+    return node.filter.name == "orv outside" and isinstance(node.body[0], nodes.Block)
 
 
 def _is_plain_filter(node: nodes.Node) -> bool:

@@ -86,11 +86,14 @@ class FileTable:
 
     def names(self) -> list[str]:
         """The names of all files, in the order they were made."""
-        return [str(self._repository.get_attribute(i, "Name")) for i in range(len(self._repository))]
+        files = range(len(self._repository))
+        return [str(self._repository.get_attribute(file, "Name")) for file in files]
 
     def select(self, name: str | None, kind: str | None, arguments: Sequence[object]) -> int:
         """The file that a `file` tag means, made now unless it is there."""
         if kind == "packaging":
+            if name is not None:
+                raise OrvError("packaging takes no name; give the file a BaseName")
             return self._by_packaging_key(arguments)
         if kind in ("module_header", "module_source"):
             return self._module(name, kind, _module_indices(arguments))
@@ -241,13 +244,17 @@ class FileTable:
     def _set_attribute(self, file: int, name: str, value: object) -> None:
         kind = self._repository.attribute_kind(name)
         if not kind:
-            raise OrvError(f'files have no attribute "{name}"' + did_you_mean(name, SETTABLE_ATTRIBUTES))
+            hint = did_you_mean(name, SETTABLE_ATTRIBUTES)
+            raise OrvError(f'files have no attribute "{name}"{hint}')
+        if name in FIXED_ATTRIBUTES:
+            raise OrvError(f"{name} cannot be set: a file keeps the name that declared it")
         if kind == "list":
             for element in value if isinstance(value, (list, tuple)) else [value]:
                 self._repository.set_attribute(file, name, _text(name, element))
             return
         if kind == "text":
             self._require_group(file, name, _text(name, value))
+            self._report_move(file, name, _text(name, value))
             self._repository.set_attribute(file, name, _text(name, value))
             return
         if not isinstance(value, bool):
@@ -255,6 +262,15 @@ class FileTable:
         if name == "IsEmpty" and value and not self._repository.get_attribute(file, "IsEmpty"):
             raise OrvError(f"the file {self.label(file)} is not empty and cannot be made so")
         self._repository.set_attribute(file, name, value)
+
+    def _report_move(self, file: int, name: str, value: str) -> None:
+        folder = self._repository.get_attribute(file, "OutputDirectory")
+        if name == "OutputDirectory" and folder and folder != value:
+            self._messages.warn(
+                f'the file {self.label(file)} had the OutputDirectory "{folder}" and has "{value}"'
+                " from now on",
+                here(),
+            )
 
     def _require_group(self, file: int, name: str, value: str) -> None:
         group = self._repository.get_attribute(file, "Group")

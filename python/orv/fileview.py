@@ -33,14 +33,14 @@ class FileView:
     @property
     def functions(self) -> list[str]:
         """The names of the functions in the order they were added."""
-        return self._run.repository.function_names(self._index)
+        return self._run.function_names(self._index)
 
     def __getattr__(self, name: str) -> str | bool | list[str]:
         if not name[:1].isupper():
             raise AttributeError(name)
         repository = self._run.repository
         if repository.attribute_kind(name):
-            return repository.get_attribute(self._index, name)
+            return self._run.attribute(self._index, name)
         if name in _native.SECTION_NAMES:
             return self._run.section_text(self._index, name)
         from orv.files import ATTRIBUTES

@@ -50,15 +50,15 @@ def compose(run: Run, file: int) -> ComposedFile:
     guard = _guard_macro(run, file) if header else ""
     stream = _native.Stream.in_memory()
     sizes: dict[str, int] = {}
-    is_open = not guard
+    is_open = False
     for section in _order(run, file, header):
-        if not is_open and section != "Banner":
+        if guard and not is_open and section != "Banner":
             stream.write(f"#ifndef {guard}\n#define {guard}\n\n".encode())
             is_open = True
         size = stream.write_section(run.repository, file, section)
         if size:
             sizes[section] = size
-    if guard:
+    if is_open:
         stream.write(f"\n#endif /* {guard} */\n".encode())
     data = stream.contents()
     stream.close()
@@ -71,18 +71,14 @@ def _order(run: Run, file: int, header: bool) -> tuple[str, ...]:
         return HEADER_ORDER if header else SOURCE_ORDER
     for section in run.repository.section_names(file):
         if section not in record.order and run.repository.section_text(file, section):
-            raise OutputError(
-                f'its order leaves out the section "{section}", which has text'
-            )
+            raise OutputError(f'its order leaves out the section "{section}", which has text')
     return record.order
 
 
 def _guard_macro(run: Run, file: int) -> str:
     macro = _text(run, file, "DefinedMacro")
     if macro and not _IDENTIFIER.fullmatch(macro):
-        raise OutputError(
-            f'its DefinedMacro "{macro}" is no identifier'
-        )
+        raise OutputError(f'its DefinedMacro "{macro}" is no identifier')
     return macro
 
 

@@ -27,12 +27,21 @@ class Run:
 
     def section_text(self, file: int, section: str) -> str:
         """The section's text as it stands; an error while part of it waits for a custom section."""
-        if self.sink.is_deferred(file, section):
-            raise OrvError(
-                f'the text of section "{section}" waits for a custom section that is placed in it;'
-                " it cannot be read before the end"
-            )
+        self._require_text(file, section)
         return self.repository.section_text(file, section)
+
+    def function_names(self, file: int) -> list[str]:
+        """The names of the functions; an error while one of them waits for a custom section."""
+        self._require_text(file, "Functions")
+        return self.repository.function_names(file)
+
+    def attribute(self, file: int, name: str) -> str | bool | list[str]:
+        """The attribute; an error for IsEmpty while the file's first text waits."""
+        value = self.repository.get_attribute(file, name)
+        if name == "IsEmpty" and value:
+            for section in self.repository.section_names(file):
+                self._require_text(file, section)
+        return value
 
     def finish(self) -> None:
         """Put every custom section where it belongs. Nothing may be added by templates after."""
@@ -44,6 +53,13 @@ class Run:
         self.custom.report_never_placed()
         for file in self.custom.filled_files():
             self.repository.place_custom_sections(file)
+
+    def _require_text(self, file: int, section: str) -> None:
+        if self.sink.is_deferred(file, section):
+            raise OrvError(
+                f'the text of section "{section}" waits for a custom section that is placed in it;'
+                " it cannot be read before the end"
+            )
 
     def _add(self, waiting: WaitingText) -> None:
         pieces = self.placements.split(waiting.text)

@@ -3,17 +3,26 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Mapping, Sequence
-from typing import Any, NoReturn
+from typing import Any, NamedTuple, NoReturn
 
 from jinja2 import pass_context
 
 from orv.errors import OrvError
 from orv.extension import outside_text
 from orv.fileview import FileView
+from orv.messages import Located
 from orv.positions import Position
+from orv.printable import printable
 from orv.run import Run
 
 Filter = Callable[..., Any]
+
+
+class IncludedText(NamedTuple):
+    """The first text that a template printed and where, if it is known."""
+
+    position: Position | None
+    text: str
 
 
 class Statements:
@@ -22,8 +31,8 @@ class Statements:
     def __init__(self, run: Run) -> None:
         self._run = run
         self._enclosing: list[int] = []
-        # Where the text of the last included template began, if it printed any.
-        self.included_text: Position | None = None
+        # How the text of the last included template began, if it printed any.
+        self.included_text: IncludedText | None = None
 
     def filters(self) -> dict[str, Filter]:
         """The filters that the tags are compiled to, by name."""
@@ -113,11 +122,13 @@ class Statements:
         self._run.repository.add_include(index, header.strip("<>"), is_system)
 
     def _outside(self, value: object) -> str:
-        text = str(value)
-        position, self.included_text = self.included_text, None
+        text = str(printable(value))
+        included, self.included_text = self.included_text, None
         if text and not text.isspace():
             complaint = outside_text(self._run.placements.readable(text))
-            raise OrvError(complaint) if position is None else LocatedError(position, complaint)
+            if included is not None and text.lstrip().startswith(included.text.strip()):
+                raise Located(f"{included.position}: {complaint}")
+            raise OrvError(complaint)
         return text
 
     def _fail(self, message: object) -> NoReturn:
@@ -145,14 +156,6 @@ class Statements:
                 ' or say which file it is for: of "NAME"'
             )
         return self._run.sink.current
-
-
-class LocatedError(OrvError):
-    """An error at a line that is not the one being run."""
-
-    def __init__(self, position: Position, message: str) -> None:
-        super().__init__(message)
-        self.position = position
 
 
 def _run_time_only(operation: Filter) -> Filter:

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+from datetime import date
+
 import pytest
 from conftest import files_of
 
@@ -43,6 +45,18 @@ RESULTS = {
         },
         {"a.c": "<x>\n"},
     ),
+    "blocks that a file in a section and a middle template leave open": (
+        {
+            "main.j2": '{% extends "c.j2" %}{% block b %}{% block d %}x{% endblock %}'
+            "{{ self.e() }}{% endblock %}{% block e %}y{% endblock %}",
+            "c.j2": '{% extends "b.j2" %}{% block a %}{% section "Enums" %}{% block b %}'
+            "{% endblock %}{% endsection %}{% endblock %}",
+            "b.j2": '{% file "a.c" %}{% section "Functions" %}{% file "b.c" %}{% for n in [1] %}'
+            "{% block a scoped %}{% endblock %}{% endfor %}{% endfile %}{% endsection %}"
+            "{% endfile %}",
+        },
+        {"b.c": "xy\n"},
+    ),
     "custom sections in another file, placed twice removed": (
         '{% file "a.c" %}{% endfile %}{% file "b.h" %}{% endfile %}'
         '{% custom "c" on "Types" of "a.c" %}{% fill "c" of file("a.c") %}1\n{% endfill %}'
@@ -59,7 +73,8 @@ RESULTS = {
     "empty files and empty text are not written": (
         '{% file "a.c" %}{% section "Defines" %}{% endsection %}{% endfile %}'
         '{% file "b.c" %}{% include_required "x.h" %}{% endfile %}'
-        '{% file "c.c" IsEmpty=false %}{% endfile %}',
+        '{% file "c.c" IsEmpty=false %}{% endfile %}{% file "d.c" %}{% function "f" %}'
+        '{% endfunction %}{% custom "c" on "Enums" %}{% fill "c" %}{% endfill %}{% endfile %}',
         {"c.c": ""},
     ),
     "attributes, flags and lists read back": (
@@ -71,6 +86,11 @@ RESULTS = {
     "entries of a model go before methods": (
         '{% file "a.c" %}{% section "Banner" %}{{ m.items }}{% endsection %}{% endfile %}',
         {"a.c": "7\n"},
+    ),
+    "guard that is never opened": (
+        '{% file "a.h" DefinedMacro="A_H" order=["Banner"] %}{% section "Banner" %}b'
+        "{% endsection %}{% endfile %}",
+        {"a.h": "b\n"},
     ),
     "crlf and no newline at the end": (
         '{% file "a.c" %}\r\n{% section "Banner" %}\r\nx{% endsection %}\r\n{% endfile %}',
@@ -96,6 +116,23 @@ ERRORS: dict[str, str | dict[str, str]] = {
         {"main.j2": '{% file "a" %}{% include "i" %}{% endfile %}', "i": "\n\ny"},
     f'i:3: {LOST}"x"{PUT_IT}': {"main.j2": '{% import "i" as i %}', "i": "\n\nx"},
     f'main.j2:3: {LOST}"x"{PUT_IT}': {"main.j2": '{% extends "b" %}\n\n x', "b": ""},
+    f'main.j2:3: {LOST}"a"{PUT_IT}':
+        {"main.j2": '{% if true %}{% extends "b" %}{% endif %}\n\n a', "b": ""},
+    f'i:3: {LOST}"a"{PUT_IT}':
+        {"main.j2": '{% macro m() %}{% from "i" import x with context %}{% endmacro %}{{ m() }}',
+         "i": "\n\na"},
+    'main.j2:2: no template that this one extends has a block "typo"; did you mean "type"?':
+        {"main.j2": '{% extends "c" %}\n{% block typo %}x{% endblock %}',
+         "c": '{% extends "b" %}{% block inner %}{% endblock %}',
+         "b": "{% block inner %}{% endblock %}{% block type %}{% endblock %}"},
+    f'main.j2:3: {LOST}"b"{PUT_IT}':
+        {"main.j2": '{% extends "b" %}\n{% block c %}\nb{% endblock %}',
+         "b": '{% file "a" %}{% section "Enums" %}{% file "b" %}{% block c %}{% endblock %}'
+         "{% endfile %}{% endsection %}{% endfile %}"},
+    f'main.j2:2: {LOST}"y"{PUT_IT}':
+        {"main.j2": '{% file "a" %}{% set x %}{% include "i" %}{% endset %}\n{{ "y" }}'
+         "{% endfile %}",
+         "i": "x"},
     "main.j2:3: a template that extends another prints nothing outside its blocks; put this"
     " into a block":
         {"main.j2": '{% extends "b" %}\n\n {{ m.x }}', "b": ""},
@@ -145,6 +182,23 @@ ERRORS: dict[str, str | dict[str, str]] = {
     " it cannot be read before the end":
         '{% file "a" %}{% custom "c" on "Defines" %}{% section "Enums" %}{% place "c" %}'
         '{% endsection %}\n{% set x = file().Enums %}{% endfile %}',
+    'main.j2:2: the text of section "Functions" waits for a custom section that is placed in it;'
+    " it cannot be read before the end":
+        '{% file "a" %}{% custom "c" on "Defines" %}{% function "f" %}{% place "c" %}'
+        '{% endfunction %}\n{% set x = file().functions %}{% endfile %}',
+    'main.j2:2: the custom section "case" of "a" is marked as in use but never declared; did you'
+    ' mean "cases"?':
+        '{% file "a" %}{% custom "cases" on "Enums" %}\n{% in_use "case" %}{% endfile %}',
+    "main.j2:1: packaging takes no name; give the file a BaseName":
+        '{% file "foo.c" as packaging("mdl_src") BaseName="bar" %}{% endfile %}',
+    "main.j2:1: Name cannot be set: a file keeps the name that declared it":
+        '{% file "a.c" Name="b.c" %}{% endfile %}',
+    'main.j2:2: the file "a.c" had the OutputDirectory "x" and has "y" from now on':
+        '{% file "a.c" OutputDirectory="x" %}{% endfile %}\n'
+        '{% file "a.c" OutputDirectory="y" %}{% endfile %}',
+    "the template <template> nests its tags too deeply (too many statically nested blocks);"
+    " put the inner ones into a macro or a template of their own":
+        "{% for i in [1] %}" * 25 + "{% endfor %}" * 25,
     'main.j2:1: the header "x.h" is written without quotes, or as <x.h>':
         "{% file \"a\" %}{% include_added '\"x.h\"' %}{% endfile %}",
     'main.j2:1: the file "a": its order leaves out the section "Defines", which has text':
@@ -162,6 +216,12 @@ ERRORS: dict[str, str | dict[str, str]] = {
     "main.j2:1: access to attribute 'update' of 'dict' object is unsafe.": "{{ m.update(x=2) }}",
     "main.j2:1: 1000000000 times 1 elements are too many": '{{ "x" * 10**9 }}',
     "main.j2:1: the power 9 ** 387420489 is too large": "{{ 9**(9**9) }}",
+    "main.j2:2: a value of type builtin_function_or_method has no text to print; call it with ( )":
+        '{% file "a" %}{% section "Enums" %}\n{{ ["x", [m.keys]] }}{% endsection %}{% endfile %}',
+    "main.j2:1: a value of type generator has no text to print; make it a list with |list":
+        '{% set x = m.x ~ ["a"]|map("upper") %}',
+    "main.j2:1: access to attribute 'today' of 'date' object is unsafe.": "{{ day.today() }}",
+    "main.j2:1: No filter named 'orv endfile'.": '{{ ["x"]|map("orv endfile")|list }}',
     "main.j2:1: No filter named 'random'.": "{{ [1]|random }}",
 }  # fmt: skip
 
@@ -175,7 +235,7 @@ def test_files(name: str) -> None:
 @pytest.mark.parametrize("message", ERRORS)
 def test_errors(message: str) -> None:
     with pytest.raises(OrvError) as raised:
-        files_of(ERRORS[message], {"m": {"x": 1}}, strict=True)
+        files_of(ERRORS[message], {"m": {"x": 1}, "day": date(2024, 2, 29)}, strict=True)
     assert str(raised.value) == message
 
 

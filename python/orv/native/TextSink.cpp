@@ -49,7 +49,8 @@ void TextSink::addFunctionTo(py::handle body, py::handle name, int index) {
   const auto kind = sectionKindOf(file, "Functions");
   const std::string function = textArgument(name, "a function's name");
   const std::string_view characters = utf8(body, "the body of a function");
-  if (deferIfNotReady(index, kind, body, characters, name)) return;
+  // As for a section: an empty function would make an empty file one that is written.
+  if (characters.empty() || deferIfNotReady(index, kind, body, characters, name)) return;
   dynamic_cast<Varn::FunctionsSection&>(file.getFileSection(kind))
       .addFunction(function, std::string(characters));
 }
