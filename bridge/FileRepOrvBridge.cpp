@@ -12,9 +12,15 @@
 namespace Varn {
 namespace {
 
+// Making a message takes more code than all the rest of a call, which would no longer be inlined.
+[[noreturn, gnu::noinline]] void raiseInvalidIndex(int index) { raise(InvalidFileIndex(index)); }
+[[noreturn, gnu::noinline]] void raiseInvalidAttribute(const std::string& name) {
+  raise(InvalidFileAttribute(name));
+}
+
 VarnFileSectionKind sectionKind(const std::string& name) {
   const int kind = findSectionKindByOrvName(name);
-  if (kind < 0) raise(InvalidFileAttribute(name));
+  if (kind < 0) raiseInvalidAttribute(name);
   return static_cast<VarnFileSectionKind>(kind);
 }
 
@@ -35,7 +41,7 @@ FileRepOrvBridge::~FileRepOrvBridge() = default;
 
 VarnFile& FileRepOrvBridge::getFileFromIndex(int index) const {
   const std::vector<VarnFile*>& files = repository_->getFileList();
-  if (index < 0 || static_cast<std::size_t>(index) >= files.size()) raise(InvalidFileIndex(index));
+  if (index < 0 || static_cast<std::size_t>(index) >= files.size()) raiseInvalidIndex(index);
   return *files[static_cast<std::size_t>(index)];
 }
 
@@ -43,14 +49,14 @@ const char* FileRepOrvBridge::getStringAttribute(int index, const std::string& n
   const VarnFile& file = getFileFromIndex(index);
   const AttributeRow* attribute = findAttribute(name);
   if (attribute == nullptr) return file.getFileSection(sectionKind(name)).getContent().c_str();
-  if (attribute->readString == nullptr) raise(InvalidFileAttribute(name));
+  if (attribute->readString == nullptr) raiseInvalidAttribute(name);
   return attribute->readString(file).c_str();
 }
 
 bool FileRepOrvBridge::getBooleanAttribute(int index, const std::string& name) const {
   const VarnFile& file = getFileFromIndex(index);
   const AttributeRow* attribute = findAttribute(name);
-  if (attribute == nullptr || attribute->readBoolean == nullptr) raise(InvalidFileAttribute(name));
+  if (attribute == nullptr || attribute->readBoolean == nullptr) raiseInvalidAttribute(name);
   return attribute->readBoolean(file);
 }
 
@@ -59,7 +65,7 @@ const std::vector<std::string>& FileRepOrvBridge::getStringArrayAttribute(
   const VarnFile& file = getFileFromIndex(index);
   const AttributeRow* attribute = findAttribute(name);
   if (attribute == nullptr || attribute->readStringArray == nullptr) {
-    raise(InvalidFileAttribute(name));
+    raiseInvalidAttribute(name);
   }
   return attribute->readStringArray(file);
 }
@@ -68,14 +74,14 @@ void FileRepOrvBridge::setAttribute(int index, const std::string& name, const ch
   assert(value != nullptr);
   VarnFile& file = getFileFromIndex(index);
   const AttributeRow* attribute = findAttribute(name);
-  if (attribute == nullptr || attribute->writeString == nullptr) raise(InvalidFileAttribute(name));
+  if (attribute == nullptr || attribute->writeString == nullptr) raiseInvalidAttribute(name);
   attribute->writeString(file, value);
 }
 
 void FileRepOrvBridge::setAttribute(int index, const std::string& name, bool value) {
   VarnFile& file = getFileFromIndex(index);
   const AttributeRow* attribute = findAttribute(name);
-  if (attribute == nullptr || attribute->writeBoolean == nullptr) raise(InvalidFileAttribute(name));
+  if (attribute == nullptr || attribute->writeBoolean == nullptr) raiseInvalidAttribute(name);
   attribute->writeBoolean(file, value);
 }
 
