@@ -7,10 +7,12 @@ add_library(varn_filepackaging SHARED
   sections/FunctionsSection.cpp
   sections/IncludeLines.cpp
   sections/IncludesSection.cpp
+  sections/LockedStream.cpp
   sections/SectionKindTable.cpp
   sections/StringFileSectionFragment.cpp
   sections/TableFileContentBuilder.cpp
   sections/TextPage.cpp
+  sections/TextPool.cpp
   sections/UniqueNames.cpp
   sections/VarnFileContent.cpp
   sections/VarnFileContentBuilder.cpp

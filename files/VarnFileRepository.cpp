@@ -6,6 +6,7 @@
 
 #include "files/RegisteredNames.hpp"
 #include "host/Diagnostics.hpp"
+#include "sections/TextPool.hpp"
 
 namespace Varn {
 namespace {
@@ -85,6 +86,7 @@ struct VarnFileRepository::State {
   FileRepOrvBridge bridge;
   std::string modelName;
   VarnFileNameTable nameTable;
+  TextPool pool;
   OwnedFiles files;
 
   template <typename FileClass>
@@ -92,6 +94,7 @@ struct VarnFileRepository::State {
     auto created = std::make_unique<FileClass>(name);
     FileClass& file = *created;
     const auto index = static_cast<int>(files.list().size());
+    file.usePool(pool);
     files.add(std::move(created));
     try {
       nameIndex[name] = index;

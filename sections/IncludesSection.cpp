@@ -1,4 +1,5 @@
 #include <optional>
+#include <string_view>
 
 #include <varn/IncludesSection.hpp>
 
@@ -68,7 +69,7 @@ const std::vector<std::string>& IncludesSection::getUtilityIncludes() const {
 }
 
 const std::string& IncludesSection::getContent() const {
-  const std::string& base = FileSection::getContent();
+  const std::string_view base = getContentInPlace();
   const std::vector<std::string>& required = getRequiredIncludes();
   const std::vector<std::string>& utility = getUtilityIncludes();
 

@@ -1,6 +1,6 @@
+#include <cstddef>
 #include <memory>
 
-#include <varn/FileSection.hpp>
 #include <varn/FunctionsSection.hpp>
 #include <varn/IncludesSection.hpp>
 #include <varn/TableFileContentBuilder.hpp>
@@ -11,18 +11,12 @@
 namespace Varn {
 namespace {
 
-std::unique_ptr<FileSection> makeSection(SectionClass sectionClass) {
-  switch (sectionClass) {
-    case SectionClass::Plain:
-      return std::make_unique<FileSection>();
-    case SectionClass::Includes:
-      return std::make_unique<IncludesSection>();
-    case SectionClass::Functions:
-      return std::make_unique<FunctionsSection>();
-    case SectionClass::None:
-      break;
+std::size_t countPlainSections(std::size_t fileClass) {
+  std::size_t count = 0;
+  for (const SectionKindRow& row : sectionKindTable) {
+    if (row.inFileClass[fileClass] == SectionClass::Plain) ++count;
   }
-  return nullptr;
+  return count;
 }
 
 }  // namespace
@@ -32,14 +26,24 @@ TableFileContentBuilder::TableFileContentBuilder(FileClass fileClass) : fileClas
 TableFileContentBuilder::~TableFileContentBuilder() = default;
 
 void TableFileContentBuilder::buildContent() {
-  content_ = std::make_unique<VarnFileContent>().release();
+  content_ = std::make_unique<VarnFileContent>(countPlainSections(fileClass_)).release();
 }
 
 void TableFileContentBuilder::buildSection(VarnFileSectionKind kind) {
   if (content_ == nullptr) return;
-  const SectionKindRow& row = sectionKindTable[static_cast<std::size_t>(kind)];
-  const SectionClass sectionClass = row.inFileClass[fileClass_];
-  if (sectionClass != SectionClass::None) content_->setSection(kind, makeSection(sectionClass));
+  switch (sectionKindTable[static_cast<std::size_t>(kind)].inFileClass[fileClass_]) {
+    case SectionClass::Plain:
+      content_->addPlainSection(kind);
+      break;
+    case SectionClass::Includes:
+      content_->setSection(kind, std::make_unique<IncludesSection>());
+      break;
+    case SectionClass::Functions:
+      content_->setSection(kind, std::make_unique<FunctionsSection>());
+      break;
+    case SectionClass::None:
+      break;
+  }
 }
 
 void TableFileContentBuilder::buildBannerSection() { buildSection(BANNER_SECTION); }

@@ -1,73 +1,180 @@
-#include "sections/TextPage.hpp"
-
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <deque>
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
 
+#include <boost/smart_ptr/intrusive_ref_counter.hpp>
+
+#include <varn/StringFileSectionFragment.hpp>
+#include <varn/TextPage.hpp>
+
+#include "sections/TextPool.hpp"
+
 namespace Varn {
 namespace {
 
-// Shorter pieces get no more room for their lengths than pieces of this size.
-constexpr std::size_t smallestLength = 4;
+// Most sections hold a few short pieces: a page is small at first and grows with them, by half or a
+// little more, until pages are large enough for their number not to matter.
+constexpr std::size_t firstCapacity = 48;
+constexpr std::size_t smallestGrowth = 512;
+constexpr std::size_t largestCapacity = std::size_t{64} * 1024;
+
+std::size_t capacityAfter(std::size_t capacity) {
+  return std::min(capacity + std::max(capacity / 2, smallestGrowth), largestCapacity);
+}
 
 }  // namespace
 
-boost::intrusive_ptr<TextPage> TextPage::allocate(std::size_t textCapacity,
-                                                  std::size_t pieceCapacity) {
-  void* memory = ::operator new(sizeof(TextPage) + pieceCapacity * sizeof(Length) + textCapacity);
-  return boost::intrusive_ptr<TextPage>(::new (memory) TextPage(textCapacity, pieceCapacity));
+// The head of the memory that holds the pieces.
+struct TextPage::Block : boost::intrusive_ref_counter<Block> {
+  // The pieces that were asked for as fragments: the first ones, and the bytes they take.
+  struct Fragments {
+    std::deque<StringFileSectionFragment> pieces;
+    std::size_t textSize = 0;
+  };
+
+  // A block with at least `capacity` bytes for texts and lengths.
+  static boost::intrusive_ptr<Block> make(std::size_t capacity);
+  static boost::intrusive_ptr<Block> makeIn(TextPool& pool, std::size_t capacity);
+  // A block is longer than its head, so its memory is given back without a size. It comes from the
+  // global operator new; see make().
+  // NOLINTNEXTLINE(misc-new-delete-overloads)
+  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+
+  explicit Block(std::size_t size) noexcept : capacity(static_cast<Length>(size)) {}
+
+  char* texts() { return reinterpret_cast<char*>(this + 1); }
+  // Length i stands at -1 - i.
+  Length* lengths() { return reinterpret_cast<Length*>(texts() + capacity); }
+
+  const Length capacity;
+  std::unique_ptr<Fragments> fragments;
+};
+
+boost::intrusive_ptr<TextPage::Block> TextPage::Block::make(std::size_t capacity) {
+  // Allocators round up to this.
+  constexpr std::size_t unit = 16;
+  static_assert(unit % alignof(Length) == 0);
+  capacity = (capacity + unit - 1) / unit * unit;
+  void* memory = ::operator new(sizeof(Block) + capacity);
+  return boost::intrusive_ptr<Block>(::new (memory) Block(capacity));
 }
 
-boost::intrusive_ptr<TextPage> TextPage::make(std::size_t textCapacity, std::size_t length) {
+boost::intrusive_ptr<TextPage::Block> TextPage::Block::makeIn(TextPool& pool,
+                                                              std::size_t capacity) {
+  const TextPool::Memory memory = pool.take(sizeof(Block) + capacity);
+  return boost::intrusive_ptr<Block>(::new (memory.start) Block(memory.size - sizeof(Block)));
+}
+
+TextPage::TextPage() = default;
+
+TextPage::TextPage(const TextPage& source) : block_(source.block_), extent_(source.extent_) {
+  assert(!extent_.isPooled);
+}
+
+TextPage::TextPage(TextPage&& source) noexcept { *this = std::move(source); }
+
+TextPage& TextPage::operator=(TextPage&& source) noexcept {
+  block_.swap(source.block_);
+  std::swap(extent_, source.extent_);
+  return *this;
+}
+
+TextPage::~TextPage() {
+  if (extent_.isPooled) block_.detach();
+}
+
+bool TextPage::append(const char* text, std::size_t length, TextPool* pool) {
   assert(length <= maxLength);
-  textCapacity = std::max(textCapacity, length);
-  return allocate(textCapacity, textCapacity / std::max(length, smallestLength));
+  const std::size_t size = sizeWith(length);
+  const bool fits = block_ && size <= block_->capacity && block_->use_count() == 1;
+  if (!fits && !makeRoom(size, pool)) return false;
+  std::memcpy(block_->texts() + extent_.textSize, text, length);
+  extent_.textSize += static_cast<Length>(length);
+  ++extent_.pieceCount;
+  *(block_->lengths() - extent_.pieceCount) = static_cast<Length>(length);
+  return true;
 }
 
-boost::intrusive_ptr<TextPage> TextPage::next(std::size_t textCapacity, std::size_t length) const {
-  assert(length <= maxLength);
-  textCapacity = std::max(textCapacity, length);
-  return allocate(textCapacity, piecesIn(textCapacity, length));
-}
-
-boost::intrusive_ptr<TextPage> TextPage::grown(std::size_t textCapacity, std::size_t length) {
-  assert(use_count() == 1);
-  textCapacity = std::max(textCapacity, textSize_ + length);
-  boost::intrusive_ptr<TextPage> page = allocate(textCapacity, piecesIn(textCapacity, length));
-  std::memcpy(page->lengths(), lengths(), pieceCount_ * sizeof(Length));
-  std::memcpy(page->data(), data(), textSize_);
-  page->textSize_ = textSize_;
-  page->pieceCount_ = pieceCount_;
-  page->fragments_ = std::move(fragments_);
+TextPage TextPage::next(std::size_t length) const {
+  TextPage page;
+  const bool isFull = sizeWith(length) > block_->capacity;
+  if (isFull && block_->capacity >= largestCapacity) {
+    page.block_ = Block::make(std::max(largestCapacity, page.sizeWith(length)));
+  }
   return page;
 }
 
-std::size_t TextPage::piecesIn(std::size_t textCapacity, std::size_t length) const {
-  const std::size_t count = pieceCount_ + std::size_t{1};
-  const std::size_t size = std::max(textSize_ + length, count * smallestLength);
-  return std::max(textCapacity * count * 3 / 2 / size, count) + 2;
+void TextPage::leavePool(TextPool* pool) {
+  if (extent_.isPooled) moveTo(Block::make(sizeWith(0)), false, pool);
 }
 
-void TextPage::append(const char* text, std::size_t length) {
-  assert(fits(length) && use_count() == 1);
-  std::memcpy(data() + textSize_, text, length);
-  lengths()[pieceCount_] = static_cast<Length>(length);
-  textSize_ += static_cast<Length>(length);
-  ++pieceCount_;
+void TextPage::clear(TextPool* pool) {
+  dropBlock(pool);
+  extent_ = Extent{};
+}
+
+std::string_view TextPage::text() const {
+  return block_ ? std::string_view(block_->texts(), extent_.textSize) : std::string_view();
+}
+
+std::size_t TextPage::length(std::size_t index) const {
+  assert(index < pieceCount());
+  return *(block_->lengths() - 1 - index);
 }
 
 const FileSectionFragment& TextPage::fragment(std::size_t index) const {
-  assert(index < pieceCount_);
-  if (!fragments_) fragments_ = std::make_unique<Fragments>();
-  while (fragments_->pieces.size() <= index) {
-    const std::size_t length = lengths()[fragments_->pieces.size()];
-    fragments_->pieces.emplace_back(std::string(data() + fragments_->textSize, length));
-    fragments_->textSize += length;
+  assert(index < pieceCount() && !extent_.isPooled);
+  auto& fragments = block_->fragments;
+  if (!fragments) fragments = std::make_unique<Block::Fragments>();
+  while (fragments->pieces.size() <= index) {
+    const std::size_t size = length(fragments->pieces.size());
+    fragments->pieces.emplace_back(std::string(block_->texts() + fragments->textSize, size));
+    fragments->textSize += size;
   }
-  return fragments_->pieces[index];
+  return fragments->pieces[index];
+}
+
+std::size_t TextPage::sizeWith(std::size_t length) const {
+  return extent_.textSize + length + (pieceCount() + 1) * sizeof(Length);
+}
+
+bool TextPage::makeRoom(std::size_t size, TextPool* pool) {
+  if (block_ && (block_->use_count() != 1 || block_->capacity >= largestCapacity)) return false;
+  // A text that has left the pool stays out: it may have fragments.
+  const bool mayUsePool = pool != nullptr && (!block_ || extent_.isPooled);
+  if (mayUsePool && sizeof(Block) + size <= TextPool::largestSize) {
+    moveTo(Block::makeIn(*pool, size), true, pool);
+  } else {
+    const std::size_t capacity = block_ ? capacityAfter(block_->capacity) : firstCapacity;
+    moveTo(Block::make(std::max(capacity, size)), false, pool);
+  }
+  return true;
+}
+
+void TextPage::moveTo(boost::intrusive_ptr<Block> block, bool isPooled, TextPool* pool) {
+  if (block_) {
+    const std::size_t count = pieceCount();
+    std::memcpy(block->texts(), block_->texts(), extent_.textSize);
+    std::memcpy(block->lengths() - count, block_->lengths() - count, count * sizeof(Length));
+    block->fragments = std::move(block_->fragments);
+    dropBlock(pool);
+  }
+  block_ = std::move(block);
+  extent_.isPooled = isPooled;
+}
+
+void TextPage::dropBlock(TextPool* pool) {
+  if (!extent_.isPooled) {
+    block_.reset();
+    return;
+  }
+  const std::size_t size = sizeof(Block) + block_->capacity;
+  pool->giveBack({block_.detach(), size});
 }
 
 }  // namespace Varn

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -26,11 +27,16 @@ const std::string& VarnFileContent::EmptyFileSection::getSectionFragment(
   return emptyText_;
 }
 
-VarnFileContent::VarnFileContent() = default;
+VarnFileContent::VarnFileContent(std::size_t plainSections)
+    : plainSectionCount_(static_cast<std::uint8_t>(plainSections)) {
+  assert(plainSections <= sectionKindCount);
+  if (plainSections != 0) plainSections_ = std::make_unique<FileSection[]>(plainSections);
+}
 
 VarnFileContent::VarnFileContent(const VarnFileContent& source) {
-  for (std::size_t slot = 0; slot < slotCount; ++slot) {
-    if (source.sections_[slot]) sections_[slot].reset(source.sections_[slot]->clone());
+  for (const SectionKindRow& row : sectionKindTable) {
+    if (!source.hasSection(row.kind)) continue;
+    setSection(row.kind, std::unique_ptr<FileSection>(source.getSection(row.kind).clone()));
   }
 }
 
@@ -38,13 +44,13 @@ VarnFileContent::~VarnFileContent() = default;
 
 FileSection& VarnFileContent::getSection(VarnFileSectionKind kind) {
   assert(static_cast<unsigned int>(kind) < slotCount);
-  FileSection* section = sections_[static_cast<std::size_t>(kind)].get();
+  FileSection* section = sections_[static_cast<std::size_t>(kind)];
   return section != nullptr ? *section : emptySection_;
 }
 
 const FileSection& VarnFileContent::getSection(VarnFileSectionKind kind) const {
   assert(static_cast<unsigned int>(kind) < slotCount);
-  const FileSection* section = sections_[static_cast<std::size_t>(kind)].get();
+  const FileSection* section = sections_[static_cast<std::size_t>(kind)];
   return section != nullptr ? *section : emptySection_;
 }
 
@@ -54,21 +60,45 @@ bool VarnFileContent::hasSection(VarnFileSectionKind kind) const {
 }
 
 bool VarnFileContent::isEmpty() const {
-  for (const auto& section : sections_) {
-    if (section && !section->isEmpty()) return false;
+  for (const FileSection* section : sections_) {
+    if (section != nullptr && !section->isEmpty()) return false;
   }
   return true;
 }
 
 void VarnFileContent::clearContents() {
-  for (const auto& section : sections_) {
-    if (section && !section->isEmpty()) section->clearContent();
+  for (FileSection* section : sections_) {
+    if (section != nullptr && !section->isEmpty()) section->clearContent();
+  }
+}
+
+void VarnFileContent::usePool(TextPool& pool) {
+  for (FileSection* section : sections_) {
+    if (section != nullptr) section->store_.usePool(pool);
   }
 }
 
 void VarnFileContent::setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section) {
   assert(static_cast<unsigned int>(kind) < sectionKindCount);
-  sections_[static_cast<std::size_t>(kind)] = std::move(section);
+  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
+  const auto old = std::find_if(otherSections_.begin(), otherSections_.end(),
+                                [slot](const auto& other) { return other.get() == slot; });
+  if (old != otherSections_.end()) {
+    old->swap(section);
+    slot = old->get();
+  } else {
+    otherSections_.push_back(std::move(section));
+    slot = otherSections_.back().get();
+  }
+}
+
+void VarnFileContent::addPlainSection(VarnFileSectionKind kind) {
+  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
+  if (slot != nullptr || usedPlainSections_ == plainSectionCount_) {
+    setSection(kind, std::make_unique<FileSection>());
+  } else {
+    slot = &plainSections_[usedPlainSections_++];
+  }
 }
 
 }  // namespace Varn

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include <boost/shared_ptr.hpp>
 
@@ -51,8 +52,10 @@ class VARN_EXPORT FileSection : public orbel::HandleBase {
   // Appends `fragment`, which must not be null, and shares it from now on.
   virtual void addFragment(boost::shared_ptr<FileSectionFragment> fragment);
 
-  // Writes each fragment to `stream` in order, each with one `fwrite`. The stream stays the
-  // caller's, who also checks it for errors.
+  // Writes the fragments to `stream` in order: each that came as an object with its own
+  // writeToFile(), and text that came as characters so that the stream hands on the same blocks as
+  // with one `fwrite` for each fragment. The stream stays the caller's, who also checks it for
+  // errors.
   virtual void writeToFile(FILE* stream) const;
 
   // A new section of the same class that shares this one's fragments. The caller owns it.
@@ -67,7 +70,13 @@ class VARN_EXPORT FileSection : public orbel::HandleBase {
   // `index` must be below getNumberOfSectionFragments().
   virtual const std::string& getSectionFragment(unsigned int index) const;
 
+  // The text of FileSection::getContent(), good until the section changes, and not put together
+  // when it need not be.
+  std::string_view getContentInPlace() const { return store_.wholeInPlace(); }
+
  private:
+  friend class VarnFileContent;
+
   FragmentStore store_;
 };
 

@@ -6,24 +6,24 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <boost/shared_ptr.hpp>
-#include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <varn/Export.hpp>
 #include <varn/FileSectionFragment.hpp>
+#include <varn/TextPage.hpp>
 
 namespace Varn {
-
-class TextPage;
 
 // The fragments of one section, in order. Text that the section is given as characters is packed
 // into pages; a fragment that comes as an object keeps its own place and is only ever used through
 // its virtual operations. A copy shares pages and objects.
 //
 // Operations that append either succeed or leave the store as it was. A file has a store for each
-// of its sections, most of which hold a few pieces of text or none: such a store is two pointers,
-// and one page.
+// of its sections, most of which hold a few pieces of text or none: such a store is one page, and
+// its text may share a pool with the other sections of a repository. What only few stores need, to
+// be copied or to show their fragments, takes a text out of the pool.
 class VARN_EXPORT FragmentStore {
  public:
   FragmentStore();
@@ -31,6 +31,10 @@ class VARN_EXPORT FragmentStore {
   FragmentStore(const FragmentStore& source);
   FragmentStore& operator=(const FragmentStore&) = delete;
   ~FragmentStore();
+
+  // Keeps short texts in `pool` from now on, which must outlive the store; copies of the store do
+  // not. Precondition: the store has no pool yet.
+  void usePool(TextPool& pool) { pool_ = &pool; }
 
   void append(const char* text, std::size_t length);
   // Also empties the text that whole() has returned.
@@ -45,9 +49,12 @@ class VARN_EXPORT FragmentStore {
 
   // All texts in one, put together at every call in a buffer that lives as long as the store.
   const std::string& whole() const;
+  // The same text, good until the store changes: not put together when it stands in one page.
+  std::string_view wholeInPlace() const;
 
   void print(std::ostream& os) const;
-  // One `fwrite` per fragment, the stream locked throughout.
+  // The stream stays locked throughout, and hands on the blocks that it would hand on if each
+  // fragment were written with an `fwrite` of its own.
   void write(FILE* stream) const;
 
  private:
@@ -55,16 +62,17 @@ class VARN_EXPORT FragmentStore {
   struct Rest;
 
   std::size_t sizeBeforePage() const;
-  // The page that a piece of `length` may be appended to.
-  TextPage& pageFor(std::size_t length);
   // Puts the last page among the fragments before it, so that something else can follow.
   void closePage();
   Rest& rest() const;
+  // The last page, its text no longer in the pool.
+  const TextPage& sharedPage() const;
   template <typename OnPage, typename OnFragment>
   void visit(OnPage onPage, OnFragment onFragment) const;
 
-  // The last page, if the last fragment is in one.
-  boost::intrusive_ptr<TextPage> page_;
+  TextPool* pool_ = nullptr;
+  // The last fragments, if they came as characters.
+  mutable TextPage page_;
   mutable std::unique_ptr<Rest> rest_;
 };
 

@@ -99,6 +99,11 @@ class VARN_EXPORT VarnFile : public orbel::HandleBase {
   void writeSectionToFile(VarnFileSectionKind kind, FILE* stream);
 
  private:
+  friend class VarnFileRepository;
+
+  // The file's sections keep their short texts in `pool`, which must outlive the file.
+  void usePool(TextPool& pool) { content_->usePool(pool); }
+
   std::unique_ptr<VarnFileContent> content_;
   std::u16string name_;
   std::string nameAscii_;

@@ -3,8 +3,10 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <varn/Export.hpp>
 #include <varn/FileSection.hpp>
@@ -41,8 +43,8 @@ class VARN_EXPORT VarnFileContent {
     std::string emptyText_;
   };
 
-  // No sections.
-  VarnFileContent();
+  // No sections, and memory for `plainSections` that addPlainSection() will add.
+  explicit VarnFileContent(std::size_t plainSections = 0);
   // Clones of the source's sections, each of its own class, sharing their fragments.
   VarnFileContent(const VarnFileContent& source);
   // Handles and references to sections stay good as long as the content lives: it is not assigned.
@@ -64,15 +66,29 @@ class VARN_EXPORT VarnFileContent {
   // Empties every section; lists of includes and names of functions stay.
   void clearContents();
 
-  // For builders: puts `section` in the slot of `kind`, in place of what was there.
-  // Precondition: `kind` is 0..21.
+  // For builders: put `section`, or a new FileSection, in the slot of `kind`, in place of what was
+  // there. Precondition: `kind` is 0..21.
   void setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section);
+  void addPlainSection(VarnFileSectionKind kind);
 
  private:
+  friend class VarnFile;
+
+  // The sections that are there keep their short texts in `pool`, which must outlive them.
+  void usePool(TextPool& pool);
+
   // One slot more than there are kinds; the last is never filled.
   static constexpr std::size_t slotCount = 23;
 
-  std::array<std::unique_ptr<FileSection>, slotCount> sections_;
+  // Null for the kinds that are not there.
+  std::array<FileSection*, slotCount> sections_{};
+  // Most sections of a file are plain ones. They lie side by side and come and go together; the
+  // first ones are in use.
+  std::unique_ptr<FileSection[]> plainSections_;
+  std::uint8_t plainSectionCount_ = 0;
+  std::uint8_t usedPlainSections_ = 0;
+  // The sections that were set one by one.
+  std::vector<std::unique_ptr<FileSection>> otherSections_;
   EmptyFileSection emptySection_;
 };
 

@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -21,20 +22,27 @@ long allocationsLeft = -1;
 }  // namespace
 
 // Kept out of line: inlined, one of the pair looks to the compiler like a mismatch of the other.
-// NOLINTNEXTLINE(misc-new-delete-overloads): the array and sized forms end here.
-[[gnu::noinline]] void* operator new(std::size_t size) {
+[[gnu::noinline]] void* operator new(std::size_t size, std::align_val_t alignment) {
   if (allocationsLeft == 0) throw std::bad_alloc();
-  void* memory = std::malloc(size != 0 ? size : 1);
+  const auto unit = static_cast<std::size_t>(alignment);
+  void* memory = std::aligned_alloc(unit, (size / unit + 1) * unit);
   if (memory == nullptr) throw std::bad_alloc();
   if (allocationsLeft > 0) --allocationsLeft;
   ++aliveAllocations;
   return memory;
+}
+// NOLINTNEXTLINE(misc-new-delete-overloads): the array and sized forms end here.
+void* operator new(std::size_t size) {
+  return ::operator new (size, std::align_val_t{alignof(std::max_align_t)});
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
   if (memory != nullptr) --aliveAllocations;
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { ::operator delete(memory); }
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+  ::operator delete(memory);
+}
 
 namespace Varn {
 namespace {
@@ -139,6 +147,14 @@ const Operation operations[] = {
     {"include", [](World& w) { w.includes.addInclude(longText, true); }},
     {"function", [](World& w) { w.functions.addFunction(longText, longText); }},
     {"text", [](World& w) { w.bridge.addSectionContent(0, "Functions", longText); }},
+    {"long text",
+     [](World& w) { w.bridge.addSectionContent(0, "Functions", std::string(5000, 'x').c_str()); }},
+    {"many texts",
+     [](World& w) {
+       w.bridge.clearSection(0, "Functions");
+       for (int i = 0; i < 100; ++i) w.bridge.addSectionContent(0, "Functions", longText);
+     },
+     true},
     {"first text", [](World& w) { w.bridge.addSectionContent(0, "Banner", longText); }},
     {"fragment",
      [](World& w) {
@@ -211,6 +227,26 @@ TEST_P(AllocationFailure, ChangesNothingAndLeaksNothing) {
     if (passed) return;
   }
   FAIL() << "fails for ever";
+}
+
+TEST(SectionMemory, ServesAgainWhatIsClearedClonedOrShown) {
+  World world;
+  const auto refill = [&world] {
+    for (const int count : {1, 5, 20, 60}) {
+      for (int i = 0; i < count; ++i) {
+        world.bridge.addSectionContent(0, "Functions", longText);
+        world.bridge.addSectionContent(0, "Banner", longText);
+      }
+      world.clone.reset(world.functions.clone());
+      world.functions.getFunction(0);
+      for (const char* section : {"Functions", "Banner"}) world.bridge.clearSection(0, section);
+    }
+    world.clone.reset();
+  };
+  refill();
+  const long aliveAfterOneRun = aliveAllocations;
+  for (int i = 0; i < 200; ++i) refill();
+  EXPECT_EQ(aliveAfterOneRun, aliveAllocations);
 }
 
 INSTANTIATE_TEST_SUITE_P(, AllocationFailure, testing::ValuesIn(operations), [](const auto& test) {

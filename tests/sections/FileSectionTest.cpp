@@ -1,13 +1,17 @@
-#include <array>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
 #include <varn/FileSection.hpp>
+#include <varn/FunctionsSection.hpp>
 #include <varn/StringFileSectionFragment.hpp>
+#include <varn/VarnFileRepository.hpp>
 
 #include "support/Streams.hpp"
 
@@ -94,25 +98,37 @@ TEST(FileSection, UsesAForeignFragmentThroughItsOperationsAndSharesIt) {
   EXPECT_EQ(1, fragment.use_count());
 }
 
-// Sections and, beside each, the fragments that it should hold.
+// Sections, two of them in files of a repository, and beside each the fragments that it should
+// hold.
 class RandomRun {
  public:
-  explicit RandomRun(unsigned int seed) : random_(seed) {}
+  explicit RandomRun(unsigned int seed) : random_(seed) {
+    for (const char* name : {"a.c", "b.c"}) {
+      FileSection& section = repository_->createGenericFile(name).getFunctionsSection();
+      sections_.push_back({nullptr, &dynamic_cast<FunctionsSection&>(section), {}});
+    }
+    for (int i = 0; i < 3; ++i) {
+      auto own = std::make_unique<FunctionsSection>();
+      FunctionsSection* section = own.get();
+      sections_.push_back({std::move(own), section, {}});
+    }
+  }
 
   void step() {
-    auto& [section, fragments] = sections_[below(sections_.size())];
+    auto& [own, section, fragments] = sections_[below(sections_.size())];
     const std::size_t action = below(20);
-    if (action < 9) {
+    if (action < 10) {
       const std::string text = someText();
       section->addContent(text);
       fragments.emplace_back(text.c_str());
     } else if (action < 14) {
       fragments.push_back(someText());
       section->addFragment(boost::make_shared<StringFileSectionFragment>(fragments.back()));
-    } else if (action < 19) {
-      const auto& [source, sourceFragments] = sections_[below(sections_.size())];
-      if (&source == &section) return;
-      section.reset(source->clone());
+    } else if (action < 18) {
+      const auto& [sourceOwn, source, sourceFragments] = sections_[below(sections_.size())];
+      if (source == section || !own) return;
+      own.reset(source->clone());
+      section = own.get();
       fragments = sourceFragments;
     } else {
       section->clearContent();
@@ -121,48 +137,73 @@ class RandomRun {
   }
 
   void check() {
-    for (const auto& [section, fragments] : sections_) {
+    for (const auto& [own, section, fragments] : sections_) {
       std::string text;
-      std::vector<std::string> writes;
-      for (const std::string& fragment : fragments) {
-        text += fragment;
-        if (!fragment.empty()) writes.push_back(fragment);
-      }
-      ASSERT_EQ(fragments.size(), section->getNumberOfSectionFragments());
+      for (const std::string& fragment : fragments) text += fragment;
+      ASSERT_EQ(fragments.size(), section->getNumberOfFunctions());
       ASSERT_EQ(fragments.empty(), section->isEmpty());
       ASSERT_EQ(text, section->getContent());
       ASSERT_EQ(text, printed(*section));
-      ASSERT_EQ(writes, writesOf(*section)) << "one write for each fragment";
-      if (fragments.empty()) continue;
+      checkWrites(*section, fragments);
+      if (fragments.empty() || below(4) != 0) continue;
       const auto index = static_cast<unsigned int>(below(fragments.size()));
-      ASSERT_EQ(fragments[index], section->getSectionFragment(index));
+      ASSERT_EQ(fragments[index], section->getFunction(index));
     }
+  }
+
+  void endRepository() {
+    sections_.erase(sections_.begin(), sections_.begin() + 2);
+    repository_.reset();
   }
 
  private:
   struct Checked {
-    std::unique_ptr<OpenSection> section = std::make_unique<OpenSection>();
+    // Null for a section of the repository.
+    std::unique_ptr<FunctionsSection> own;
+    FunctionsSection* section;
     std::vector<std::string> fragments;
   };
 
+  // The stream hands on the same blocks as with one fwrite for each fragment.
+  void checkWrites(const FileSection& section, const std::vector<std::string>& fragments) {
+    const Buffering bufferings[] = {{_IONBF, 0},   {_IOLBF, 512},  {_IOFBF, 100},
+                                    {_IOFBF, 256}, {_IOFBF, 1000}, {_IOFBF, 4096}};
+    const Buffering buffering = bufferings[below(std::size(bufferings))];
+    const std::string before(below(300), 'b');
+    const auto expected = writesTo(buffering, [&](FILE* stream) {
+      static_cast<void>(std::fputs(before.c_str(), stream));
+      for (const std::string& fragment : fragments) {
+        static_cast<void>(std::fwrite(fragment.data(), fragment.size(), 1, stream));
+      }
+    });
+    const auto actual = writesTo(buffering, [&](FILE* stream) {
+      static_cast<void>(std::fputs(before.c_str(), stream));
+      section.writeToFile(stream);
+    });
+    ASSERT_EQ(expected, actual) << "buffering " << buffering.mode << ", " << buffering.size;
+  }
+
   std::size_t below(std::size_t end) { return random_() % end; }
   std::string someText() {
-    const std::size_t longest[] = {40, 40, 40, 40, 40, 40, 40, 40, 5000, 300000};
+    const std::size_t longest[] = {40, 40, 40, 40, 200, 200, 200, 700, 5000, 300000};
     std::string text(below(longest[below(10)]), 'a');
     for (char& character : text) character = static_cast<char>('a' + below(26));
     if (below(8) == 0) text.insert(below(text.size() + 1), 1, '\0');
+    if (below(4) == 0) text += '\n';
     return text;
   }
 
   std::mt19937 random_;
-  std::array<Checked, 4> sections_;
+  std::unique_ptr<VarnFileRepository> repository_ = std::make_unique<VarnFileRepository>();
+  std::vector<Checked> sections_;
 };
 
 TEST(FileSection, HoldsWhatAListOfStringsWouldHold) {
   for (unsigned int seed = 1; seed <= 30; ++seed) {
     RandomRun run(seed);
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0; i < 80; ++i) {
       run.step();
+      if (i == 60) run.endRepository();
       run.check();
       ASSERT_FALSE(HasFatalFailure()) << "seed " << seed << ", step " << i;
     }

@@ -11,15 +11,22 @@
 
 namespace Varn {
 
-// An unbuffered stream that records each write as it arrives, and can be told to fail one.
+// How a stream is buffered, as std::setvbuf() takes it.
+struct Buffering {
+  int mode;
+  std::size_t size;
+};
+
+// A stream that records each write as it arrives, and can be told to fail one.
 class RecordingStream {
  public:
   // The write number `failing`, counted from 1, fails; 0 for none.
-  explicit RecordingStream(std::size_t failing = 0) : failing_(failing) {
+  explicit RecordingStream(std::size_t failing = 0, Buffering buffering = {_IONBF, 0})
+      : failing_(failing), buffer_(buffering.size) {
     cookie_io_functions_t functions{};
     functions.write = &RecordingStream::write;
     stream_ = ::fopencookie(this, "w", functions);
-    static_cast<void>(std::setvbuf(stream_, nullptr, _IONBF, 0));
+    static_cast<void>(std::setvbuf(stream_, buffer_.data(), buffering.mode, buffering.size));
   }
   RecordingStream(const RecordingStream&) = delete;
   RecordingStream& operator=(const RecordingStream&) = delete;
@@ -38,15 +45,23 @@ class RecordingStream {
 
   FILE* stream_ = nullptr;
   std::size_t failing_;
+  std::vector<char> buffer_;
   std::size_t calls_ = 0;
   std::vector<std::string> writes_;
 };
 
-// Each write of `section`.
-inline std::vector<std::string> writesOf(const FileSection& section) {
-  const RecordingStream stream;
-  section.writeToFile(stream.get());
+// Each write of a stream that `write(FILE*)` writes to.
+template <typename Write>
+std::vector<std::string> writesTo(Buffering buffering, Write write) {
+  const RecordingStream stream(0, buffering);
+  write(stream.get());
+  static_cast<void>(std::fflush(stream.get()));
   return stream.writes();
+}
+
+// Each write of `section` to an unbuffered stream.
+inline std::vector<std::string> writesOf(const FileSection& section) {
+  return writesTo({_IONBF, 0}, [&section](FILE* stream) { section.writeToFile(stream); });
 }
 
 // What `write(FILE*)` writes to a buffered stream.

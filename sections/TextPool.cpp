@@ -1,0 +1,60 @@
+#include "sections/TextPool.hpp"
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <new>
+#include <utility>
+
+#include <sys/mman.h>
+
+namespace Varn {
+namespace {
+
+// A pool grows by as much as it has, within bounds; from some size on by a huge page at a time.
+constexpr std::size_t smallestChunk = std::size_t{4} * 1024;
+constexpr std::size_t largestChunk = std::size_t{64} * 1024;
+constexpr std::size_t hugePage = std::size_t{2} * 1024 * 1024;
+
+std::size_t sizeClass(std::size_t size) {
+  return static_cast<std::size_t>(
+      std::lower_bound(TextPool::sizes.begin(), TextPool::sizes.end(), size) -
+      TextPool::sizes.begin());
+}
+
+}  // namespace
+
+TextPool::Memory TextPool::take(std::size_t size) {
+  assert(size <= largestSize);
+  const std::size_t index = sizeClass(size);
+  size = sizes[index];
+  if (FreeBlock* block = free_[index]) {
+    free_[index] = block->next;
+    return {block, size};
+  }
+  if (left_ < size) addChunk();
+  void* start = next_;
+  next_ += size;
+  left_ -= size;
+  return {start, size};
+}
+
+void TextPool::giveBack(Memory memory) {
+  FreeBlock*& head = free_[sizeClass(memory.size)];
+  head = ::new (memory.start) FreeBlock{head};
+}
+
+void TextPool::addChunk() {
+  const bool isHuge = size_ >= 2 * hugePage;
+  const std::size_t size = isHuge ? hugePage : std::clamp(size_, smallestChunk, largestChunk);
+  const std::align_val_t alignment{isHuge ? hugePage : alignof(std::max_align_t)};
+  Chunk chunk(static_cast<char*>(::operator new(size, alignment)), DeleteAligned{alignment});
+  // It is advice: without it the memory is as good, and slower to touch.
+  if (isHuge) static_cast<void>(::madvise(chunk.get(), size, MADV_HUGEPAGE));
+  chunks_.push_back(std::move(chunk));
+  next_ = chunks_.back().get();
+  left_ = size;
+  size_ += size;
+}
+
+}  // namespace Varn
