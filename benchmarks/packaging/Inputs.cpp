@@ -29,8 +29,9 @@ std::string makePiece(std::mt19937& random, std::size_t size) {
 
 }  // namespace
 
-const Scale fullScale = {false, 100'000, 1'000, 10'000, 10'000, 100'000, {10, 100, 1'000, 5'000}};
-const Scale smokeScale = {true, 1'000, 10, 20, 10, 100, {10, 50}};
+const Scale fullScale = {false,  9,      100'000, 1'000,
+                         10'000, 10'000, 100'000, {10, 100, 1'000, 5'000}};
+const Scale smokeScale = {true, 1, 1'000, 10, 20, 10, 100, {10, 50}};
 
 std::vector<std::string> makePieces(std::size_t count, std::size_t size) {
   std::mt19937 random;  // NOLINT(cert-msc51-cpp): the same sequence every time

@@ -11,6 +11,8 @@ namespace bench {
 // How large the workloads are. A smoke run is small enough to be a test, and measures nothing.
 struct Scale {
   bool isSmoke;
+  // How often each contender runs in a process of its own.
+  int newProcesses;
   std::size_t pieces;
   std::size_t files;
   std::size_t manyFiles;

@@ -40,14 +40,17 @@ std::string formatAmount(double amount, bool isTime) {
 
 void Measurements::addBenchmark(const Subject& subject, std::size_t items,
                                 const std::function<void(benchmark::State&)>& body) {
-  addSeries(subject, items, true);
+  seriesOf(subject, items, true);
   const std::string name = subject.workload + '/' + subject.contender;
   benchmark::RegisterBenchmark(name.c_str(), body);
 }
 
 void Measurements::addMemory(const Subject& subject, double bytes) {
-  addSeries(subject, 1, false);
-  series_.back().values.push_back(bytes);
+  seriesOf(subject, 1, false).values.push_back(bytes);
+}
+
+void Measurements::addTime(const Subject& subject, double nanoseconds) {
+  seriesOf(subject, 1, true).values.push_back(nanoseconds);
 }
 
 double Measurements::median(const Subject& subject) const {
@@ -84,9 +87,11 @@ void Measurements::ReportRuns(const std::vector<Run>& runs) {
   }
 }
 
-void Measurements::addSeries(const Subject& subject, std::size_t items, bool isTime) {
-  positions_[subject] = series_.size();
-  series_.push_back({subject, static_cast<double>(items), isTime, {}});
+Measurements::Series& Measurements::seriesOf(const Subject& subject, std::size_t items,
+                                             bool isTime) {
+  const auto [position, isNew] = positions_.emplace(subject, series_.size());
+  if (isNew) series_.push_back({subject, static_cast<double>(items), isTime, {}});
+  return series_[position->second];
 }
 
 }  // namespace bench

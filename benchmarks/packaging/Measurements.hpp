@@ -21,14 +21,16 @@ struct Subject {
   }
 };
 
-// The measurements of one process: memory, entered as it is measured, and the times of the
+// The measurements of one process: those that are entered as they are made, and the times of the
 // benchmarks that were registered here, entered while they run.
 class Measurements : public benchmark::BenchmarkReporter {
  public:
   // Registers a benchmark whose one iteration does `items` things.
   void addBenchmark(const Subject& subject, std::size_t items,
                     const std::function<void(benchmark::State&)>& body);
+  // Enter a measurement of what no benchmark measures, in bytes or nanoseconds.
   void addMemory(const Subject& subject, double bytes);
+  void addTime(const Subject& subject, double nanoseconds);
 
   // Bytes, or nanoseconds of thread CPU time for one thing: the median of the repetitions.
   // Throws std::out_of_range for what was not measured.
@@ -48,7 +50,8 @@ class Measurements : public benchmark::BenchmarkReporter {
     std::vector<double> values;
   };
 
-  void addSeries(const Subject& subject, std::size_t items, bool isTime);
+  // The series of `subject`, begun unless it is there.
+  Series& seriesOf(const Subject& subject, std::size_t items, bool isTime);
 
   std::vector<Series> series_;
   std::map<Subject, std::size_t> positions_;

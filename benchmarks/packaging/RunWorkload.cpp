@@ -11,7 +11,7 @@
 #include <varn/StringFileSectionFragment.hpp>
 #include <varn/VarnFileRepository.hpp>
 
-#include "PeakMemory.hpp"
+#include "ProcessCost.hpp"
 #include "Workloads.hpp"
 #include "peers/LiteralForm.hpp"
 #include "peers/Sections.hpp"
@@ -123,9 +123,9 @@ void makeNearlyEmptyFiles(std::size_t files) {
 
 template <typename Run>
 void addNearlyEmptyFile(Measurements& measurements, const char* contender, std::size_t files) {
-  const double bytes = peakMemory([files] { makeNearlyEmptyFiles<Run>(files); });
+  const ProcessCost cost = costInNewProcess([files] { makeNearlyEmptyFiles<Run>(files); });
   measurements.addMemory({"memory of a nearly empty file", contender},
-                         bytes / static_cast<double>(files));
+                         cost.peakMemory / static_cast<double>(files));
 }
 
 }  // namespace
@@ -155,10 +155,15 @@ void addRunWorkload(Measurements& measurements, const Scale& scale, const Scratc
     if (writtenBy(generate, job, folder) != expected) {
       throw std::logic_error(std::string(name) + " gives other bytes: run");
     }
-    const double bytes = peakMemory([&, run = generate] { run(job, folder); });
-    folder.clear();
-    measurements.addMemory({"memory of a run's file", name},
-                           bytes / static_cast<double>(scale.files));
+  }
+  for (int repetition = 0; repetition < scale.newProcesses; ++repetition) {
+    for (const auto& [name, generate] : contenders) {
+      const ProcessCost cost = costInNewProcess([&, run = generate] { run(job, folder); });
+      folder.clear();
+      const auto files = static_cast<double>(scale.files);
+      measurements.addMemory({"memory of a run's file", name}, cost.peakMemory / files);
+      measurements.addTime({"run in a new process, a file of 1,000", name}, cost.time / files);
+    }
   }
   for (const auto& [name, generate] : contenders) {
     addRun(measurements, {"run, a file of 1,000", name}, generate, scale.files, folder);

@@ -3,7 +3,7 @@
 
 #include <varn/FileSection.hpp>
 
-#include "PeakMemory.hpp"
+#include "ProcessCost.hpp"
 #include "Workloads.hpp"
 #include "peers/LiteralForm.hpp"
 #include "peers/Sections.hpp"
@@ -78,12 +78,12 @@ void addAppending(const Case& c, const char* contender) {
 template <typename Section>
 void addMemory(const Case& c, const char* contender) {
   const double text = static_cast<double>(concatenate(*c.pieces).size());
-  const double bytes = peakMemory([&c] {
+  const ProcessCost cost = costInNewProcess([&c] {
     Section section;
     fill(section, *c.pieces);
   });
   c.measurements.addMemory({c.workload("memory of a piece over its text"), contender},
-                           (bytes - text) / static_cast<double>(c.count()));
+                           (cost.peakMemory - text) / static_cast<double>(c.count()));
 }
 
 template <typename Section>
@@ -137,7 +137,7 @@ void addSectionWorkloads(Measurements& measurements, const Scale& scale,
     addAppending<OstringstreamSection>(c, "ostringstream");
     addWholeText<VarnSection>(c, "varn");
     addWholeText<literal::Section>(c, "literal");
-    addWholeText<StringSection>(c, "string");
+    addWholeText<CopiedStringSection>(c, "string");
     addWriting<VarnSection>(c, "varn");
     addWriting<literal::Section>(c, "literal");
     addWriting<StringSection>(c, "string");

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <limits>
 #include <malloc.h>
 #include <string>
 #include <vector>
@@ -17,13 +18,12 @@
 
 namespace {
 
-// Keeps the C library's allocator as it is in a fresh process, which is where a generator runs:
-// it would otherwise adapt to what other contenders have released, and memory would be new to one
-// and not to another.
-void fixAllocator() {
-  constexpr int initialThreshold = 128 * 1024;
-  ::mallopt(M_MMAP_THRESHOLD, initialThreshold);
-  ::mallopt(M_TRIM_THRESHOLD, initialThreshold);
+// Keeps what was released for the next repetition: where the C library's allocator gives memory
+// back to the system depends on what other contenders have left, and memory would be new to one and
+// not to another. What new memory costs is measured in new processes.
+void keepReleasedMemory() {
+  ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+  ::mallopt(M_MMAP_MAX, 0);
 }
 
 struct Options {
@@ -78,7 +78,7 @@ int run(Options options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  fixAllocator();
+  keepReleasedMemory();
   try {
     return run(parse(argc, argv));
   } catch (const std::exception& error) {

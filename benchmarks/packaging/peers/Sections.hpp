@@ -19,17 +19,23 @@ namespace bench {
 class StringSection {
  public:
   void append(std::string_view text) { text_ += text; }
-  // A copy, made in the same place at every call.
-  const std::string& text() {
-    copy_ = text_;
-    return copy_;
-  }
   void write(FILE* stream) {
     static_cast<void>(std::fwrite(text_.data(), text_.size(), 1, stream));
   }
 
- private:
+ protected:
   std::string text_;
+};
+
+// The same with a copy of the text, made in the same place whenever it is asked for.
+class CopiedStringSection : public StringSection {
+ public:
+  const std::string& text() {
+    copy_ = text_;
+    return copy_;
+  }
+
+ private:
   std::string copy_;
 };
 
