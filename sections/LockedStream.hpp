@@ -20,7 +20,7 @@ class LockedStream {
   LockedStream& operator=(const LockedStream&) = delete;
   ~LockedStream();
 
-  // Errors stay with the stream.
+  // Goes on after a piece that fails; the error stays with the stream.
   void write(const TextPage& page) const;
 
  private:

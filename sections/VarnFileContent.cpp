@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -27,10 +26,12 @@ const std::string& VarnFileContent::EmptyFileSection::getSectionFragment(
   return emptyText_;
 }
 
+VarnFileContent::VarnFileContent() = default;
+
 VarnFileContent::VarnFileContent(std::size_t plainSections)
     : plainSectionCount_(static_cast<std::uint8_t>(plainSections)) {
   assert(plainSections <= sectionKindCount);
-  if (plainSections != 0) plainSections_ = std::make_unique<FileSection[]>(plainSections);
+  plainSections_ = std::make_unique<FileSection[]>(plainSections);
 }
 
 VarnFileContent::VarnFileContent(const VarnFileContent& source) {
@@ -80,24 +81,16 @@ void VarnFileContent::usePool(TextPool& pool) {
 
 void VarnFileContent::setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section) {
   assert(static_cast<unsigned int>(kind) < sectionKindCount);
-  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
-  const auto old = std::find_if(otherSections_.begin(), otherSections_.end(),
-                                [slot](const auto& other) { return other.get() == slot; });
-  if (old != otherSections_.end()) {
-    old->swap(section);
-    slot = old->get();
-  } else {
-    otherSections_.push_back(std::move(section));
-    slot = otherSections_.back().get();
-  }
+  otherSections_.push_back(std::move(section));
+  sections_[static_cast<std::size_t>(kind)] = otherSections_.back().get();
 }
 
 void VarnFileContent::addPlainSection(VarnFileSectionKind kind) {
-  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
-  if (slot != nullptr || usedPlainSections_ == plainSectionCount_) {
+  assert(static_cast<unsigned int>(kind) < sectionKindCount);
+  if (usedPlainSections_ == plainSectionCount_) {
     setSection(kind, std::make_unique<FileSection>());
   } else {
-    slot = &plainSections_[usedPlainSections_++];
+    sections_[static_cast<std::size_t>(kind)] = &plainSections_[usedPlainSections_++];
   }
 }
 

@@ -19,7 +19,7 @@ namespace Varn {
 // texts of its fragments, one after the other, with nothing added.
 //
 // A section is made by a content builder or as a clone, and belongs to the content or the caller
-// that asked for it. It is used by one thread at a time.
+// that asked for it. It is used by one thread at a time, as are all sections of one repository.
 //
 // Appending takes constant time whatever the section holds, and text is put together only when
 // somebody asks for it.

@@ -32,8 +32,8 @@ class VARN_EXPORT FragmentStore {
   FragmentStore& operator=(const FragmentStore&) = delete;
   ~FragmentStore();
 
-  // Keeps short texts in `pool` from now on, which must outlive the store; copies of the store do
-  // not. Precondition: the store has no pool yet.
+  // Keeps short texts in `pool` from now on, which must outlive the store. Copies of the store do
+  // without. Precondition: the store has no pool yet.
   void usePool(TextPool& pool) { pool_ = &pool; }
 
   void append(const char* text, std::size_t length);

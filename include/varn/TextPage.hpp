@@ -41,8 +41,8 @@ class TextPage {
   // at every call. Nothing changes when memory runs out.
   bool append(const char* text, std::size_t length, TextPool* pool);
 
-  // An empty page to go on with after append() refused a piece of `length`: as large as this one,
-  // if it was full.
+  // An empty page to go on with after append() refused a piece of `length`: a large one, if this
+  // one was full.
   TextPage next(std::size_t length) const;
 
   // Moves a text that is in `pool` to a block of its own.

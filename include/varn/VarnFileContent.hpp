@@ -43,8 +43,11 @@ class VARN_EXPORT VarnFileContent {
     std::string emptyText_;
   };
 
-  // No sections, and memory for `plainSections` that addPlainSection() will add.
-  explicit VarnFileContent(std::size_t plainSections = 0);
+  // No sections.
+  VarnFileContent();
+  // The same with memory for `plainSections` that addPlainSection() will add, at most one for each
+  // kind.
+  explicit VarnFileContent(std::size_t plainSections);
   // Clones of the source's sections, each of its own class, sharing their fragments.
   VarnFileContent(const VarnFileContent& source);
   // Handles and references to sections stay good as long as the content lives: it is not assigned.
@@ -66,8 +69,8 @@ class VARN_EXPORT VarnFileContent {
   // Empties every section; lists of includes and names of functions stay.
   void clearContents();
 
-  // For builders: put `section`, or a new FileSection, in the slot of `kind`, in place of what was
-  // there. Precondition: `kind` is 0..21.
+  // For builders: put `section`, or a new FileSection, in the slot of `kind`. A section that was
+  // there is no longer reached, and lives as long as the content. Precondition: `kind` is 0..21.
   void setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section);
   void addPlainSection(VarnFileSectionKind kind);
 
@@ -87,7 +90,7 @@ class VARN_EXPORT VarnFileContent {
   std::unique_ptr<FileSection[]> plainSections_;
   std::uint8_t plainSectionCount_ = 0;
   std::uint8_t usedPlainSections_ = 0;
-  // The sections that were set one by one.
+  // The sections that came one by one.
   std::vector<std::unique_ptr<FileSection>> otherSections_;
   EmptyFileSection emptySection_;
 };

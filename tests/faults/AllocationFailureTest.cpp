@@ -72,6 +72,7 @@ struct World {
     repository.createModuleHeaderFile("a.h", {1, 2});
     repository.checkForDuplicateEntry("known.c", nullptr);
     functions.addFunction("f", "f();");
+    bridge.addSectionContent(0, "UserTop", std::string(70'000, 'x').c_str());
     includes.addInclude("i.h", false);
     for (const char* name : {"A", "B", "C"}) bridge.addCustomSection(0, "Enums", name);
     file.getCustomContent().addContentToSection("A", longText);
@@ -149,6 +150,7 @@ const Operation operations[] = {
     {"text", [](World& w) { w.bridge.addSectionContent(0, "Functions", longText); }},
     {"long text",
      [](World& w) { w.bridge.addSectionContent(0, "Functions", std::string(5000, 'x').c_str()); }},
+    {"text of the next page", [](World& w) { w.bridge.addSectionContent(0, "UserTop", "y"); }},
     {"many texts",
      [](World& w) {
        w.bridge.clearSection(0, "Functions");
@@ -159,7 +161,7 @@ const Operation operations[] = {
     {"fragment",
      [](World& w) {
        const auto fragment = boost::make_shared<StringFileSectionFragment>(longText);
-       w.bridge.addSectionContent(0, "Banner", fragment);
+       w.bridge.addSectionContent(0, "Functions", fragment);
      }},
     {"copy of content",
      [](World& w) {

@@ -98,6 +98,56 @@ TEST(FileSection, UsesAForeignFragmentThroughItsOperationsAndSharesIt) {
   EXPECT_EQ(1, fragment.use_count());
 }
 
+struct Writing {
+  Buffering buffering;
+  // What was written before.
+  std::size_t pending;
+  // The number of a write that fails.
+  std::size_t failing;
+};
+
+// The stream hands on the same blocks as with one fwrite for each fragment.
+void expectTheSameBlocks(const FileSection& section, const std::vector<std::string>& fragments,
+                         const Writing& how) {
+  const std::string pending(how.pending, 'p');
+  const auto blocks = [&](auto write) {
+    const auto writeAll = [&](FILE* stream) {
+      static_cast<void>(std::fputs(pending.c_str(), stream));
+      write(stream);
+    };
+    return writesTo(how.buffering, writeAll, how.failing);
+  };
+  const auto expected = blocks([&fragments](FILE* stream) {
+    for (const std::string& fragment : fragments) {
+      static_cast<void>(std::fwrite(fragment.data(), fragment.size(), 1, stream));
+    }
+  });
+  ASSERT_EQ(expected, blocks([&section](FILE* stream) { section.writeToFile(stream); }))
+      << "mode " << how.buffering.mode << ", size " << how.buffering.size << ", pending "
+      << how.pending << ", failing " << how.failing;
+}
+
+TEST(FileSection, HandsOnTheSameBlocksAsOneWriteForEachFragment) {
+  for (const std::size_t size : {256U, 257U, 1000U}) {
+    for (const std::size_t filled : {size - 1, size, size + 1, 2 * size - 1, 2 * size}) {
+      for (const std::size_t pending : {std::size_t{0}, std::size_t{100}, size}) {
+        const std::vector<std::string> fragments{std::string(filled / 2, 'a'),
+                                                 "",
+                                                 std::string(filled - filled / 2, 'b'),
+                                                 "c",
+                                                 std::string(3 * size, 'd'),
+                                                 "e",
+                                                 "f"};
+        FileSection section;
+        for (const std::string& fragment : fragments) section.addContent(fragment);
+        for (const std::size_t failing : {0U, 1U, 2U}) {
+          expectTheSameBlocks(section, fragments, {{_IOFBF, size}, pending, failing});
+        }
+      }
+    }
+  }
+}
+
 // Sections, two of them in files of a repository, and beside each the fragments that it should
 // hold.
 class RandomRun {
@@ -164,23 +214,11 @@ class RandomRun {
     std::vector<std::string> fragments;
   };
 
-  // The stream hands on the same blocks as with one fwrite for each fragment.
   void checkWrites(const FileSection& section, const std::vector<std::string>& fragments) {
     const Buffering bufferings[] = {{_IONBF, 0},   {_IOLBF, 512},  {_IOFBF, 100},
                                     {_IOFBF, 256}, {_IOFBF, 1000}, {_IOFBF, 4096}};
     const Buffering buffering = bufferings[below(std::size(bufferings))];
-    const std::string before(below(300), 'b');
-    const auto expected = writesTo(buffering, [&](FILE* stream) {
-      static_cast<void>(std::fputs(before.c_str(), stream));
-      for (const std::string& fragment : fragments) {
-        static_cast<void>(std::fwrite(fragment.data(), fragment.size(), 1, stream));
-      }
-    });
-    const auto actual = writesTo(buffering, [&](FILE* stream) {
-      static_cast<void>(std::fputs(before.c_str(), stream));
-      section.writeToFile(stream);
-    });
-    ASSERT_EQ(expected, actual) << "buffering " << buffering.mode << ", " << buffering.size;
+    expectTheSameBlocks(section, fragments, {buffering, below(300), below(5)});
   }
 
   std::size_t below(std::size_t end) { return random_() % end; }

@@ -50,10 +50,10 @@ class RecordingStream {
   std::vector<std::string> writes_;
 };
 
-// Each write of a stream that `write(FILE*)` writes to.
+// Each write of a stream that `write(FILE*)` writes to, and whose write number `failing` fails.
 template <typename Write>
-std::vector<std::string> writesTo(Buffering buffering, Write write) {
-  const RecordingStream stream(0, buffering);
+std::vector<std::string> writesTo(Buffering buffering, Write write, std::size_t failing = 0) {
+  const RecordingStream stream(failing, buffering);
   write(stream.get());
   static_cast<void>(std::fflush(stream.get()));
   return stream.writes();
