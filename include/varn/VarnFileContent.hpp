@@ -54,8 +54,8 @@ class VARN_EXPORT VarnFileContent {
   VarnFileContent& operator=(const VarnFileContent&) = delete;
   virtual ~VarnFileContent();
 
-  // The section of `kind`, or the discarding empty section. Good as long as the content lives and
-  // the slot is not set again. Precondition: `kind` is 0..22.
+  // The section of `kind`, or the discarding empty section. Good as long as the content lives.
+  // Precondition: `kind` is 0..22.
   FileSection& getSection(VarnFileSectionKind kind);
   const FileSection& getSection(VarnFileSectionKind kind) const;
 
