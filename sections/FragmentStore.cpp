@@ -59,14 +59,21 @@ void FragmentStore::visit(OnPage onPage, OnFragment onFragment) const {
 }
 
 void FragmentStore::append(const char* text, std::size_t length) {
+  if (length > TextPage::maxLength || !page_.append(text, length, pool_)) {
+    appendBehindPage(text, length);
+  }
+}
+
+// Not inlined, so that append() is short enough to be.
+[[gnu::noinline]] void FragmentStore::appendBehindPage(const char* text, std::size_t length) {
   if (length > TextPage::maxLength) {
     append(boost::make_shared<StringFileSectionFragment>(std::string(text, length)));
-  } else if (!page_.append(text, length, pool_)) {
-    TextPage next = page_.next(length);
-    closePage();
-    page_ = std::move(next);
-    page_.append(text, length, pool_);
+    return;
   }
+  TextPage next = page_.next(length);
+  closePage();
+  page_ = std::move(next);
+  page_.append(text, length, pool_);
 }
 
 void FragmentStore::append(FragmentPtr fragment) {

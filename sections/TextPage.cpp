@@ -143,7 +143,8 @@ std::size_t TextPage::sizeWith(std::size_t length) const {
   return extent_.textSize + length + (pieceCount() + 1) * sizeof(Length);
 }
 
-bool TextPage::makeRoom(std::size_t size, TextPool* pool) {
+// Not inlined, so that append() is short enough to be.
+[[gnu::noinline]] bool TextPage::makeRoom(std::size_t size, TextPool* pool) {
   if (block_ && (block_->use_count() != 1 || block_->capacity >= largestCapacity)) return false;
   // A text that has left the pool stays out: it may have fragments.
   const bool mayUsePool = pool != nullptr && (!block_ || extent_.isPooled);

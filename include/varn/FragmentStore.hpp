@@ -62,6 +62,8 @@ class VARN_EXPORT FragmentStore {
   struct Rest;
 
   std::size_t sizeBeforePage() const;
+  // Appends what the last page does not take.
+  void appendBehindPage(const char* text, std::size_t length);
   // Puts the last page among the fragments before it, so that something else can follow.
   void closePage();
   Rest& rest() const;
