@@ -24,6 +24,9 @@ class FileRepOrvBridge;
 //
 // A file's index is its position in the order of creation and never changes. The cost of a call
 // does not depend on the number of files.
+//
+// The memory of short texts that are cleared serves the other sections of the repository, and is
+// given back with it.
 class VARN_EXPORT VarnFileRepository : public orbel::HandleBase {
  public:
   VarnFileRepository();
