@@ -53,7 +53,8 @@ std::string describe(const ClassInfo& info) {
 std::string sectionGetters(const std::string& file, const std::vector<std::string>& names) {
   std::string text;
   for (const std::string& name : names) {
-    text += "  get" + name + "Section(" + file + ") -> Varn.FileSection\n";
+    text.append("  get").append(name).append("Section(").append(file);
+    text += ") -> Varn.FileSection\n";
   }
   return text;
 }
