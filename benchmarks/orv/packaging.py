@@ -11,9 +11,9 @@ from typing import Any, NamedTuple
 from jinja2 import DictLoader, Environment, StrictUndefined
 from jinja2.sandbox import ImmutableSandboxedEnvironment
 
-from orv.engine import render
-from orv.layout import compose
-from orv.messages import Messages
+from orv.templates.engine import render
+from orv.output.layout import compose
+from orv.errors import Messages
 
 TEMPLATE = Path(__file__).with_name("modules.j2").read_text()
 

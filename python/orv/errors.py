@@ -1,6 +1,8 @@
-"""What can go wrong in a run, as exceptions whose text is meant for the person at the keyboard."""
+"""Errors and warnings of a run: texts for the person at the keyboard."""
 
 from __future__ import annotations
+
+from collections.abc import Callable, Iterable
 
 
 class OrvError(Exception):
@@ -34,3 +36,36 @@ class ScriptError(OrvError):
 
 class OutputError(OrvError):
     """The files cannot be put where they belong, or could not all be written."""
+
+
+def ignore(_: str) -> None:
+    """A listener that drops what it hears."""
+
+
+class Messages:
+    """Hands warnings to a listener or, when the run is strict, makes errors of them."""
+
+    def __init__(self, listener: Callable[[str], None] = ignore, strict: bool = False) -> None:
+        self._listener = listener
+        self.strict = strict
+
+    def warn(self, text: str, place: object | None = None) -> None:
+        """Report `text`, about what stands at `place` (None: the place is found by the caller)."""
+        if self.strict:
+            raise OrvError(text) if place is None else Located(f"{place}: {text}")
+        self._listener(text if place is None else f"{place}: {text}")
+
+
+class Located(OrvError):
+    """An error whose text already says where."""
+
+
+def did_you_mean(name: str, known: Iterable[str]) -> str:
+    """"; did you mean "x"?" for the closest known name, or nothing."""
+    from difflib import get_close_matches
+
+    close = get_close_matches(name.lower(), {entry.lower(): entry for entry in known}, n=1)
+    if not close:
+        return ""
+    match = next(entry for entry in known if entry.lower() == close[0])
+    return f'; did you mean "{match}"?'

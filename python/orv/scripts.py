@@ -11,7 +11,7 @@ from collections.abc import Iterator, Mapping
 from contextlib import contextmanager
 
 from orv.errors import OrvError, ScriptError
-from orv.run import Run
+from orv.files.run import Run
 
 
 def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:

@@ -11,9 +11,9 @@ from pathlib import Path
 import pytest
 from jinja2 import DictLoader
 
-from orv.engine import render
-from orv.messages import Messages
-from orv.writer import plan
+from orv.templates.engine import render
+from orv.errors import Messages
+from orv.output.writer import plan
 
 Command = Callable[..., subprocess.CompletedProcess[str]]
 

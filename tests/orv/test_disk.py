@@ -13,7 +13,7 @@ from pathlib import Path
 import pytest
 from conftest import Command
 
-from orv.writer import _process_table
+from orv.output.writer import _process_table
 
 as_root = pytest.mark.skipif(os.geteuid() != 0, reason="only root can mount")
 

@@ -8,8 +8,8 @@ from xml.etree import ElementTree
 import pytest
 
 from orv.errors import ModelError
-from orv.models import ModelSource, Setting, build_model, load_model
-from orv.xmlmodel import Element
+from orv.models.model import ModelSource, Setting, build_model, load_model
+from orv.models.xmlmodel import Element
 
 SAME = {"name": "m", "on": True, "sizes": [1, 2], "in": {"x": 1.5}}
 SAME_IN = {

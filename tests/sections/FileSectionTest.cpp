@@ -20,18 +20,6 @@ namespace {
 
 using namespace std::string_literals;
 
-// Shows the fragments one by one.
-class OpenSection : public FileSection {
- public:
-  OpenSection() = default;
-  OpenSection(const OpenSection&) = default;
-  OpenSection& operator=(const OpenSection&) = delete;
-  ~OpenSection() override = default;
-  OpenSection* clone() const override { return new OpenSection(*this); }
-  using FileSection::getNumberOfSectionFragments;
-  using FileSection::getSectionFragment;
-};
-
 // A fragment of the engine's own, whose two ways to give its text can be told apart.
 class ForeignFragment : public FileSectionFragment {
  public:
@@ -54,7 +42,7 @@ std::string printed(const FileSection& section) {
 }
 
 TEST(FileSection, HandedOutTextStaysUntilAFragmentObjectComes) {
-  OpenSection section;
+  FileSection section;
   section.addContent("a");
   const std::string& text = section.getContent();
   section.addContent("b");
@@ -69,16 +57,16 @@ TEST(FileSection, HandedOutTextStaysUntilAFragmentObjectComes) {
 }
 
 TEST(FileSection, FragmentTextStaysWhileAnySectionHoldsIt) {
-  auto section = std::make_unique<OpenSection>();
+  auto section = std::make_unique<FunctionsSection>();
   section->addContent("first");
   section->addContent("second");
-  const std::string& text = section->getSectionFragment(1);
+  const std::string& text = section->getFunction(1);
   for (int i = 0; i < 100; ++i) section->addContent("what holds it grows");
-  const std::unique_ptr<OpenSection> clone(section->clone());
+  const std::unique_ptr<FunctionsSection> clone(section->clone());
   for (int i = 0; i < 1000; ++i) section->addContent("more text than one page holds");
   section.reset();
   EXPECT_EQ("second", text);
-  EXPECT_EQ(&text, &clone->getSectionFragment(1));
+  EXPECT_EQ(&text, &clone->getFunction(1));
 }
 
 TEST(FileSection, UsesAForeignFragmentThroughItsOperationsAndSharesIt) {

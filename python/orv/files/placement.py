@@ -10,7 +10,7 @@ import re
 from typing import NamedTuple
 
 from orv.errors import OrvError
-from orv.positions import Position, here
+from orv.templates.positions import Position, here
 
 _MARK = re.compile("\0([0-9]{1,9})\0")
 

@@ -14,15 +14,13 @@ from jinja2.exceptions import SecurityError
 from jinja2.runtime import Context, LoopContext, Macro
 from jinja2.sandbox import ImmutableSandboxedEnvironment
 
-from orv import positions
-from orv.errors import OrvError
-from orv.extension import PackagingTags, first_text_line, is_guarded_block, outside_text
-from orv.messages import Located
-from orv.printable import printable
-from orv.run import Run
-from orv.statements import IncludedText, Statements
-from orv.suggestions import did_you_mean
-from orv.xmlmodel import ENTRIES, Element
+from orv.templates import positions
+from orv.errors import Located, OrvError, did_you_mean
+from orv.templates.tags import PackagingTags, first_text_line, is_guarded_block, outside_text
+from orv.templates.printable import printable
+from orv.files.run import Run
+from orv.templates.statements import IncludedText, Statements
+from orv.models.xmlmodel import ENTRIES, Element
 
 # What a loop tells about itself: all of it harmless.
 _LOOP_ATTRIBUTES = frozenset(name for name in dir(LoopContext) if not name.startswith("_"))

@@ -136,7 +136,7 @@ def _parse_toml(data: bytes) -> object:
 def _parse_yaml(data: bytes) -> object:
     import yaml
 
-    from orv.yamlmodel import load
+    from orv.models.yamlmodel import load
 
     try:
         return load(data)
@@ -148,7 +148,7 @@ def _parse_yaml(data: bytes) -> object:
 
 
 def _parse_xml(data: bytes) -> object:
-    from orv.xmlmodel import parse_xml
+    from orv.models.xmlmodel import parse_xml
 
     root = parse_xml(data)
     return {root.tag: root}

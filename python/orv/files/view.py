@@ -5,11 +5,10 @@ from __future__ import annotations
 from typing import TYPE_CHECKING
 
 from orv import _native
-from orv.errors import OrvError
-from orv.suggestions import did_you_mean
+from orv.errors import OrvError, did_you_mean
 
 if TYPE_CHECKING:
-    from orv.run import Run
+    from orv.files.run import Run
 
 
 class FileView:
@@ -43,7 +42,7 @@ class FileView:
             return self._run.attribute(self._index, name)
         if name in _native.SECTION_NAMES:
             return self._run.section_text(self._index, name)
-        from orv.files import ATTRIBUTES
+        from orv.files.table import ATTRIBUTES
 
         raise OrvError(
             f'files have no attribute or section "{name}"'

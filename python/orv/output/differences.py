@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import difflib
 
-from orv.writer import PlannedFile, State
+from orv.output.writer import PlannedFile, State
 
 
 def difference(file: PlannedFile) -> str:

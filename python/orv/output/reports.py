@@ -9,7 +9,7 @@ from collections.abc import Iterable, Mapping
 from typing import NamedTuple
 
 from orv.errors import OutputError
-from orv.writer import replace_file
+from orv.output.writer import replace_file
 
 
 class Report(NamedTuple):

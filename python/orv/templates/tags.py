@@ -15,7 +15,7 @@ from jinja2.lexer import Token
 from jinja2.parser import Parser
 
 from orv import _native
-from orv.suggestions import did_you_mean
+from orv.errors import did_you_mean
 
 _KINDS = (
     "generic", "data_types", "model", "model_header", "model_types", "module_header",

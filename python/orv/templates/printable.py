@@ -7,8 +7,8 @@ from datetime import date, time, timedelta
 from jinja2 import Undefined
 
 from orv.errors import OrvError
-from orv.fileview import FileView
-from orv.xmlmodel import Element
+from orv.files.view import FileView
+from orv.models.xmlmodel import Element
 
 _PLAIN = frozenset([str, int, float, bool, type(None)])
 _OF_ONE_TEXT = (str, int, float, complex, date, time, timedelta, Undefined)

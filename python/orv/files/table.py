@@ -6,11 +6,9 @@ from collections.abc import Callable, Mapping, Sequence
 from dataclasses import dataclass
 
 from orv import _native
-from orv.errors import OrvError
-from orv.fileview import FileView
-from orv.messages import Messages
-from orv.positions import Position, here
-from orv.suggestions import did_you_mean
+from orv.errors import Messages, OrvError, did_you_mean
+from orv.files.view import FileView
+from orv.templates.positions import Position, here
 
 FIXED_ATTRIBUTES = ("Name", "NameWithoutExtension")
 SETTABLE_ATTRIBUTES = (

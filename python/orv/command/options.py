@@ -7,7 +7,7 @@ import os
 from collections.abc import Sequence
 
 from orv.errors import ModelError
-from orv.models import ModelSource, Setting
+from orv.models.model import ModelSource, Setting
 
 
 class Options(argparse.Namespace):

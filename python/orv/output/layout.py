@@ -7,7 +7,7 @@ from typing import NamedTuple
 
 from orv import _native
 from orv.errors import OutputError
-from orv.run import Run
+from orv.files.run import Run
 
 # What a section may use stands before it: checks of the compilation after the includes that they
 # look at, types after what they are made of, declarations before definitions.

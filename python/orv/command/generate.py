@@ -9,16 +9,15 @@ import sys
 from collections.abc import Sequence
 from typing import NoReturn
 
-from orv import reports
-from orv.depfile import depfile
-from orv.engine import RecordingLoader, render, search_folders
-from orv.errors import OrvError, OutputError
-from orv.messages import Messages
-from orv.models import build_model
-from orv.options import Options, parse_options
-from orv.progress import progress
-from orv.run import Run
-from orv.writer import PlannedFile, plan, write
+from orv.output import reports
+from orv.output.depfile import depfile
+from orv.templates.engine import RecordingLoader, render, search_folders
+from orv.errors import Messages, OrvError, OutputError
+from orv.models.model import build_model
+from orv.command.options import Options, parse_options
+from orv.command.progress import progress
+from orv.files.run import Run
+from orv.output.writer import PlannedFile, plan, write
 
 
 def main(arguments: Sequence[str] | None = None) -> int:
@@ -83,7 +82,7 @@ def _reports(
 ) -> list[reports.Report]:
     wanted: list[reports.Report] = []
     if options.manifest is not None and options.writes:
-        from orv.manifest import manifest
+        from orv.output.manifest import manifest
 
         wanted.append(reports.Report("manifest", options.manifest, manifest(run, files)))
     if options.depfile is not None:
@@ -122,7 +121,7 @@ def _show(files: list[PlannedFile], options: Options) -> None:
     if not options.diff:
         _list(files, options)
         return
-    from orv.differences import difference
+    from orv.output.differences import difference
 
     for file in files:
         if file.differs:

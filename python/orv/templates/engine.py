@@ -9,12 +9,11 @@ from typing import Any
 from jinja2 import BaseLoader, FileSystemLoader, TemplateNotFound, TemplateSyntaxError
 from jinja2.exceptions import TemplatesNotFound
 
-from orv import positions
-from orv.environment import Environment
-from orv.errors import OrvError, TemplateError
-from orv.extension import outside_text
-from orv.messages import Located, Messages
-from orv.run import Run
+from orv.templates import positions
+from orv.templates.environment import Environment
+from orv.errors import Located, Messages, OrvError, TemplateError
+from orv.templates.tags import outside_text
+from orv.files.run import Run
 
 
 class RecordingLoader(BaseLoader):

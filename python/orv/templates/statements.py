@@ -7,13 +7,12 @@ from typing import Any, NamedTuple, NoReturn
 
 from jinja2 import pass_context
 
-from orv.errors import OrvError
-from orv.extension import outside_text
-from orv.fileview import FileView
-from orv.messages import Located
-from orv.positions import Position
-from orv.printable import printable
-from orv.run import Run
+from orv.errors import Located, OrvError
+from orv.templates.tags import outside_text
+from orv.files.view import FileView
+from orv.templates.positions import Position
+from orv.templates.printable import printable
+from orv.files.run import Run
 
 Filter = Callable[..., Any]
 

@@ -6,9 +6,9 @@ import json
 import re
 from collections.abc import Iterable
 
-from orv.files import ATTRIBUTES
-from orv.run import Run
-from orv.writer import PlannedFile, State
+from orv.files.table import ATTRIBUTES
+from orv.files.run import Run
+from orv.output.writer import PlannedFile, State
 
 _INCLUDE = re.compile(r'^#include ([<"][^>"\n]*[>"])$', re.MULTILINE)
 

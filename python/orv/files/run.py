@@ -3,11 +3,10 @@
 from __future__ import annotations
 
 from orv import _native
-from orv.customsections import CustomSections
-from orv.errors import Diagnostic, OrvError, TemplateError
-from orv.files import FileTable
-from orv.messages import Located, Messages
-from orv.placement import Placement, Placements, WaitingText
+from orv.files.customsections import CustomSections
+from orv.errors import Diagnostic, Located, Messages, OrvError, TemplateError
+from orv.files.table import FileTable
+from orv.files.placement import Placement, Placements, WaitingText
 
 
 class Run:

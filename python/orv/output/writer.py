@@ -12,9 +12,9 @@ from enum import Enum
 
 from orv import _native
 from orv.errors import OutputError
-from orv.layout import compose, is_header
-from orv.paths import OutputFolder, output_parts
-from orv.run import Run
+from orv.output.layout import compose, is_header
+from orv.output.paths import OutputFolder, output_parts
+from orv.files.run import Run
 
 _TEMPORARY = re.compile(r"\.orv-([0-9a-f]{8})-([0-9]+)-[0-9a-f]{8}\.tmp")
 

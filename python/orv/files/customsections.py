@@ -5,10 +5,8 @@ from __future__ import annotations
 from dataclasses import dataclass, field
 
 from orv import _native
-from orv.errors import OrvError
-from orv.messages import Located, Messages
-from orv.positions import Position, here
-from orv.suggestions import did_you_mean
+from orv.errors import Located, Messages, OrvError, did_you_mean
+from orv.templates.positions import Position, here
 
 
 @dataclass

@@ -1,0 +1,5 @@
+"""The command line `orv`."""
+
+from orv.command.generate import main
+
+__all__ = ["main"]

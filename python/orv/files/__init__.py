@@ -1,0 +1,1 @@
+"""The files of a run: declared, filled and read back by templates."""

@@ -1,0 +1,1 @@
+"""Jinja2 templates with the packaging tags."""
