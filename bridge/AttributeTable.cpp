@@ -3,6 +3,7 @@
 #include <array>
 #include <iterator>
 
+#include <varn/FileAttribute.hpp>
 #include <varn/IncludesSection.hpp>
 
 #include "sections/NameTable.hpp"
@@ -29,101 +30,121 @@ void setIsEmpty(VarnFile& file, bool isEmpty) {
 }
 
 template <const std::string& (VarnFile::*Get)() const>
-constexpr AttributeRow readOnlyString(std::string_view name) {
-  AttributeRow row{name};
-  row.readString = [](const VarnFile& file) -> const std::string& { return (file.*Get)(); };
-  return row;
+constexpr AttributeAccess readOnlyString() {
+  AttributeAccess access;
+  access.readString = [](const VarnFile& file) -> const std::string& { return (file.*Get)(); };
+  return access;
 }
 
 template <const std::string& (VarnFile::*Get)() const, void (VarnFile::*Set)(const std::string&)>
-constexpr AttributeRow string(std::string_view name) {
-  AttributeRow row = readOnlyString<Get>(name);
-  row.writeString = [](VarnFile& file, const std::string& value) { (file.*Set)(value); };
-  return row;
+constexpr AttributeAccess string() {
+  AttributeAccess access = readOnlyString<Get>();
+  access.writeString = [](VarnFile& file, const std::string& value) { (file.*Set)(value); };
+  return access;
 }
 
 template <bool (VarnFile::*Get)() const, void (VarnFile::*Set)(bool)>
-constexpr AttributeRow boolean(std::string_view name) {
-  AttributeRow row{name};
-  row.readBoolean = [](const VarnFile& file) { return (file.*Get)(); };
-  row.writeBoolean = [](VarnFile& file, bool value) { (file.*Set)(value); };
-  return row;
+constexpr AttributeAccess boolean() {
+  AttributeAccess access;
+  access.readBoolean = [](const VarnFile& file) { return (file.*Get)(); };
+  access.writeBoolean = [](VarnFile& file, bool value) { (file.*Set)(value); };
+  return access;
 }
 
 template <const std::vector<std::string>& (IncludesSection::*Get)() const,
           void (IncludesSection::*Add)(const std::string&)>
-constexpr AttributeRow includes(std::string_view name) {
-  AttributeRow row{name};
-  row.readStringArray = [](const VarnFile& file) -> const std::vector<std::string>& {
+constexpr AttributeAccess includes() {
+  AttributeAccess access;
+  access.readStringArray = [](const VarnFile& file) -> const std::vector<std::string>& {
     return (includesOf(file).*Get)();
   };
-  row.writeString = [](VarnFile& file, const std::string& value) {
+  access.writeString = [](VarnFile& file, const std::string& value) {
     (includesOf(file).*Add)(value);
   };
-  return row;
+  return access;
 }
 
-constexpr AttributeRow systemsInFile() {
-  AttributeRow row{"SystemsInFile"};
-  row.readStringArray = [](const VarnFile& file) -> const std::vector<std::string>& {
+constexpr AttributeAccess systemsInFile() {
+  AttributeAccess access;
+  access.readStringArray = [](const VarnFile& file) -> const std::vector<std::string>& {
     return file.getSystemsInFile();
   };
-  row.writeString = [](VarnFile& file, const std::string& value) { file.addSystemToFile(value); };
-  return row;
+  access.writeString = [](VarnFile& file, const std::string& value) {
+    file.addSystemToFile(value);
+  };
+  return access;
 }
 
-constexpr AttributeRow group() {
-  AttributeRow row = readOnlyString<&VarnFile::getGroup>("Group");
-  row.writeString = setGroupOnce;
-  return row;
+constexpr AttributeAccess group() {
+  AttributeAccess access = readOnlyString<&VarnFile::getGroup>();
+  access.writeString = setGroupOnce;
+  return access;
 }
 
-constexpr AttributeRow isEmpty() {
-  AttributeRow row{"IsEmpty"};
-  row.readBoolean = [](const VarnFile& file) { return file.isEmpty(); };
-  row.writeBoolean = setIsEmpty;
-  return row;
+constexpr AttributeAccess isEmpty() {
+  AttributeAccess access;
+  access.readBoolean = [](const VarnFile& file) { return file.isEmpty(); };
+  access.writeBoolean = setIsEmpty;
+  return access;
 }
 
 using F = VarnFile;
 using I = IncludesSection;
 
-constexpr AttributeRow rows[] = {
-    readOnlyString<&F::getNameAscii>("Name"),
-    string<&F::getBaseName, &F::setBaseName>("BaseName"),
-    readOnlyString<&F::getNameWithoutExtension>("NameWithoutExtension"),
-    string<&F::getType, &F::setType>("Type"),
-    string<&F::getCreator, &F::setCreator>("Creator"),
-    string<&F::getCodeTemplate, &F::setCodeTemplate>("CodeTemplate"),
-    string<&F::getOutputDirectory, &F::setOutputDirectory>("OutputDirectory"),
+// At the positions of `fileAttributes`.
+constexpr AttributeAccess accesses[] = {
+    readOnlyString<&F::getNameAscii>(),
+    string<&F::getBaseName, &F::setBaseName>(),
+    readOnlyString<&F::getNameWithoutExtension>(),
+    string<&F::getType, &F::setType>(),
+    string<&F::getCreator, &F::setCreator>(),
+    string<&F::getCodeTemplate, &F::setCodeTemplate>(),
+    string<&F::getOutputDirectory, &F::setOutputDirectory>(),
     group(),
-    string<&F::getDefinedMacro, &F::setDefinedMacro>("DefinedMacro"),
+    string<&F::getDefinedMacro, &F::setDefinedMacro>(),
     systemsInFile(),
-    includes<&I::getRequiredIncludes, &I::addRequiredInclude>("RequiredIncludes"),
-    includes<&I::getUtilityIncludes, &I::addUtilityInclude>("UtilityIncludes"),
-    boolean<&F::getFiltered, &F::setFiltered>("Filter"),
+    includes<&I::getRequiredIncludes, &I::addRequiredInclude>(),
+    includes<&I::getUtilityIncludes, &I::addUtilityInclude>(),
+    boolean<&F::getFiltered, &F::setFiltered>(),
     isEmpty(),
-    boolean<&F::isWrittenToDisk, &F::setIsWrittenToDisk>("WrittenToDisk"),
-    boolean<&F::getIndent, &F::setIndent>("Indent"),
-    boolean<&F::isShared, &F::setIsShared>("Shared"),
-    boolean<&F::getSharedType, &F::setSharedType>("SharedType"),
-    boolean<&F::getDeferredIncludeCoderTypes, &F::setDeferredIncludeCoderTypes>(
-        "DeferredIncludeCoderTypes"),
+    boolean<&F::isWrittenToDisk, &F::setIsWrittenToDisk>(),
+    boolean<&F::getIndent, &F::setIndent>(),
+    boolean<&F::isShared, &F::setIsShared>(),
+    boolean<&F::getSharedType, &F::setSharedType>(),
+    boolean<&F::getDeferredIncludeCoderTypes, &F::setDeferredIncludeCoderTypes>(),
 };
 
-constexpr NameTable<std::size(rows)> makeNameTable() {
-  std::array<std::string_view, std::size(rows)> names{};
-  for (std::size_t i = 0; i < names.size(); ++i) names[i] = rows[i].name;
-  return NameTable<std::size(rows)>(names);
+constexpr bool fits(const FileAttribute& attribute, const AttributeAccess& access) {
+  using Kind = FileAttribute::Kind;
+  const bool isBoolean = attribute.kind == Kind::boolean;
+  return (access.readString != nullptr) == (attribute.kind == Kind::string) &&
+         (access.readStringArray != nullptr) == (attribute.kind == Kind::stringArray) &&
+         (access.readBoolean != nullptr) == isBoolean &&
+         (access.writeString != nullptr) == (attribute.isSettable && !isBoolean) &&
+         (access.writeBoolean != nullptr) == (attribute.isSettable && isBoolean);
+}
+
+constexpr bool allFit() {
+  for (std::size_t i = 0; i < fileAttributes.size(); ++i) {
+    if (!fits(fileAttributes[i], accesses[i])) return false;
+  }
+  return std::size(accesses) == fileAttributes.size();
+}
+static_assert(allFit());
+
+constexpr NameTable<fileAttributes.size()> makeNameTable() {
+  std::array<std::string_view, fileAttributes.size()> names{};
+  for (std::size_t i = 0; i < names.size(); ++i) names[i] = fileAttributes[i].name;
+  return NameTable<fileAttributes.size()>(names);
 }
 
 constexpr auto attributesByName = makeNameTable();
 
 }  // namespace
 
-const AttributeRow* findAttribute(std::string_view name) {
+const AttributeAccess* findAttribute(std::string_view name) {
   const int position = attributesByName.find(name);
-  return position < 0 ? nullptr : &rows[position];
+  return position < 0 ? nullptr : &accesses[position];
 }
 
 }  // namespace Varn

@@ -9,11 +9,9 @@
 
 namespace Varn {
 
-// An attribute that the template engine knows by name, and how a file is asked for it. Of the
-// readers the one of the attribute's family is set; a writer is missing when nothing can be
-// written.
-struct AttributeRow {
-  std::string_view name;
+// How an attribute is read from a file and written to it. Only the reader of the attribute's kind is
+// set; a read-only attribute has no writer.
+struct AttributeAccess {
   const std::string& (*readString)(const VarnFile&) = nullptr;
   const std::vector<std::string>& (*readStringArray)(const VarnFile&) = nullptr;
   bool (*readBoolean)(const VarnFile&) = nullptr;
@@ -22,8 +20,8 @@ struct AttributeRow {
   void (*writeBoolean)(VarnFile&, bool) = nullptr;
 };
 
-// The attribute called exactly `name`, or null.
-const AttributeRow* findAttribute(std::string_view name);
+// The access to the attribute called exactly `name`, or null.
+const AttributeAccess* findAttribute(std::string_view name);
 
 }  // namespace Varn
 

@@ -47,7 +47,7 @@ VarnFile& FileRepOrvBridge::getFileFromIndex(int index) const {
 
 const char* FileRepOrvBridge::getStringAttribute(int index, const std::string& name) const {
   const VarnFile& file = getFileFromIndex(index);
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   if (attribute == nullptr) return file.getFileSection(sectionKind(name)).getContent().c_str();
   if (attribute->readString == nullptr) raiseInvalidAttribute(name);
   return attribute->readString(file).c_str();
@@ -55,7 +55,7 @@ const char* FileRepOrvBridge::getStringAttribute(int index, const std::string& n
 
 bool FileRepOrvBridge::getBooleanAttribute(int index, const std::string& name) const {
   const VarnFile& file = getFileFromIndex(index);
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   if (attribute == nullptr || attribute->readBoolean == nullptr) raiseInvalidAttribute(name);
   return attribute->readBoolean(file);
 }
@@ -63,7 +63,7 @@ bool FileRepOrvBridge::getBooleanAttribute(int index, const std::string& name) c
 const std::vector<std::string>& FileRepOrvBridge::getStringArrayAttribute(
     int index, const std::string& name) const {
   const VarnFile& file = getFileFromIndex(index);
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   if (attribute == nullptr || attribute->readStringArray == nullptr) {
     raiseInvalidAttribute(name);
   }
@@ -73,30 +73,30 @@ const std::vector<std::string>& FileRepOrvBridge::getStringArrayAttribute(
 void FileRepOrvBridge::setAttribute(int index, const std::string& name, const char* value) {
   assert(value != nullptr);
   VarnFile& file = getFileFromIndex(index);
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   if (attribute == nullptr || attribute->writeString == nullptr) raiseInvalidAttribute(name);
   attribute->writeString(file, value);
 }
 
 void FileRepOrvBridge::setAttribute(int index, const std::string& name, bool value) {
   VarnFile& file = getFileFromIndex(index);
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   if (attribute == nullptr || attribute->writeBoolean == nullptr) raiseInvalidAttribute(name);
   attribute->writeBoolean(file, value);
 }
 
 bool FileRepOrvBridge::isStringAttribute(const std::string& name) const {
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   return attribute != nullptr ? attribute->readString != nullptr : isFileSectionAttribute(name);
 }
 
 bool FileRepOrvBridge::isBooleanAttribute(const std::string& name) const {
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   return attribute != nullptr && attribute->readBoolean != nullptr;
 }
 
 bool FileRepOrvBridge::isStringArrayAttribute(const std::string& name) const {
-  const AttributeRow* attribute = findAttribute(name);
+  const AttributeAccess* attribute = findAttribute(name);
   return attribute != nullptr && attribute->readStringArray != nullptr;
 }
 

@@ -1,27 +1,6 @@
-#include <utility>
-
 #include <varn/VarnFileNameTable.hpp>
 
 namespace Varn {
-namespace {
-
-constexpr std::pair<const char*, FileType> fileTypes[] = {
-    {"UndefinedFile", UndefinedFile},
-    {"ModelHeaderFile", ModelHeaderFile},
-    {"ModelSourceFile", ModelSourceFile},
-    {"ModelDataFile", ModelDataFile},
-    {"ModelPrivateFile", ModelPrivateFile},
-    {"ModelTypesFile", ModelTypesFile},
-    {"ModelCapiSrcFile", ModelCapiSrcFile},
-    {"ModelCapiHdrFile", ModelCapiHdrFile},
-    {"ModelCapiHostHdrFile", ModelCapiHostHdrFile},
-    {"ModelTestIfSrcFile", ModelTestIfSrcFile},
-    {"ModelTestIfHdrFile", ModelTestIfHdrFile},
-    {"ModelExtModeDataInterfaceFile", ModelExtModeDataInterfaceFile},
-};
-
-}  // namespace
-
 VarnFileNameTable::VarnFileNameTable() {
   names_.emplace(UndefinedFile, std::string());
   populateFileTypeStrToEnumMap();
@@ -61,7 +40,9 @@ FileType VarnFileNameTable::getFileTypeFromString(const std::string& typeName) c
 }
 
 void VarnFileNameTable::populateFileTypeStrToEnumMap() {
-  for (const auto& [name, type] : fileTypes) typeStrings_.emplace(name, type);
+  for (std::size_t type = 0; type < fileTypeNames.size(); ++type) {
+    typeStrings_.emplace(fileTypeNames[type], static_cast<FileType>(type));
+  }
 }
 
 }  // namespace Varn

@@ -1,6 +1,9 @@
 #ifndef VARN_FILETYPE_HPP
 #define VARN_FILETYPE_HPP
 
+#include <array>
+#include <string_view>
+
 namespace Varn {
 
 // The well-known files of a model.
@@ -17,6 +20,14 @@ enum FileType : int {
   ModelTestIfSrcFile = 9,
   ModelTestIfHdrFile = 10,
   ModelExtModeDataInterfaceFile = 11
+};
+
+// The enumerators as text, each at its value.
+inline constexpr std::array<std::string_view, 12> fileTypeNames = {
+    "UndefinedFile",      "ModelHeaderFile",    "ModelSourceFile",
+    "ModelDataFile",      "ModelPrivateFile",   "ModelTypesFile",
+    "ModelCapiSrcFile",   "ModelCapiHdrFile",   "ModelCapiHostHdrFile",
+    "ModelTestIfSrcFile", "ModelTestIfHdrFile", "ModelExtModeDataInterfaceFile",
 };
 
 }  // namespace Varn

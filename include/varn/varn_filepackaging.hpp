@@ -5,6 +5,7 @@
 #include <varn/CustomContents.hpp>
 #include <varn/CustomSection.hpp>
 #include <varn/Export.hpp>
+#include <varn/FileAttribute.hpp>
 #include <varn/FileRepErrorStatus.hpp>
 #include <varn/FileRepOrvBridge.hpp>
 #include <varn/FileSection.hpp>

@@ -1,6 +1,9 @@
 import os
 
 SECTION_NAMES: tuple[str, ...]
+ATTRIBUTES: tuple[tuple[str, str, bool], ...]
+FILE_KINDS: tuple[str, ...]
+FILE_TYPES: tuple[str, ...]
 
 class Repository:
     def __init__(self) -> None: ...

@@ -1,5 +1,7 @@
 #include <string>
 
+#include <varn/FileAttribute.hpp>
+
 #include "python/orv/native/Bindings.hpp"
 #include "python/orv/native/Text.hpp"
 
@@ -36,6 +38,23 @@ void setAttribute(PackagedFiles& files, int index, const py::object& name,
   }
 }
 
+const char* kindName(Varn::FileAttribute::Kind kind) {
+  using Kind = Varn::FileAttribute::Kind;
+  if (kind == Kind::boolean) return "flag";
+  return kind == Kind::string ? "text" : "list";
+}
+
+// (name, kind, whether it can be set) for each attribute.
+py::tuple attributeTable() {
+  py::tuple table(Varn::fileAttributes.size());
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const Varn::FileAttribute& attribute = Varn::fileAttributes[i];
+    table[i] =
+        py::make_tuple(toPython(attribute.name), kindName(attribute.kind), attribute.isSettable);
+  }
+  return table;
+}
+
 // "text", "flag" or "list"; empty for what is no attribute, a section's name included.
 std::string attributeKind(PackagedFiles& files, const py::object& name) {
   const Varn::FileRepOrvBridge& bridge = files.bridge();
@@ -48,7 +67,8 @@ std::string attributeKind(PackagedFiles& files, const py::object& name) {
 
 }  // namespace
 
-void bindAttributes(RepositoryClass& repository) {
+void bindAttributes(py::module_& module, RepositoryClass& repository) {
+  module.attr("ATTRIBUTES") = attributeTable();
   repository.def("get_attribute", &getAttribute)
       .def("set_attribute", &setAttribute)
       .def("attribute_kind", &attributeKind);

@@ -16,9 +16,10 @@ using RepositoryClass = pybind11::class_<PackagedFiles, std::shared_ptr<Packaged
 void bindErrors();
 
 // The operations of the class Repository, area by area. A file is named by its index; an index that
-// no file has is the library's diagnostic "InvalidFileIndex".
-void bindFiles(RepositoryClass& repository);
-void bindAttributes(RepositoryClass& repository);
+// no file has is the library's diagnostic "InvalidFileIndex". The first two also add tables of
+// names to the module.
+void bindFiles(pybind11::module_& module, RepositoryClass& repository);
+void bindAttributes(pybind11::module_& module, RepositoryClass& repository);
 void bindSections(RepositoryClass& repository);
 void bindCustomSections(RepositoryClass& repository);
 

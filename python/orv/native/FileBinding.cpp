@@ -1,10 +1,13 @@
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <boost/function.hpp>
 #include <pybind11/stl.h>
 
 #include <orbel/HandleBase.hpp>
+#include <varn/FileType.hpp>
 
 #include "python/orv/native/Bindings.hpp"
 #include "python/orv/native/Text.hpp"
@@ -16,6 +19,19 @@ namespace py = pybind11;
 
 int lastIndex(const PackagedFiles& files) {
   return static_cast<int>(files.repository.getFileList().size()) - 1;
+}
+
+// The kinds of files that a template can declare.
+constexpr std::array<std::string_view, 8> fileKinds = {
+    "generic",     "data_types",    "model",         "model_header",
+    "model_types", "module_header", "module_source", "packaging",
+};
+
+template <class Names>
+py::tuple textTuple(const Names& names) {
+  py::list texts;
+  for (const std::string_view name : names) texts.append(toPython(name));
+  return py::tuple(texts);
 }
 
 std::string nameArgument(py::handle name) { return textArgument(name, "a file's name"); }
@@ -83,7 +99,9 @@ py::capsule handle(PackagedFiles& files) {
 
 }  // namespace
 
-void bindFiles(RepositoryClass& repository) {
+void bindFiles(py::module_& module, RepositoryClass& repository) {
+  module.attr("FILE_KINDS") = textTuple(fileKinds);
+  module.attr("FILE_TYPES") = textTuple(Varn::fileTypeNames);
   using R = Varn::VarnFileRepository;
   repository.def(py::init<>())
       .def("create_generic", create(&R::createGenericFile))

@@ -9,8 +9,8 @@ PYBIND11_MODULE(_native, module) {
   module.doc() = "The file packaging library as the template engine sees it.";
   orv::bindErrors();
   orv::RepositoryClass repository(module, "Repository");
-  orv::bindFiles(repository);
-  orv::bindAttributes(repository);
+  orv::bindFiles(module, repository);
+  orv::bindAttributes(module, repository);
   orv::bindSections(repository);
   orv::bindCustomSections(repository);
   orv::bindTextSink(module);
