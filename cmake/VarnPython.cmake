@@ -22,7 +22,7 @@ set(VARN_PYTHON_DIR "lib/python${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}/d
   CACHE STRING "Where Python packages are installed, from the prefix")
 
 # varn_python_package(<name> MODULES <.py and other files> NATIVE <sources> [LIBRARIES ...]): the
-# package of this folder; its native part is the submodule `_native`.
+# package of this folder; its native part is the submodule `_native`, and `_version` is generated.
 function(varn_python_package name)
   cmake_parse_arguments(PACKAGE "" "" "MODULES;NATIVE;LIBRARIES" ${ARGN})
   set(target ${name}_native)
@@ -36,6 +36,9 @@ function(varn_python_package name)
     LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/python/${name}
     INSTALL_RPATH "$ORIGIN/${to_libraries}")
   install(TARGETS ${target} LIBRARY DESTINATION ${VARN_PYTHON_DIR}/${name})
+  set(version_module ${PROJECT_BINARY_DIR}/python/${name}/_version.py)
+  file(CONFIGURE OUTPUT ${version_module} CONTENT "__version__ = \"@PROJECT_VERSION@\"\n" @ONLY)
+  install(FILES ${version_module} DESTINATION ${VARN_PYTHON_DIR}/${name})
   foreach(module ${PACKAGE_MODULES})
     configure_file(${module} ${PROJECT_BINARY_DIR}/python/${name}/${module} COPYONLY)
     get_filename_component(folder ${module} DIRECTORY)

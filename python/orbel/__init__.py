@@ -35,6 +35,7 @@ from ._arrays import ObjectArray, StringArray
 from ._error import Error
 from ._native import Class, Method, Object, destroy, is_valid, set_message, wrap
 from ._package import Package, load, package, unload
+from ._version import __version__
 
 __all__ = [
     "Class",
@@ -44,6 +45,7 @@ __all__ = [
     "ObjectArray",
     "Package",
     "StringArray",
+    "__version__",
     "destroy",
     "is_valid",
     "load",
