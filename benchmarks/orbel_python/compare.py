@@ -1,6 +1,6 @@
 """What calls through orbel cost: ratios to the same calls bound directly with pybind11.
 
-    PYTHONPATH=build/release/python python3 build/release/benchmarks/orbel_python/compare.py
+    PYTHONPATH=build/bench/python python3 build/bench/benchmarks/orbel_python/compare.py
 
 With --smoke, a short run that only shows that everything works. Times are nanoseconds per call, the
 least of several rounds, in which the two sides take turns; the empty loop is subtracted.

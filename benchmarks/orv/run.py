@@ -1,6 +1,6 @@
 """Measures the template engine and prints ratios; ends with 1 when a goal is missed.
 
-    PYTHONPATH=build/release/python python3 benchmarks/orv/run.py [ROUNDS]
+    PYTHONPATH=build/bench/python python3 benchmarks/orv/run.py [ROUNDS]
 
 Each ratio is of medians over ROUNDS alternating rounds (9 when left out) on one machine in one run.
 Processor time is user and system time; memory is the largest resident size.

@@ -3,14 +3,17 @@
 //
 //   varn_benchmarks [--smoke] [--folder=FOLDER] [options of Google Benchmark]
 //
-// Files are written under FOLDER, which should be on a memory file system; /dev/shm by default.
+// Files are written under FOLDER, which should be on a memory file system; by default /dev/shm, or
+// the folder for temporary files where that is not writable.
 // --smoke runs everything once on a small scale and prints no figures.
 
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <limits>
 #include <malloc.h>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "Goals.hpp"
@@ -26,9 +29,15 @@ void keepReleasedMemory() {
   ::mallopt(M_MMAP_MAX, 0);
 }
 
+std::string defaultFolder() {
+  static const char* const memoryFolder = "/dev/shm";
+  const bool isWritable = ::access(memoryFolder, W_OK | X_OK) == 0;
+  return isWritable ? memoryFolder : std::filesystem::temp_directory_path().string();
+}
+
 struct Options {
   bool isSmoke = false;
-  std::string folder = "/dev/shm";
+  std::string folder = defaultFolder();
   // What comes later on the command line counts.
   std::vector<std::string> forBenchmark = {"--benchmark_enable_random_interleaving=true",
                                            "--benchmark_repetitions=9", "--benchmark_min_time=0.1"};

@@ -1,4 +1,4 @@
-"""Lists the functions of every file that is about to be written, and puts a banner on each.
+"""Puts a banner on every file that is about to be written, and lists the functions of each.
 
 For `orv generate --script`, which gives the repository as `repo`.
 """
@@ -30,7 +30,8 @@ def banner(name: str, functions: list[str]) -> str:
 
 for file in repo.FileList:
     functions = functions_of(file)
-    print(f"{file.Name}: {len(functions)} functions")
+    if functions:
+        print(f"{file.Name} has {len(functions)} functions")
     text = banner(file.Name, functions)
     if file.hasSection("BANNER_SECTION"):
         file.getFileSection("BANNER_SECTION").addContent(text + "\n")

@@ -120,10 +120,7 @@ def test_a_context_gives_what_it_has(tmp_path: Path) -> None:
 def test_banners_name_the_functions(tmp_path: Path) -> None:
     done = generate(tmp_path, "version=1.0", script=EXAMPLE / "banner.py")
     assert (done.returncode, done.stderr) == (0, "")
-    assert done.stdout == (
-        "gl_types.h: 0 functions\ngl_loader.h: 0 functions\n"
-        "gl_loader.c: 3 functions\ngl_version_1_0.h: 0 functions\n"
-    )
+    assert done.stdout == "gl_loader.c has 3 functions\n"
     line = "{}: made from the Khronos registry. Do not edit; make it again.\n"
     functions = " *\n * Functions:\n * look_up_GL_VERSION_1_0, find_versions, glloader_load\n"
     source = (tmp_path / "gl_loader.c").read_text()
