@@ -9,8 +9,8 @@
 
 namespace Varn {
 
-// How an attribute is read from a file and written to it. Only the reader of the attribute's kind is
-// set; a read-only attribute has no writer.
+// How an attribute is read from a file and written to it. Only the reader of the attribute's kind
+// is set; a read-only attribute has no writer.
 struct AttributeAccess {
   const std::string& (*readString)(const VarnFile&) = nullptr;
   const std::vector<std::string>& (*readStringArray)(const VarnFile&) = nullptr;
