@@ -9,6 +9,10 @@ class OrvError(Exception):
     """A failure that the user can do something about. Its text stands on its own."""
 
 
+class Misuse(OrvError):
+    """A command line that does not say what to do."""
+
+
 class Diagnostic(OrvError):
     """An error that the packaging library detected.
 

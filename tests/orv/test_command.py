@@ -211,24 +211,32 @@ def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -
             os.utime(tmp_path / source, (1, 1))
 
 
+# Arguments after the command's name, the exit code and the message.
 MISTAKES = {
-    "template": (["t.j2", "--out", "o"], 1, "error: t.j2:2: 'nope' is undefined\n"),
-    "no template": (["no.j2", "--out", "o"], 1, 'error: there is no template "no.j2" in "."\n'),
+    "template": (["t.j2", "--out", "o"], 1, "t.j2:2: 'nope' is undefined"),
+    "no template": (["no.j2", "--out", "o"], 1, 'there is no template "no.j2" in "."'),
     "no model": (
         ["t.j2", "--out", "o", "--model", "no.json"],
         1,
-        "error: no.json: No such file or directory\n",
+        "no.json: No such file or directory",
     ),
     "set": (
         ["t.j2", "--out", "o", "--set", "x"],
         2,
-        "orv generate: error: argument --set: expected KEY=VALUE with a name for KEY, not 'x'\n",
+        "argument --set: expected KEY=VALUE with a name for KEY, not 'x'",
     ),
     "set JSON": (
         ["t.j2", "--out", "o", "--set", "x=[1"],
         2,
-        "orv generate: error: argument --set: x: line 1: Expecting ',' delimiter;"
-        " put a text that begins like JSON in double quotes\n",
+        "argument --set: x: line 1: Expecting ',' delimiter;"
+        " put a text that begins like JSON in double quotes",
+    ),
+    "unknown": (["--ot=o", "t.j2"], 2, 'unrecognized argument --ot=o; did you mean "--out"?'),
+    "no out": (["t.j2"], 2, "--out is missing"),
+    "modes": (
+        ["t.j2", "--check", "--dry-run"],
+        2,
+        "argument --dry-run: not allowed with argument --check",
     ),
 }
 
@@ -238,8 +246,9 @@ def test_mistakes_write_nothing(orv: Command, tmp_path: Path, name: str) -> None
     arguments, code, message = MISTAKES[name]
     text = '{% file "a" %}{% section "Banner" %}x{% endsection %}{% endfile %}\n{{ nope }}'
     done = orv("generate", *arguments, t__j2=text)
+    prefix, hint = ("orv generate: ", "Try 'orv generate --help'.\n") if code == 2 else ("", "")
     assert (done.returncode, done.stdout) == (code, "")
-    assert done.stderr == message or (code == 2 and done.stderr.endswith("\n" + message))
+    assert done.stderr == f"{prefix}error: {message}\n{hint}"
     assert not (tmp_path / "o").exists()
 
 

@@ -1,5 +1,5 @@
 """The command line `orv`."""
 
-from orv.command.generate import main
+from orv.command.main import main
 
 __all__ = ["main"]

@@ -2,58 +2,36 @@
 
 from __future__ import annotations
 
-import io
 import os
-import signal
 import sys
-from collections.abc import Sequence
-from typing import NoReturn
+from typing import Any
 
+from orv.command.options import GenerateOptions
+from orv.command.progress import progress
+from orv.errors import Messages, Misuse, OutputError
+from orv.files.run import Run
+from orv.models.model import build_model
 from orv.output import reports
 from orv.output.depfile import depfile
-from orv.templates.engine import RecordingLoader, render, search_folders
-from orv.errors import Messages, OrvError, OutputError
-from orv.models.model import build_model
-from orv.command.options import Options, parse_options
-from orv.command.progress import progress
-from orv.files.run import Run
 from orv.output.writer import PlannedFile, plan, write
+from orv.templates.engine import RecordingLoader, render, search_folders
 
 
-def main(arguments: Sequence[str] | None = None) -> int:
-    """Run the command line. 0: done; 1: failed, or something differs. Misuse ends with 2."""
-    _prepare_streams()
-    try:
-        try:
-            return _run(arguments)
-        finally:
-            sys.stdout.flush()
-            sys.stderr.flush()
-    except OSError as error:
-        _give_up_streams()
-        if not isinstance(error, BrokenPipeError):
-            what = error.filename or "the results"
-            print(f"error: {what} cannot be written: {error.strerror}", file=sys.stderr)
-        return 1
+def run(given: dict[str, Any]) -> int:
+    """The command `orv generate`, with the options that were given."""
+    options = GenerateOptions(**given)
+    if len(options.template) != 1:
+        raise Misuse(f"expected one TEMPLATE, got {len(options.template)}")
+    if options.out is None:
+        raise Misuse("--out is missing")
+    return generate(options, options.out)
 
 
-def _run(arguments: Sequence[str] | None) -> int:
-    options = parse_options(arguments)
-    signal.signal(signal.SIGTERM, _interrupt)
-    try:
-        return generate(options)
-    except OrvError as error:
-        print(f"error: {error}", file=sys.stderr)
-    except KeyboardInterrupt:
-        print("error: interrupted; no file was being written", file=sys.stderr)
-    return 1
-
-
-def generate(options: Options) -> int:
+def generate(options: GenerateOptions, out: str) -> int:
     """Render, run the scripts, and write or compare."""
     messages = Messages(lambda text: _warn(text, options), options.strict)
     model = build_model(options.model, options.set)
-    folders, name = search_folders(options.template, options.templates)
+    folders, name = search_folders(options.template[0], options.templates)
     loader = RecordingLoader(folders)
     with progress("rendering", None, options.quiet) as step:
         run = render(name, model, loader, messages, step)
@@ -62,7 +40,7 @@ def generate(options: Options) -> int:
 
         _say(f"running {script}", options)
         run_script(script, run, model)
-    files = plan(run, options.out)
+    files = plan(run, out)
     for path in [source.path for source in options.model] + loader.files:
         _say(f"read {path}", options)
     sources = [*loader.files, *(source.path for source in options.model), *options.script]
@@ -78,7 +56,7 @@ def generate(options: Options) -> int:
 
 
 def _reports(
-    files: list[PlannedFile], sources: list[str], run: Run, options: Options
+    files: list[PlannedFile], sources: list[str], run: Run, options: GenerateOptions
 ) -> list[reports.Report]:
     wanted: list[reports.Report] = []
     if options.manifest is not None and options.writes:
@@ -106,7 +84,7 @@ def _taken(files: list[PlannedFile], sources: list[str], run: Run) -> dict[str, 
     return taken
 
 
-def _write_all(files: list[PlannedFile], run: Run, options: Options) -> None:
+def _write_all(files: list[PlannedFile], run: Run, options: GenerateOptions) -> None:
     with progress("writing", sum(file.differs for file in files), options.quiet) as step:
 
         def wrote(_: PlannedFile) -> None:
@@ -117,7 +95,7 @@ def _write_all(files: list[PlannedFile], run: Run, options: Options) -> None:
     _list(files, options)
 
 
-def _show(files: list[PlannedFile], options: Options) -> None:
+def _show(files: list[PlannedFile], options: GenerateOptions) -> None:
     if not options.diff:
         _list(files, options)
         return
@@ -128,7 +106,7 @@ def _show(files: list[PlannedFile], options: Options) -> None:
             sys.stdout.write(difference(file))
 
 
-def _list(files: list[PlannedFile], options: Options) -> None:
+def _list(files: list[PlannedFile], options: GenerateOptions) -> None:
     for file in files:
         line = f"{file.state.value:8}{file.shown}"
         if file.differs and not options.quiet:
@@ -137,33 +115,11 @@ def _list(files: list[PlannedFile], options: Options) -> None:
             _say(line, options)
 
 
-def _say(text: str, options: Options) -> None:
+def _say(text: str, options: GenerateOptions) -> None:
     if options.verbose:
         print(text, file=sys.stderr)
 
 
-def _warn(text: str, options: Options) -> None:
+def _warn(text: str, options: GenerateOptions) -> None:
     if not options.quiet:
         print(f"warning: {text}", file=sys.stderr)
-
-
-def _prepare_streams() -> None:
-    """The same bytes in any locale, and somewhere to write to when a stream is closed."""
-    sys.stdout = sys.stdout or open(os.devnull, "w")
-    sys.stderr = sys.stderr or open(os.devnull, "w")
-    for stream in (sys.stdout, sys.stderr):
-        if isinstance(stream, io.TextIOWrapper):
-            stream.reconfigure(encoding="utf-8", errors="surrogateescape")
-
-
-def _give_up_streams() -> None:
-    """Drop what a stream does not take, or the interpreter would complain about it at the end."""
-    for stream in (sys.stdout, sys.stderr):
-        try:
-            stream.flush()
-        except OSError:
-            os.dup2(os.open(os.devnull, os.O_WRONLY), stream.fileno())
-
-
-def _interrupt(*_: object) -> NoReturn:
-    raise KeyboardInterrupt

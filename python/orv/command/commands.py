@@ -1,0 +1,43 @@
+"""The commands of `orv`."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass
+
+from orv.command.option import Option, options_of
+from orv.command.options import GenerateOptions
+
+SUMMARY = "Packages generated C text into files, section by section."
+
+
+@dataclass(frozen=True)
+class Command:
+    """One command. The function `run` of its module takes its options and returns the exit code.
+
+    The module is imported only when the command runs, so that help needs no engine.
+    """
+
+    name: str
+    help: str
+    description: str
+    holder: type
+
+    @property
+    def module(self) -> str:
+        """The name of the module that does the work."""
+        return f"orv.command.{self.name.replace('-', '_')}"
+
+    @property
+    def options(self) -> list[Option]:
+        """The command's options, in the order of its help."""
+        return options_of(self.holder)
+
+
+COMMANDS = (
+    Command(
+        "generate",
+        "render templates and write the files",
+        "Render TEMPLATE with the models and write the files it declares below DIR.",
+        GenerateOptions,
+    ),
+)
