@@ -34,6 +34,10 @@ class ModelError(OrvError):
     """A model file cannot be read, or does not hold what a model holds."""
 
 
+class ProjectError(OrvError):
+    """A project file cannot be read, or says what no command line can say."""
+
+
 class ScriptError(OrvError):
     """A script failed. The text names script and line."""
 

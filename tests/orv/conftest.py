@@ -11,7 +11,7 @@ from pathlib import Path
 import pytest
 from jinja2 import DictLoader
 
-from orv.templates.engine import render
+from orv.templates.engine import Source, render
 from orv.errors import Messages
 from orv.output.writer import plan
 
@@ -29,7 +29,8 @@ def files_of(
         templates = {"main.j2": templates}
     heard: list[str] = [] if warnings is None else warnings
     messages = Messages(heard.append, strict)
-    run = render(next(iter(templates)), model or {}, DictLoader(templates), messages)
+    source = Source(next(iter(templates)), DictLoader(templates))
+    run = render([source], model or {}, messages)
     return {
         os.path.relpath(file.shown, "/out"): file.data.decode()
         for file in plan(run, "/out")
@@ -42,13 +43,16 @@ def orv(tmp_path: Path) -> Command:
     """Runs the command line in a folder of its own, where files can be put before."""
 
     def run(
-        *arguments: str, env: Mapping[str, str] | None = None, **texts: str
+        *arguments: str,
+        env: Mapping[str, str] | None = None,
+        cwd: Path = tmp_path,
+        **texts: str,
     ) -> subprocess.CompletedProcess[str]:
         for name, text in texts.items():
             (tmp_path / name.replace("__", ".")).write_text(text)
         return subprocess.run(
             [sys.executable, "-m", "orv", *arguments],
-            cwd=tmp_path,
+            cwd=cwd,
             env={**os.environ, **(env or {})},
             capture_output=True,
             text=True,

@@ -37,7 +37,8 @@ COMMANDS = (
     Command(
         "generate",
         "render templates and write the files",
-        "Render TEMPLATE with the models and write the files it declares below DIR.",
+        "Render each TEMPLATE with the models and write the files that they declare below DIR."
+        " Without TEMPLATE, do the runs of a project file.",
         GenerateOptions,
     ),
 )

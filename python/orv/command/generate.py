@@ -8,42 +8,44 @@ from typing import Any
 
 from orv.command.options import GenerateOptions
 from orv.command.progress import progress
-from orv.errors import Messages, Misuse, OutputError
+from orv.command.runs import requested_runs, require_own_reports
+from orv.errors import Messages, OutputError
 from orv.files.run import Run
 from orv.models.model import build_model
 from orv.output import reports
 from orv.output.depfile import depfile
 from orv.output.writer import PlannedFile, plan, write
-from orv.templates.engine import RecordingLoader, render, search_folders
+from orv.templates.engine import render, source_beside
 
 
 def run(given: dict[str, Any]) -> int:
     """The command `orv generate`, with the options that were given."""
-    options = GenerateOptions(**given)
-    if len(options.template) != 1:
-        raise Misuse(f"expected one TEMPLATE, got {len(options.template)}")
-    if options.out is None:
-        raise Misuse("--out is missing")
-    return generate(options, options.out)
+    runs = requested_runs(given)
+    require_own_reports(runs)
+    return max([generate(options) for options in runs])
 
 
-def generate(options: GenerateOptions, out: str) -> int:
+def generate(options: GenerateOptions) -> int:
     """Render, run the scripts, and write or compare."""
+    if options.run_name is not None:
+        _say(f"run {options.run_name}", options)
     messages = Messages(lambda text: _warn(text, options), options.strict)
     model = build_model(options.model, options.set)
-    folders, name = search_folders(options.template[0], options.templates)
-    loader = RecordingLoader(folders)
+    read: list[str] = []
+    templates = [source_beside(path, options.templates, read) for path in options.template]
     with progress("rendering", None, options.quiet) as step:
-        run = render(name, model, loader, messages, step)
+        run = render(templates, model, messages, step)
     for script in options.script:
         from orv.scripts import run_script
 
         _say(f"running {script}", options)
         run_script(script, run, model)
-    files = plan(run, out)
-    for path in [source.path for source in options.model] + loader.files:
+    files = plan(run, options.out)
+    for path in [source.path for source in options.model] + read:
         _say(f"read {path}", options)
-    sources = [*loader.files, *(source.path for source in options.model), *options.script]
+    sources = [*read, *(source.path for source in options.model), *options.script]
+    if options.project is not None:
+        sources.append(options.project)
     wanted = _reports(files, sources, run, options)
     reports.prepare(wanted, _taken(files, sources, run))
     if options.writes:

@@ -6,7 +6,7 @@ import os
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, ClassVar
 
-from orv.command.option import ValueType, file, flag, folder, operands, value, values
+from orv.command.option import ValueType, file, flag, folder, operands, text, value, values
 
 if TYPE_CHECKING:
     from orv.models.model import ModelSource, Setting
@@ -40,7 +40,7 @@ class InputOptions:
     GROUP: ClassVar[str] = "input"
 
     template: list[str] = operands(
-        file("TEMPLATE"), "the template; others are looked for beside it"
+        file("TEMPLATE"), "a template; others are looked for beside it"
     )
     templates: list[str] = values(folder("DIR"), "look for templates here too")
     model: list[ModelSource] = values(
@@ -59,7 +59,7 @@ class OutputOptions:
 
     GROUP: ClassVar[str] = "output"
 
-    out: str | None = value(folder("DIR"), "the folder for the files")
+    out: str = value(folder("DIR"), "the folder for the files", default="")
     depfile: str | None = value(file("FILE"), "write the dependencies for make or ninja")
     manifest: str | None = value(
         file("FILE.json"), "write what the run made, for other programs"
@@ -81,8 +81,27 @@ class MessageOptions:
 
 
 @dataclass
-class GenerateOptions(MessageOptions, OutputOptions, InputOptions):
+class ProjectOptions:
+    """Which runs of which project file."""
+
+    GROUP: ClassVar[str] = "project"
+
+    run: list[str] = values(
+        text("NAME"), "do this run of the project file; with TEMPLATE, the name of the run"
+    )
+    project: str | None = value(
+        file("FILE.toml"), "the project file; orv.toml here or in the closest folder above"
+    )
+
+
+@dataclass
+class GenerateOptions(MessageOptions, OutputOptions, InputOptions, ProjectOptions):
     """The options of `orv generate`."""
+
+    @property
+    def run_name(self) -> str | None:
+        """The name of the run; a run without TEMPLATE in the command line has one."""
+        return self.run[0] if self.run else None
 
     @property
     def writes(self) -> bool:

@@ -3,8 +3,9 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Callable, Mapping, Sequence
-from typing import Any
+from collections.abc import Callable, Iterator, Mapping, Sequence
+from contextlib import contextmanager
+from typing import Any, NamedTuple
 
 from jinja2 import BaseLoader, FileSystemLoader, TemplateNotFound, TemplateSyntaxError
 from jinja2.exceptions import TemplatesNotFound
@@ -17,13 +18,13 @@ from orv.files.run import Run
 
 
 class RecordingLoader(BaseLoader):
-    """Loads templates from folders and keeps the files it has read."""
+    """Loads templates from folders and adds the files that it has read to `files`."""
 
-    def __init__(self, folders: Sequence[str]) -> None:
+    def __init__(self, folders: Sequence[str], files: list[str]) -> None:
         # A byte order mark is none of the template's text.
         self._loader = FileSystemLoader(folders, encoding="utf-8-sig")
         self.folders = list(folders)
-        self.files: list[str] = []
+        self._files = files
 
     def get_source(self, environment: Any, template: str) -> Any:
         """The source of the template; see jinja2.BaseLoader."""
@@ -31,39 +32,59 @@ class RecordingLoader(BaseLoader):
             source, filename, up_to_date = self._loader.get_source(environment, template)
         except UnicodeDecodeError as error:
             raise TemplateError(f"{template}: the template is not UTF-8: {error}") from error
-        if filename not in self.files:
-            self.files.append(filename)
+        if filename not in self._files:
+            self._files.append(filename)
         return source, filename, up_to_date
 
 
+class Source(NamedTuple):
+    """A template by its name, and the loader for it and for those that it names."""
+
+    template: str
+    loader: BaseLoader
+
+
 def render(
-    template: str,
+    sources: Sequence[Source],
     model: Mapping[str, object],
-    loader: BaseLoader,
     messages: Messages,
     step: Callable[[], None] | None = None,
 ) -> Run:
-    """Render the template called `template` with the variables of `model`, and finish the run.
+    """Render the templates, one after the other, with the variables of `model`; finish the run.
 
     `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the
     line that is to blame.
     """
     run = Run(messages)
-    environment = Environment(run, loader)
-    try:
-        compiled = environment.get_template(template)
-        for piece in compiled.root_render_func(compiled.new_context(dict(model))):
-            if step is not None:
-                step()
-            if piece and not piece.isspace():
-                text = run.placements.readable(piece)
-                raise Located(f"{_known(environment.output_position())}: {outside_text(text)}")
+    for source in sources:
+        with _template_errors(source.loader):
+            _render_one(run, source, model, step)
+    with _template_errors(sources[-1].loader):
         run.finish()
+    return run
+
+
+def _render_one(
+    run: Run, source: Source, model: Mapping[str, object], step: Callable[[], None] | None
+) -> None:
+    environment = Environment(run, source.loader)
+    compiled = environment.get_template(source.template)
+    for piece in compiled.root_render_func(compiled.new_context(dict(model))):
+        if step is not None:
+            step()
+        if piece and not piece.isspace():
+            text = run.placements.readable(piece)
+            raise Located(f"{_known(environment.output_position())}: {outside_text(text)}")
+
+
+@contextmanager
+def _template_errors(loader: BaseLoader) -> Iterator[None]:
+    try:
+        yield
     except (Located, TemplateError):
         raise
     except Exception as error:
         raise _template_error(error, loader) from error
-    return run
 
 
 def _template_error(error: Exception, loader: BaseLoader) -> TemplateError:
@@ -108,7 +129,10 @@ def _known(position: positions.Position | None) -> positions.Position:
     return position or positions.Position("<template>", 0)
 
 
-def search_folders(template: str, more: Sequence[str]) -> tuple[list[str], str]:
-    """The folders to look for templates in, the template's own first, and its name in there."""
+def source_beside(template: str, more: Sequence[str], files: list[str]) -> Source:
+    """The template of this path; others are looked for in its folder, then in `more`.
+
+    The files that are read are added to `files`.
+    """
     folder, name = os.path.split(template)
-    return [folder or ".", *more], name
+    return Source(name, RecordingLoader([folder or ".", *more], files))

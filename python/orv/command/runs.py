@@ -1,0 +1,63 @@
+"""The runs that a command line asks for: one of its own, or those of a project file."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Sequence
+from typing import Any
+
+from orv.command.option import options_of
+from orv.command.options import GenerateOptions, ProjectOptions
+from orv.errors import Misuse, ProjectError
+
+_SELECTION = options_of(ProjectOptions)
+_OPTIONS = [option for option in options_of(GenerateOptions) if option not in _SELECTION]
+
+
+def requested_runs(given: dict[str, Any]) -> list[GenerateOptions]:
+    """The options of each run, complete. Raises Misuse and ProjectError."""
+    asked = GenerateOptions(**given)
+    if asked.template:
+        return [_own_run(asked)]
+    return _project_runs(asked, given)
+
+
+def require_own_reports(runs: Sequence[GenerateOptions]) -> None:
+    """Fail when two runs would write the same report."""
+    owners: dict[str, str | None] = {}
+    for options in runs:
+        for path in (options.depfile, options.manifest):
+            if path is None:
+                continue
+            other = owners.setdefault(os.path.realpath(path), options.run_name)
+            if other != options.run_name:
+                raise Misuse(f'the runs "{other}" and "{options.run_name}" both write {path}')
+
+
+def _own_run(options: GenerateOptions) -> GenerateOptions:
+    if options.project is not None:
+        raise Misuse("argument --project: not allowed with TEMPLATE")
+    if len(options.run) > 1:
+        raise Misuse("argument --run: expected one name for the run of TEMPLATE")
+    if not options.out:
+        raise Misuse("--out is missing")
+    return options
+
+
+def _project_runs(asked: GenerateOptions, given: dict[str, Any]) -> list[GenerateOptions]:
+    from orv.command.project import PROJECT_FILE, Project, find_project, merged
+
+    path = asked.project or find_project()
+    if path is None:
+        raise Misuse(f"expected a TEMPLATE, or {PROJECT_FILE} in this folder or one above")
+    project = Project(path, _OPTIONS)
+    runs: list[GenerateOptions] = []
+    for run in project.select(asked.run):
+        values = merged(_OPTIONS, run.values, given)
+        for needed in ("template", "out"):
+            if not values.get(needed):
+                place = project.place("run", run.name)
+                raise ProjectError(f'{place}: the run "{run.name}" has no key "{needed}"')
+        values.update(run=[run.name], project=path)
+        runs.append(GenerateOptions(**values))
+    return runs
