@@ -8,6 +8,7 @@ from orv.command.option import Option, options_of
 from orv.command.options import GenerateOptions
 
 SUMMARY = "Packages generated C text into files, section by section."
+EXIT_CODES = "Ends with 0 when all went well, 1 when something failed or differs, 2 on misuse."
 
 
 @dataclass(frozen=True)

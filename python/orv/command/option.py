@@ -46,6 +46,11 @@ class Option:
         """The name of the field that holds the value."""
         return self.name.replace("-", "_")
 
+    @property
+    def full_help(self) -> str:
+        """The help as it is shown."""
+        return self.help + (" (repeatable)" if self.repeatable and not self.positional else "")
+
 
 def text(metavar: str) -> ValueType:
     """Any text."""

@@ -95,7 +95,7 @@ class ProjectOptions:
 
 
 @dataclass
-class GenerateOptions(MessageOptions, OutputOptions, InputOptions, ProjectOptions):
+class GenerateOptions(ProjectOptions, MessageOptions, OutputOptions, InputOptions):
     """The options of `orv generate`."""
 
     @property

@@ -7,19 +7,17 @@ from collections.abc import Callable, Sequence
 from typing import Any, NoReturn
 
 from orv._version import __version__
-from orv.command.commands import COMMANDS, SUMMARY, Command
+from orv.command.commands import COMMANDS, EXIT_CODES, SUMMARY, Command
 from orv.command.option import Option
 from orv.errors import OrvError, did_you_mean
-
-_EXIT_CODES = "Ends with 0 when all went well, 1 when something failed or differs, 2 on misuse."
-
 
 class CommandParser(argparse.ArgumentParser):
     """A parser that returns only what was given, and takes options before and after operands."""
 
     def __init__(self, **settings: Any) -> None:
-        settings.setdefault("epilog", _EXIT_CODES)
+        settings.setdefault("epilog", EXIT_CODES)
         super().__init__(argument_default=argparse.SUPPRESS, allow_abbrev=False, **settings)
+        self.children: dict[str, CommandParser] = {}
 
     def add_options(self, options: Sequence[Option]) -> None:
         """Add rows of an option table, under the titles of their groups."""
@@ -48,14 +46,14 @@ class CommandParser(argparse.ArgumentParser):
 
 
 def orv_parser() -> CommandParser:
-    """The parser of `orv` itself: its options, and its commands by name."""
-    parser = CommandParser(prog="orv", description=SUMMARY)
+    """The parser of `orv` itself: its options, and its commands as children, by name."""
+    parser = CommandParser(prog="orv", usage="orv [OPTIONS] COMMAND ...", description=SUMMARY)
     parser.add_argument("--version", action="version", version=f"orv {__version__}")
     commands = parser.add_subparsers(metavar="COMMAND")
     for command in COMMANDS:
-        commands.add_parser(command.name, help=command.help, **_settings(command)).add_options(
-            command.options
-        )
+        child = commands.add_parser(command.name, help=command.help, **_settings(command))
+        child.add_options(command.options)
+        parser.children[command.name] = child
     return parser
 
 
@@ -77,8 +75,7 @@ def _add(group: Any, option: Option) -> None:
     if option.type is None:
         group.add_argument(f"--{option.name}", action="store_true", help=option.help)
         return
-    repeats = " (repeatable)" if option.repeatable and not option.positional else ""
-    settings: dict[str, Any] = {"metavar": option.type.metavar, "help": option.help + repeats}
+    settings: dict[str, Any] = {"metavar": option.type.metavar, "help": option.full_help}
     if option.type.choices:
         settings["choices"] = option.type.choices
     settings["type"] = _parser_of(option.type.parse)
