@@ -23,9 +23,10 @@ extern int {{ name }};
 int get(void) { return {{ start }}; }
 {% endfunction %}
 {% endfile %}
-{% file "none.c" %}{% endfile %}
+{% file "none.c" %}{% include_required "a.h" %}{% endfile %}
 """
 MODEL = '{"name": "count", "start": 1}'
+EMPTY = "empty, not written: none.c (only includes)\n"
 
 
 def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: Path) -> None:
@@ -33,7 +34,7 @@ def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: P
     first = orv(*run, t__j2=TEMPLATE, m__json=MODEL)
     assert (first.returncode, first.stdout, first.stderr) == (
         0,
-        "new     out/count.h\nnew     out/src/count.c\n",
+        f"new     out/count.h\nnew     out/src/count.c\n{EMPTY}",
         "",
     )
     source, header = tmp_path / "out/src/count.c", tmp_path / "out/count.h"
@@ -47,7 +48,7 @@ def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: P
     second = orv(*run, "--set", "start=2", "--verbose")
     assert (second.returncode, second.stdout, second.stderr) == (
         0,
-        "changed out/src/count.c\n",
+        f"changed out/src/count.c\n{EMPTY}",
         "read m.json\nread t.j2\nsame    out/count.h\nempty   none.c\n",
     )
     assert (header.stat().st_mtime, source.stat().st_mode & 0o777) == (1, 0o640)
@@ -56,11 +57,12 @@ def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: P
 def test_check_diff_and_dry_run_write_nothing(orv: Command, tmp_path: Path) -> None:
     run = ("generate", "t.j2", "--model", "m.json", "--out", "out")
     dry = orv(*run, "--dry-run", t__j2=TEMPLATE, m__json=MODEL)
-    assert (dry.returncode, dry.stdout) == (0, "new     out/count.h\nnew     out/src/count.c\n")
+    assert (dry.returncode, dry.stdout) == (0, f"new     out/count.h\nnew     out/src/count.c\n{EMPTY}")
     assert orv(*run, "--check", "--quiet").returncode == 1
     assert not (tmp_path / "out").exists()
     orv(*run)
-    assert (orv(*run, "--check").returncode, orv(*run, "--check").stdout) == (0, "")
+    same = orv(*run, "--check")
+    assert (same.returncode, same.stdout) == (0, f"up to date\n{EMPTY}")
     (tmp_path / "out/count.h").unlink()
     (tmp_path / "out/src/count.c").write_text("old\nend")
     both = orv(*run, "--check", "--diff")

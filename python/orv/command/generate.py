@@ -4,7 +4,8 @@ from __future__ import annotations
 
 import os
 import sys
-from typing import Any
+from collections.abc import Sequence
+from typing import Any, NamedTuple
 
 from orv.command.options import GenerateOptions
 from orv.command.progress import progress
@@ -17,15 +18,34 @@ from orv.output.depfile import depfile
 from orv.output.writer import PlannedFile, plan, write
 from orv.templates.engine import render, source_beside
 
+# How many empty files are named.
+_SHOWN = 10
+
+
+class Outcome(NamedTuple):
+    """What a run came to: whether a file differed from the disk, and the files without text."""
+
+    differs: bool
+    empty: list[str]
+
 
 def run(given: dict[str, Any]) -> int:
     """The command `orv generate`, with the options that were given."""
     runs = requested_runs(given)
     require_own_reports(runs)
-    return max([generate(options) for options in runs])
+    code = 0
+    told: list[Outcome] = []
+    for options in runs:
+        outcome = generate(options)
+        code = max(code, int(options.check and outcome.differs))
+        if not options.quiet and not options.diff:
+            told.append(outcome)
+    if told:
+        _summarize(told)
+    return code
 
 
-def generate(options: GenerateOptions) -> int:
+def generate(options: GenerateOptions) -> Outcome:
     """Render, run the scripts, and write or compare."""
     if options.run_name is not None:
         _say(f"run {options.run_name}", options)
@@ -54,7 +74,8 @@ def generate(options: GenerateOptions) -> int:
         _show(files, options)
     for report in wanted:
         reports.write(report)
-    return 1 if options.check and any(file.differs for file in files) else 0
+    empty = [_empty_label(file, run) for file in files if not file.target]
+    return Outcome(any(file.differs for file in files), empty)
 
 
 def _reports(
@@ -115,6 +136,23 @@ def _list(files: list[PlannedFile], options: GenerateOptions) -> None:
             print(line)
         elif not file.differs:
             _say(line, options)
+
+
+def _empty_label(file: PlannedFile, run: Run) -> str:
+    includes = [
+        run.repository.get_attribute(file.index, name)
+        for name in ("RequiredIncludes", "UtilityIncludes")
+    ]
+    return f"{file.shown} (only includes)" if any(includes) else file.shown
+
+
+def _summarize(outcomes: Sequence[Outcome]) -> None:
+    if not any(outcome.differs for outcome in outcomes):
+        print("up to date")
+    empty = [label for outcome in outcomes for label in outcome.empty]
+    if empty:
+        more = f" and {len(empty) - _SHOWN} more" if len(empty) > _SHOWN else ""
+        print(f"empty, not written: {', '.join(empty[:_SHOWN])}{more}")
 
 
 def _say(text: str, options: GenerateOptions) -> None:
