@@ -12,7 +12,6 @@ from jinja2 import DictLoader, Environment, StrictUndefined
 from jinja2.sandbox import ImmutableSandboxedEnvironment
 
 from orv.templates.engine import Source, render
-from orv.output.layout import compose
 from orv.errors import Messages
 
 TEMPLATE = Path(__file__).with_name("modules.j2").read_text()
@@ -60,7 +59,7 @@ def modules(count: int, fields: int) -> dict[str, object]:
 def through_orv(model: dict[str, object]) -> int:
     """Render and compose all files in memory; returns the number of bytes in their sections."""
     run = render([Source("modules.j2", DictLoader({"modules.j2": TEMPLATE}))], model, Messages())
-    files = [compose(run, index) for index in range(len(run.repository))]
+    files = [run.repository.compose(index) for index in range(len(run.repository))]
     return sum(size for file in files for size in file.sections.values())
 
 

@@ -17,7 +17,7 @@ from orv.errors import Diagnostic
 def test_indices_are_checked_first(index: int) -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
-    sink = _native.TextSink(repository, print)
+    printer = _native.Printer(repository, str, print, id)
     calls: list[tuple[Any, tuple[Any, ...]]] = [
         (repository.get_attribute, (index, "Type")),
         (repository.set_attribute, (index, "Type", "x")),
@@ -30,9 +30,7 @@ def test_indices_are_checked_first(index: int) -> None:
         (repository.fill_custom, (index, "c", "x")),
         (repository.retrieve_custom, (index, "c", "x")),
         (repository.class_name, (index,)),
-        (sink.append_to, ("x", "Enums", index)),
-        (sink.add_function_to, ("x", "f", index)),
-        (_native.Stream.in_memory().write_section, (repository, index, "Enums")),
+        (repository.compose, (index,)),
     ]
     for call, arguments in calls:
         with pytest.raises(Diagnostic) as raised:
@@ -46,9 +44,9 @@ def test_wrong_arguments_are_refused(wrong: Any) -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
     repository.declare_custom(0, "Enums", "c")
-    sink = _native.TextSink(repository, print)
+    printer = _native.Printer(repository, str, print, id)
     calls: list[tuple[Any, tuple[Any, ...]]] = [
-        (_native.TextSink, (wrong, print)),
+        (_native.Printer, (wrong, str, print, id)),
         (repository.create_generic, (wrong,)),
         (repository.create_module_header, ("m.h", [wrong])),
         (repository.packaging_file, (wrong,)),
@@ -56,9 +54,10 @@ def test_wrong_arguments_are_refused(wrong: Any) -> None:
         (repository.set_attribute, (0, wrong, "x")),
         (repository.section_text, (0, wrong)),
         (repository.fill_custom, (0, "c", wrong)),
-        (sink.append_to, ("x", wrong, 0)),
-        (sink.add_function_to, ("x", wrong, 0)),
-        (_native.Stream.in_memory().write, (wrong,)),
+        (printer.section, (wrong, "a.c")),
+        (printer.function, (wrong, "a.c")),
+        (printer.outside, (wrong,)),
+        (printer.leave, (wrong,)),
     ]
     for call, arguments in calls:
         with pytest.raises((TypeError, ValueError)):
@@ -66,18 +65,57 @@ def test_wrong_arguments_are_refused(wrong: Any) -> None:
     assert len(repository) == 1 and repository.section_text(0, "Enums") == ""
 
 
+def test_the_printer_refuses_what_it_cannot_do() -> None:
+    repository = _native.Repository()
+    repository.create_generic("a.c")
+    heard: list[str] = []
+    printer = _native.Printer(repository, repr, heard.append, id)
+    printer.write("lost", " ", 1, None)
+    assert (heard, printer.depth, printer.kind) == (["lost", "1", "None"], 1, "outside")
+    calls: list[tuple[Any, tuple[Any, ...]]] = [
+        (printer.close, ()),
+        (printer.leave, (1,)),
+        (printer.place, (0,)),
+        (printer.section, ()),
+        (printer.section, (22, "a.c")),
+        (printer.section, ("Enums", "no")),
+        (printer.write, ("", "\0")),
+    ]
+    printer.section(0, "a.c")
+    for call, arguments in calls[1:2] + calls[3:]:
+        with pytest.raises((RuntimeError, TypeError, ValueError, Diagnostic)):
+            call(*arguments)
+    assert printer.failed_argument == 1
+    printer.write("é\U0001f600", 2**70, -1, 1e22, True)
+    printer.close()
+    for call, arguments in calls[:3]:
+        with pytest.raises((RuntimeError, ValueError)):
+            call(*arguments)
+    assert repository.section_text(0, "Banner") == f"é\U0001f600{2**70}-11e+22True"
+    composed = repository.compose(0, ["Banner"])
+    assert (bytes(composed)[-2:], composed.sections) == (b"e\n", {"Banner": 39})
+
+
 def test_the_repository_lives_as_long_as_its_users() -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
-    sink = _native.TextSink(repository, print)
+    printer = _native.Printer(repository, str, print, id)
     handle = repository.handle()
-    alive = weakref.ref(sink)
     del repository
     gc.collect()
-    sink.append_to("x", "Enums", 0)
-    sink.current = 0
-    sink.append("y", "Enums")
-    del sink
+    printer.section("Enums", "a.c")
+    printer.write("x")
+    printer.close()
+
+    class Owner:
+        def find(self, _: object) -> int:
+            return 0
+
+    owner: Any = Owner()
+    owner.printer = _native.Printer(_native.Repository(), str, print, owner.find)
+    alive = weakref.ref(owner)
+    del owner
+    gc.collect()
     assert alive() is None and "orbel.HandleBase" in repr(handle)
 
 
@@ -97,5 +135,3 @@ def test_streams_report_what_the_system_says(tmp_path: Path) -> None:
         _native.Stream.create("a\0b")
     with pytest.raises(RuntimeError, match="is closed"):
         stream.write(b"y")
-    with pytest.raises(RuntimeError, match="not in memory"):
-        _native.Stream.create(tmp_path / "c").contents()

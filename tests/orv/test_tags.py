@@ -57,11 +57,10 @@ RESULTS = {
         },
         {"b.c": "xy\n"},
     ),
-    "custom sections in another file, placed twice removed": (
+    "custom section placed in another file": (
         '{% file "a.c" %}{% endfile %}{% file "b.h" %}{% endfile %}'
         '{% custom "c" on "Types" of "a.c" %}{% fill "c" of file("a.c") %}1\n{% endfill %}'
-        '{% set mark %}{% place "c" of "a.c" %}{% endset %}'
-        '{% section "Enums" of "b.h" %}{{ mark }}{% endsection %}'
+        '{% section "Enums" of "b.h" %}{% place "c" of "a.c" %}{% endsection %}'
         '{% fill "c" of "a.c" %}2\n{% endfill %}',
         {"b.h": "1\n2\n"},
     ),
@@ -87,6 +86,42 @@ RESULTS = {
         '{% file "a.c" %}{% section "Banner" %}{{ m.items }}{% endsection %}{% endfile %}',
         {"a.c": "7\n"},
     ),
+    "what prints itself and what becomes a value": (
+        {
+            "main.j2": '{% extends "b.j2" %}{% from "m.j2" import m, k, w %}'
+            "{% block b %}a{{ m(m(1)) }}{{ m(2)|upper }}{{ m(x=3) ~ 4 }}{{ k() }}{{ super() }}"
+            '{{ super()|replace("<", "(") }}{% call w() %}c{% endcall %}{{ "x".upper() }}'
+            "{% set s %}{{ m(5) }}{% endset %}{% filter upper %}{{ m(s) }}{% endfilter %}"
+            "{% for n in [[[], []], []] recursive %}{{ loop.index }}{% if n %}({{ loop(n) }})"
+            "{% endif %}{% endfor %}{% endblock %}",
+            "b.j2": '{% import "m.j2" as i %}{% file "a.c" %}{% section "Enums" %}'
+            "{% block b %}{{ i.m(0) }}{% endblock %}{% endsection %}{% endfile %}",
+            "m.j2": "{% macro m(x) %}<{{ x }}>{% endmacro %}{% macro w() %}[{{ caller() }}"
+            "{{ caller()|upper }}]{% endmacro %}{% macro k(x=m(9)) %}{{ x }}{% endmacro %}",
+        },
+        {"a.c": "a<<1>><2><3>4<9><0>(0>[cC]X<<5>>1(12)2\n"},
+    ),
+    "custom section placed by what prints itself": (
+        {
+            "main.j2": '{% extends "b.j2" %}{% macro m() %}{% place "c" of "a.c" %}{% endmacro %}'
+            "{% block b %}1{{ m() }}2{% include 'i.j2' %}{% call w() %}{% endcall %}{% endblock %}"
+            "{% macro w() %}{{ caller() }}{% place 'e' of 'a.c' %}{% endmacro %}",
+            "b.j2": '{% file "a.c" %}{% for c in "cde" %}{% custom c on "Defines" %}{% fill c %}'
+            '{{ c }}{% endfill %}{% endfor %}{% section "Enums" %}{% block b %}{% endblock %}'
+            '{% endsection %}{% section "Enums" %}3{% endsection %}{% endfile %}',
+            "i.j2": '{% place "d" of "a.c" %}',
+        },
+        {"a.c": "1c2de3\n"},
+    ),
+    "loop controls end what they leave": (
+        '{% file "a.c" %}{% custom "c" on "Banner" %}{% for i in range(9) %}'
+        '{% file i ~ ".c" %}{% section "Enums" %}{{ i }}{% set s %}'
+        "{% for j in [1] %}{% continue %}{% else %}{% if i == 1 %}{% break %}{% endif %}{% endfor %}"
+        '{% fill "c" of "a.c" %}{{ i }}{% if i == 0 %}{% continue %}{% endif %}{% endfill %}'
+        "{% endset %}x{% endsection %}{% endfile %}"
+        '{% endfor %}{% set l = [] %}{% do l %}{% section "Enums" %}e{% endsection %}{% endfile %}',
+        {"a.c": "0\ne\n", "0.c": "0\n", "1.c": "1\n"},
+    ),
     "guard that is never opened": (
         '{% file "a.h" DefinedMacro="A_H" order=["Banner"] %}{% section "Banner" %}b'
         "{% endsection %}{% endfile %}",
@@ -103,6 +138,11 @@ NO_FILE = (
     ' or say which file it is for: of "NAME"'
 )
 PUT_IT = "; put it between {% section %} and {% endsection %}"
+IN_VALUE = (
+    'the custom section "c" cannot be placed in a text that becomes a value, as in {% set %},'
+    " {% filter %}, or a macro whose result is passed on; print the macro by itself or put"
+    " {% place %} into the section"
+)
 LOST = "this text stands outside every section: "
 
 # The message, and the templates that it is about.
@@ -138,6 +178,19 @@ ERRORS: dict[str, str | dict[str, str]] = {
         {"main.j2": '{% extends "b" %}\n\n {{ m.x }}', "b": ""},
     f'main.j2:2: {LOST}"{{% place "c" %}}"{PUT_IT}':
         '{% file "a" %}\n{% custom "c" on "Defines" %}{% place "c" %}{% endfile %}',
+    f'main.j2:3: {LOST}"1"{PUT_IT}':
+        {"main.j2": '{% import "i" as i %}{% file "a" %}\n\n{{ 1 }}\n{{ 2 }}{% endfile %}',
+         "i": "\n"},
+    "main.j2:4: a value of type Macro has no text to print; call it with ( )":
+        '{% macro m() %}{% endmacro %}{% file "a" %}{% section "Enums" %}{{ 1 }}\n{{ m.name }}\n'
+        "{{ 2 }}\n{{ m }}\n{{ 3 }}{% endsection %}{% endfile %}",
+    f"main.j2:2: {IN_VALUE}":
+        '{% file "a" %}{% set s %}\n{% place "c" %}{% endset %}{% endfile %}',
+    f"main.j2:3: {IN_VALUE}":
+        '{% file "a" %}{% macro m() %}\n\n{% place "c" %}{% endmacro %}{{ m()|upper }}'
+        "{% endfile %}",
+    "main.j2:1: {% break %} belongs into a loop":
+        "{% for i in [1] %}{% macro m() %}{% break %}{% endmacro %}{% endfor %}",
     f"main.j2:2: {NO_FILE}": '\n{% section "Defines" %}x{% endsection %}',
     'main.j2:2: there is no section "Typdefs"; did you mean "Typedefs"?':
         '\n{% section "Typdefs" %}{% endsection %}',

@@ -3,10 +3,11 @@
 from __future__ import annotations
 
 from dataclasses import dataclass, field
+from typing import NamedTuple
 
 from orv import _native
 from orv.errors import Located, Messages, OrvError, did_you_mean
-from orv.templates.positions import Position, here
+from orv.positions import Position, here
 
 
 @dataclass
@@ -18,6 +19,14 @@ class _CustomSection:
     in_use: Position | None = None
     placed: bool = False
     early_text: list[str] = field(default_factory=list)
+
+
+class Placement(NamedTuple):
+    """Where a template places the custom section `name` of the file `file`."""
+
+    file: int
+    name: str
+    position: Position
 
 
 class CustomSections:
@@ -44,8 +53,6 @@ class CustomSections:
         """Add text to the custom section, which may be declared later. No text changes nothing."""
         if not text:
             return
-        if "\0" in text:
-            raise OrvError(f'the custom section "{name}" cannot hold the place of another one')
         section = self._section(file, name)
         section.first_fill = section.first_fill or here()
         if section.builtin:

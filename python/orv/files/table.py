@@ -7,25 +7,14 @@ from dataclasses import dataclass
 
 from orv import _native
 from orv.errors import Messages, OrvError, did_you_mean
-from orv.files.view import FileView
-from orv.templates.positions import Position, here
-
-FIXED_ATTRIBUTES = ("Name", "NameWithoutExtension")
-SETTABLE_ATTRIBUTES = (
-    "BaseName", "Type", "Creator", "CodeTemplate", "OutputDirectory", "Group", "DefinedMacro",
-    "SystemsInFile", "RequiredIncludes", "UtilityIncludes", "Filter", "IsEmpty", "WrittenToDisk",
-    "Indent", "Shared", "SharedType", "DeferredIncludeCoderTypes",
-)  # fmt: skip
-ATTRIBUTES = FIXED_ATTRIBUTES + SETTABLE_ATTRIBUTES
-
-FILE_TYPES = (
-    "ModelHeaderFile", "ModelSourceFile", "ModelDataFile", "ModelPrivateFile", "ModelTypesFile",
-    "ModelCapiSrcFile", "ModelCapiHdrFile", "ModelCapiHostHdrFile", "ModelTestIfSrcFile",
-    "ModelTestIfHdrFile", "ModelExtModeDataInterfaceFile",
-)  # fmt: skip
+from orv.positions import Position, here
 
 # The kinds of files that are named by the model's table of names, with the type of name.
 _NAMED_BY_TABLE = {"model_header": "ModelHeaderFile", "model_types": "ModelTypesFile"}
+
+
+ATTRIBUTES = tuple(name for name, _, _ in _native.ATTRIBUTES)
+_SETTABLE = tuple(name for name, _, settable in _native.ATTRIBUTES if settable)
 
 
 @dataclass
@@ -38,14 +27,77 @@ class FileRecord:
     order: tuple[str, ...] | None = None
 
 
+class FileView:
+    """A file as templates read it: its attributes and the texts of its sections, by their names.
+
+    Also `sections`, the names of the sections that it can have, and `functions`, the names of its
+    functions.
+    """
+
+    __slots__ = ("_index", "_table")
+
+    def __init__(self, table: FileTable, index: int) -> None:
+        self._table = table
+        self._index = index
+
+    @property
+    def sections(self) -> list[str]:
+        """The names of the sections that the file can have."""
+        return self._table.repository.section_names(self._index)
+
+    @property
+    def functions(self) -> list[str]:
+        """The names of the functions in the order they were added."""
+        self._table.require_text(self._index, "Functions")
+        return self._table.repository.function_names(self._index)
+
+    def __getattr__(self, name: str) -> str | bool | list[str]:
+        if not name[:1].isupper():
+            raise AttributeError(name)
+        if name in ATTRIBUTES:
+            return self._table.attribute(self._index, name)
+        if name in _native.SECTION_NAMES:
+            self._table.require_text(self._index, name)
+            return self._table.repository.section_text(self._index, name)
+        raise OrvError(
+            f'files have no attribute or section "{name}"'
+            + did_you_mean(name, [*ATTRIBUTES, *_native.SECTION_NAMES])
+        )
+
+    def __str__(self) -> str:
+        return str(self._table.repository.get_attribute(self._index, "Name"))
+
+
 class FileTable:
     """The files that templates declare, by their index in the repository."""
 
     def __init__(self, repository: _native.Repository, messages: Messages) -> None:
-        self._repository = repository
+        self.repository = repository
+        # Whether text for a section of a file waits for a custom section that is placed in it.
+        self.is_waiting: Callable[[int, str], bool] = lambda file, section: False
         self._messages = messages
         self._records: dict[int, FileRecord] = {}
         self._by_key: dict[str, int] = {}
+
+    def view(self, file: int) -> FileView:
+        """The file as templates read it."""
+        return FileView(self, file)
+
+    def require_text(self, file: int, section: str) -> None:
+        """Raise OrvError while part of the section's text is not known yet."""
+        if self.is_waiting(file, section):
+            raise OrvError(
+                f'the text of section "{section}" waits for a custom section that is placed in it;'
+                " it cannot be read before the end"
+            )
+
+    def attribute(self, file: int, name: str) -> str | bool | list[str]:
+        """The attribute; an error for IsEmpty while the file's first text waits."""
+        value = self.repository.get_attribute(file, name)
+        if name == "IsEmpty" and value:
+            for section in self.repository.section_names(file):
+                self.require_text(file, section)
+        return value
 
     def record(self, file: int) -> FileRecord | None:
         """What is known of a file; nothing for one that a script made."""
@@ -53,7 +105,7 @@ class FileTable:
 
     def label(self, file: int) -> str:
         """The file's name as messages show it."""
-        name = self._repository.get_attribute(file, "Name")
+        name = self.repository.get_attribute(file, "Name")
         return f'"{name}"' if name else "without a name"
 
     def place(self, file: int) -> str:
@@ -63,8 +115,8 @@ class FileTable:
 
     def adopt(self, file: int, script: str) -> None:
         """Take note of a file that a script made."""
-        name = str(self._repository.get_attribute(file, "Name"))
-        is_new, registered = self._repository.register_name(name)
+        name = str(self.repository.get_attribute(file, "Name"))
+        is_new, registered = self.repository.register_name(name)
         if not is_new and registered != name:
             self._messages.warn(self._clash(name, registered), script)
 
@@ -73,8 +125,8 @@ class FileTable:
         if isinstance(target, FileView):
             return target._index
         if not isinstance(target, str):
-            raise OrvError(f"a file is meant by its name, not by {type(target).__name__}")
-        index = self._repository.find(target)
+            raise OrvError(f"expected a file name, got {type(target).__name__}")
+        index = self.repository.find(target)
         if index < 0:
             raise OrvError(
                 f'there is no file "{target}" yet; declare it with {{% file %}} first'
@@ -84,8 +136,8 @@ class FileTable:
 
     def names(self) -> list[str]:
         """The names of all files, in the order they were made."""
-        files = range(len(self._repository))
-        return [str(self._repository.get_attribute(file, "Name")) for file in files]
+        files = range(len(self.repository))
+        return [str(self.repository.get_attribute(file, "Name")) for file in files]
 
     def select(self, name: str | None, kind: str | None, arguments: Sequence[object]) -> int:
         """The file that a `file` tag means, made now unless it is there."""
@@ -100,7 +152,7 @@ class FileTable:
         if kind is not None and kind in _NAMED_BY_TABLE:
             name = self._name_from_table(name, kind)
         if not isinstance(name, str) or not name:
-            raise OrvError(f"a file is declared by its name, not by {name!r}")
+            raise OrvError(f"expected a file name, got {name!r}")
         return self._named(name, kind)
 
     def set_attributes(self, file: int, attributes: Mapping[str, object]) -> None:
@@ -114,24 +166,23 @@ class FileTable:
     def name_model(self, name: str, file_names: Mapping[str, object]) -> None:
         """Name the model and its well-known files."""
         for file_type, file_name in file_names.items():
-            if file_type not in FILE_TYPES:
-                raise OrvError(
-                    f'there is no file type "{file_type}"' + did_you_mean(file_type, FILE_TYPES)
-                )
+            if file_type not in _native.FILE_TYPES:
+                hint = did_you_mean(file_type, _native.FILE_TYPES)
+                raise OrvError(f'there is no file type "{file_type}"{hint}')
             if not isinstance(file_name, str):
                 raise OrvError(f"the name of {file_type} must be text")
-            current = self._repository.file_name(file_type)
+            current = self.repository.file_name(file_type)
             if current and current != file_name:
                 raise OrvError(f'{file_type} is named "{current}" already')
-            self._repository.name_file(file_type, file_name)
-        self._repository.model_name = name
+            self.repository.name_file(file_type, file_name)
+        self.repository.model_name = name
 
     def _named(self, name: str, kind: str | None) -> int:
-        index = self._repository.find(name)
+        index = self.repository.find(name)
         if index >= 0:
             self._require_kind(index, kind)
             return index
-        repository = self._repository
+        repository = self.repository
         makers: dict[str, Callable[[], int]] = {
             "generic": lambda: repository.create_generic(name),
             "data_types": lambda: repository.create_data_types(name),
@@ -151,13 +202,13 @@ class FileTable:
         return index
 
     def _report_clash(self, name: str) -> None:
-        is_new, registered = self._repository.register_name(name)
+        is_new, registered = self.repository.register_name(name)
         if is_new:
             return
         self._messages.warn(self._clash(name, registered), here())
 
     def _clash(self, name: str, registered: str) -> str:
-        other = self._records.get(self._repository.find(registered))
+        other = self._records.get(self.repository.find(registered))
         where = f", declared at {other.declared}" if other is not None else ""
         return (
             f'the file "{name}" differs only in letter case from "{registered}"{where};'
@@ -174,7 +225,7 @@ class FileTable:
 
     def _name_from_table(self, name: str | None, kind: str) -> str:
         file_type = _NAMED_BY_TABLE[kind]
-        stem = self._repository.file_name(file_type)
+        stem = self.repository.file_name(file_type)
         if name is not None:
             raise OrvError(f'the name of {kind} comes from {{% model "NAME" {file_type}="..." %}}')
         if not stem:
@@ -184,7 +235,7 @@ class FileTable:
         return stem + ".h"
 
     def _module(self, name: str | None, kind: str, modules: tuple[int, ...]) -> int:
-        repository = self._repository
+        repository = self.repository
         header = kind == "module_header"
         find = repository.find_module_header if header else repository.find_module_source
         create = repository.create_module_header if header else repository.create_module_source
@@ -217,7 +268,7 @@ class FileTable:
         key = arguments[0]
         if key in self._by_key:
             return self._by_key[key]
-        index = self._repository.packaging_file(key)
+        index = self.repository.packaging_file(key)
         if index in self._records:
             other = next(k for k, i in self._by_key.items() if i == index)
             self._messages.warn(
@@ -234,35 +285,35 @@ class FileTable:
         if not isinstance(value, (list, tuple)) or not all(isinstance(v, str) for v in value):
             raise OrvError("order is a list of names of sections")
         for section in value:
-            self._repository.require_section(file, section)
+            self.repository.require_section(file, section)
             if value.count(section) > 1:
                 raise OrvError(f'order names the section "{section}" twice')
         self._records[file].order = tuple(value)
 
     def _set_attribute(self, file: int, name: str, value: object) -> None:
-        kind = self._repository.attribute_kind(name)
+        kind = self.repository.attribute_kind(name)
         if not kind:
-            hint = did_you_mean(name, SETTABLE_ATTRIBUTES)
+            hint = did_you_mean(name, _SETTABLE)
             raise OrvError(f'files have no attribute "{name}"{hint}')
-        if name in FIXED_ATTRIBUTES:
+        if name not in _SETTABLE:
             raise OrvError(f"{name} cannot be set: a file keeps the name that declared it")
         if kind == "list":
             for element in value if isinstance(value, (list, tuple)) else [value]:
-                self._repository.set_attribute(file, name, _text(name, element))
+                self.repository.set_attribute(file, name, _text(name, element))
             return
         if kind == "text":
             self._require_group(file, name, _text(name, value))
             self._report_move(file, name, _text(name, value))
-            self._repository.set_attribute(file, name, _text(name, value))
+            self.repository.set_attribute(file, name, _text(name, value))
             return
         if not isinstance(value, bool):
             raise OrvError(f"the value of {name} must be true or false, not {value!r}")
-        if name == "IsEmpty" and value and not self._repository.get_attribute(file, "IsEmpty"):
+        if name == "IsEmpty" and value and not self.repository.get_attribute(file, "IsEmpty"):
             raise OrvError(f"the file {self.label(file)} is not empty and cannot be made so")
-        self._repository.set_attribute(file, name, value)
+        self.repository.set_attribute(file, name, value)
 
     def _report_move(self, file: int, name: str, value: str) -> None:
-        folder = self._repository.get_attribute(file, "OutputDirectory")
+        folder = self.repository.get_attribute(file, "OutputDirectory")
         if name == "OutputDirectory" and folder and folder != value:
             self._messages.warn(
                 f'the file {self.label(file)} had the OutputDirectory "{folder}" and has "{value}"'
@@ -271,7 +322,7 @@ class FileTable:
             )
 
     def _require_group(self, file: int, name: str, value: str) -> None:
-        group = self._repository.get_attribute(file, "Group")
+        group = self.repository.get_attribute(file, "Group")
         if name == "Group" and group and group != value:
             raise OrvError(
                 f'the file {self.label(file)} is in the group "{group}", which it cannot leave'

@@ -6,6 +6,8 @@
 
 #include <pybind11/pybind11.h>
 
+#include <orbel/Diagnostics.hpp>
+
 #include "python/orv/native/PackagedFiles.hpp"
 
 namespace orv {
@@ -14,6 +16,8 @@ using RepositoryClass = pybind11::class_<PackagedFiles, std::shared_ptr<Packaged
 
 // Turns the library's diagnostics into the Python exception orv.errors.Diagnostic.
 void bindErrors();
+// Sets that exception, for code that the interpreter calls without pybind11.
+void raiseDiagnostic(const orbel::HostException& diagnostic);
 
 // The operations of the class Repository, area by area. A file is named by its index; an index that
 // no file has is the library's diagnostic "InvalidFileIndex". The first two also add tables of
@@ -23,7 +27,8 @@ void bindAttributes(pybind11::module_& module, RepositoryClass& repository);
 void bindSections(RepositoryClass& repository);
 void bindCustomSections(RepositoryClass& repository);
 
-void bindTextSink(pybind11::module_& module);
+void bindPrinter(pybind11::module_& module);
+void bindComposer(pybind11::module_& module, RepositoryClass& repository);
 void bindStreams(pybind11::module_& module);
 void bindXml(pybind11::module_& module);
 

@@ -19,12 +19,10 @@ std::string customName(const py::object& name) {
 void declare(PackagedFiles& files, int index, const py::object& builtin, const py::object& name) {
   std::string section = textArgument(builtin, "a section's name");
   if (section == "Types") section = "Typedefs";
-  const Varn::VarnFileSectionKind kind = sectionKindOf(files.file(index), section);
-  if (kind == Varn::FORWARD_DECLS_SECTION) {
-    files.file(index).getCustomContent().addCustomSection(customName(name), kind);
-  } else {
-    files.bridge().addCustomSection(index, section, customName(name));
-  }
+  Varn::VarnFile& file = files.file(index);
+  const Varn::VarnFileSectionKind kind = sectionKind(section);
+  requireSection(file, kind);
+  file.getCustomContent().addCustomSection(customName(name), kind);
 }
 
 }  // namespace

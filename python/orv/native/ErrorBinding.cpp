@@ -20,6 +20,8 @@ py::object toArgument(const orbel::MessageArgument& argument) {
   return py::float_(number);
 }
 
+}  // namespace
+
 void raiseDiagnostic(const orbel::HostException& diagnostic) {
   py::list arguments;
   for (const orbel::MessageArgument& argument : diagnostic.arguments()) {
@@ -30,8 +32,6 @@ void raiseDiagnostic(const orbel::HostException& diagnostic) {
                                 py::tuple(arguments), toPython(diagnostic.what()));
   PyErr_SetObject(type.ptr(), error.ptr());
 }
-
-}  // namespace
 
 void bindErrors() {
   // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 asks for

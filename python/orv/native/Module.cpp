@@ -13,7 +13,8 @@ PYBIND11_MODULE(_native, module) {
   orv::bindAttributes(module, repository);
   orv::bindSections(repository);
   orv::bindCustomSections(repository);
-  orv::bindTextSink(module);
+  orv::bindPrinter(module);
+  orv::bindComposer(module, repository);
   orv::bindStreams(module);
   orv::bindXml(module);
 

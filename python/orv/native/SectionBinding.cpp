@@ -27,8 +27,8 @@ py::list namesOf(PackagedFiles& files, int index) {
   return names;
 }
 
-void requireSection(PackagedFiles& files, int index, const py::object& section) {
-  static_cast<void>(sectionKindOf(files.file(index), utf8(section, "a section's name")));
+void requireNamed(PackagedFiles& files, int index, const py::object& section) {
+  requireSection(files.file(index), kindArgument(section));
 }
 
 py::list functionNames(PackagedFiles& files, int index) {
@@ -49,8 +49,11 @@ void addInclude(PackagedFiles& files, int index, const py::object& header, bool 
 }
 
 void placeAll(PackagedFiles& files, int index) {
-  for (std::size_t kind = 0; kind < sectionNames().size(); ++kind) {
-    placeCustomSections(files, index, static_cast<Varn::VarnFileSectionKind>(kind));
+  Varn::VarnFile& file = files.file(index);
+  for (std::size_t i = 0; i < sectionNames().size(); ++i) {
+    const auto kind = static_cast<Varn::VarnFileSectionKind>(i);
+    if (!file.hasSection(kind)) continue;
+    file.getCustomContent().appendMissingTokens(file.getFileSection(kind), kind);
   }
 }
 
@@ -58,10 +61,10 @@ void placeAll(PackagedFiles& files, int index) {
 
 void bindSections(RepositoryClass& repository) {
   repository.def("section_names", &namesOf)
-      .def("require_section", &requireSection)
+      .def("require_section", &requireNamed)
       .def("section_text",
            [](PackagedFiles& files, int index, const py::object& section) {
-             return toPython(sectionText(files, index, kindArgument(section)));
+             return toPython(files.file(index).getFileSection(kindArgument(section)).getContent());
            })
       .def("function_names", &functionNames)
       .def("add_include", &addInclude)

@@ -1,14 +1,16 @@
 #include "python/orv/native/SectionNames.hpp"
 
+#include <unordered_map>
+
 #include <pybind11/pybind11.h>
 
 #include <varn/FileSection.hpp>
-#include <varn/VarnFile.hpp>
 
 namespace orv {
 namespace {
 
 using Varn::VarnFileSectionKind;
+using KindsByName = std::unordered_map<std::string_view, VarnFileSectionKind>;
 
 std::array<std::string, 22> makeSectionNames() {
   std::array<std::string, 22> names;
@@ -19,7 +21,25 @@ std::array<std::string, 22> makeSectionNames() {
   return names;
 }
 
+KindsByName makeKindsByName() {
+  KindsByName kinds;
+  for (std::size_t kind = 0; kind < sectionNames().size(); ++kind) {
+    kinds.emplace(sectionNames()[kind], static_cast<VarnFileSectionKind>(kind));
+  }
+  return kinds;
+}
+
 std::string quoted(std::string_view name) { return '"' + std::string(name) + '"'; }
+
+// The names of the sections that `file` has; of all sections when it is null.
+std::string joinedNames(const Varn::VarnFile* file) {
+  std::string joined;
+  for (std::size_t kind = 0; kind < sectionNames().size(); ++kind) {
+    if (file != nullptr && !file->hasSection(static_cast<VarnFileSectionKind>(kind))) continue;
+    joined += (joined.empty() ? "" : ", ") + sectionNames()[kind];
+  }
+  return joined;
+}
 
 }  // namespace
 
@@ -29,56 +49,17 @@ const std::array<std::string, 22>& sectionNames() {
 }
 
 VarnFileSectionKind sectionKind(std::string_view name) {
-  const auto& names = sectionNames();
-  for (std::size_t kind = 0; kind < names.size(); ++kind) {
-    if (names[kind] == name) return static_cast<VarnFileSectionKind>(kind);
-  }
-  std::string message = "there is no section " + quoted(name) + "; the sections are ";
-  for (const std::string& known : names) message += known + (&known == &names.back() ? "" : ", ");
-  throw pybind11::value_error(message);
+  static const KindsByName kinds = makeKindsByName();
+  const auto found = kinds.find(name);
+  if (found != kinds.end()) return found->second;
+  throw pybind11::value_error("there is no section " + quoted(name) + "; the sections are " +
+                              joinedNames(nullptr));
 }
 
-VarnFileSectionKind sectionKindOf(const Varn::VarnFile& file, std::string_view name) {
-  const VarnFileSectionKind kind = sectionKind(name);
-  if (file.hasSection(kind)) return kind;
+void requireSection(const Varn::VarnFile& file, VarnFileSectionKind kind) {
+  if (file.hasSection(kind)) return;
   throw pybind11::value_error("the file " + quoted(file.getNameAscii()) + " has no section " +
-                              quoted(name) + "; it has " + joinedSectionNames(file));
-}
-
-std::string joinedSectionNames(const Varn::VarnFile& file) {
-  std::string joined;
-  for (std::size_t kind = 0; kind < sectionNames().size(); ++kind) {
-    if (!file.hasSection(static_cast<VarnFileSectionKind>(kind))) continue;
-    if (!joined.empty()) joined += ", ";
-    joined += sectionNames()[kind];
-  }
-  return joined;
-}
-
-void appendText(PackagedFiles& files, int index, VarnFileSectionKind kind, const char* text) {
-  if (kind == Varn::FORWARD_DECLS_SECTION) {
-    files.file(index).getFileSection(kind).addContent_cstr(text);
-  } else {
-    files.bridge().addSectionContent(index, sectionNames()[kind], text);
-  }
-}
-
-std::string sectionText(PackagedFiles& files, int index, VarnFileSectionKind kind) {
-  return files.file(index).getFileSection(kind).getContent();
-}
-
-void writeSection(PackagedFiles& files, int index, VarnFileSectionKind kind, FILE* stream) {
-  if (kind == Varn::FORWARD_DECLS_SECTION) {
-    files.file(index).writeSectionToFile(kind, stream);
-  } else {
-    files.bridge().writeSection(index, sectionNames()[kind], stream);
-  }
-}
-
-void placeCustomSections(PackagedFiles& files, int index, VarnFileSectionKind kind) {
-  Varn::VarnFile& file = files.file(index);
-  if (!file.hasSection(kind)) return;
-  file.getCustomContent().appendMissingTokens(file.getFileSection(kind), kind);
+                              quoted(sectionNames()[kind]) + "; it has " + joinedNames(&file));
 }
 
 }  // namespace orv

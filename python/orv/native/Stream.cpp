@@ -13,17 +13,10 @@ int reasonOr(int reason) { return reason != 0 ? reason : EIO; }
 }  // namespace
 
 Stream Stream::create(const std::string& path) {
-  return Stream(path, nullptr, std::fopen(path.c_str(), "wbxe"));
+  return Stream(path, std::fopen(path.c_str(), "wbxe"));
 }
 
-Stream Stream::inMemory() {
-  auto memory = std::make_unique<Memory>();
-  FILE* file = open_memstream(&memory->characters, &memory->size);
-  return Stream("memory", std::move(memory), file);
-}
-
-Stream::Stream(std::string path, std::unique_ptr<Memory> memory, FILE* file)
-    : path_(std::move(path)), memory_(std::move(memory)), file_(file) {
+Stream::Stream(std::string path, FILE* file) : path_(std::move(path)), file_(file) {
   if (file == nullptr) fail(errno);
 }
 
@@ -43,12 +36,6 @@ void Stream::close() {
   if (!file_) return;
   errno = 0;
   if (std::fclose(file_.release()) != 0) fail(errno);
-}
-
-std::string_view Stream::contents() {
-  if (!memory_) throw std::logic_error("the stream to " + path_ + " is not in memory");
-  flush();
-  return {memory_->characters, memory_->size};
 }
 
 FILE* Stream::require() const {

@@ -1,24 +1,20 @@
 #ifndef ORV_STREAM_HPP
 #define ORV_STREAM_HPP
 
-#include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <system_error>
 
 namespace orv {
 
-// A C output stream on a file of the file system or on memory. Every failure throws StreamError, at
+// A C output stream on a file of the file system. Every failure throws StreamError, at
 // the latest by close(); a stream that is destroyed without close() drops what was not written.
 class Stream {
  public:
   // Creates the file `path`, which must not exist yet.
   static Stream create(const std::string& path);
-  static Stream inMemory();
 
   // Calls `write` on the C stream. Throws std::logic_error once the stream is closed.
   void write(const std::function<void(FILE*)>& write);
@@ -26,32 +22,18 @@ class Stream {
   // The stream is closed even when this throws. Closing it again does nothing.
   void close();
 
-  // Everything written so far to a stream in memory, good until the next call.
-  std::string_view contents();
-
   const std::string& path() const { return path_; }
 
  private:
   struct Closer {
     void operator()(FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
   };
-  // Where the C library puts the text of a stream in memory; it outlives the stream.
-  struct Memory {
-    Memory() = default;
-    Memory(const Memory&) = delete;
-    Memory& operator=(const Memory&) = delete;
-    ~Memory() { std::free(characters); }
 
-    char* characters = nullptr;
-    std::size_t size = 0;
-  };
-
-  Stream(std::string path, std::unique_ptr<Memory> memory, FILE* file);
+  Stream(std::string path, FILE* file);
   FILE* require() const;
   [[noreturn]] void fail(int reason) const;
 
   std::string path_;
-  std::unique_ptr<Memory> memory_;
   std::unique_ptr<FILE, Closer> file_;
 };
 

@@ -6,7 +6,6 @@
 #include <pybind11/stl.h>
 
 #include "python/orv/native/Bindings.hpp"
-#include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Stream.hpp"
 #include "python/orv/native/Text.hpp"
 
@@ -38,27 +37,10 @@ void translateStreamErrors(std::exception_ptr error) {
   }
 }
 
-// Returns the number of bytes of the section. A text that does not end its last line is given a
-// newline, so that the next section starts a line of its own.
-std::size_t writeWholeSection(Stream& stream, PackagedFiles& files, int index,
-                              const py::object& section) {
-  const Varn::VarnFileSectionKind kind = sectionKind(utf8(section, "a section's name"));
-  const std::size_t before = stream.contents().size();
-  stream.write([&](FILE* file) { writeSection(files, index, kind, file); });
-  const std::string_view contents = stream.contents();
-  const std::size_t size = contents.size() - before;
-  if (size != 0 && contents.back() != '\n') {
-    stream.write([](FILE* file) { std::fputc('\n', file); });
-  }
-  return size;
-}
-
-void writeBytes(Stream& stream, const py::bytes& bytes) {
-  char* characters = nullptr;
-  Py_ssize_t size = 0;
-  if (PyBytes_AsStringAndSize(bytes.ptr(), &characters, &size) != 0) throw py::error_already_set();
+void writeBytes(Stream& stream, const py::buffer& bytes) {
+  const py::buffer_info block = bytes.request();
   stream.write([&](FILE* file) {
-    static_cast<void>(std::fwrite(characters, 1, static_cast<std::size_t>(size), file));
+    static_cast<void>(std::fwrite(block.ptr, 1, static_cast<std::size_t>(block.size), file));
   });
 }
 
@@ -68,15 +50,9 @@ void bindStreams(py::module_& module) {
   py::register_local_exception_translator(&translateStreamErrors);
   py::class_<Stream>(module, "Stream")
       .def_static("create", [](const py::object& path) { return Stream::create(systemPath(path)); })
-      .def_static("in_memory", &Stream::inMemory)
-      .def("write_section", &writeWholeSection)
       .def("write", &writeBytes)
       .def("flush", &Stream::flush)
-      .def("close", &Stream::close)
-      .def("contents", [](Stream& stream) {
-        const std::string_view contents = stream.contents();
-        return py::bytes(contents.data(), contents.size());
-      });
+      .def("close", &Stream::close);
 }
 
 }  // namespace orv

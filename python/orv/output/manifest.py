@@ -27,7 +27,7 @@ def manifest(run: Run, files: Iterable[PlannedFile]) -> bytes:
 
 
 def _entry(run: Run, file: PlannedFile) -> dict[str, object]:
-    repository = run.repository
+    repository, composed = run.repository, file.composed
     attributes = {name: repository.get_attribute(file.index, name) for name in ATTRIBUTES}
     del attributes["WrittenToDisk"]
     return {
@@ -37,6 +37,6 @@ def _entry(run: Run, file: PlannedFile) -> dict[str, object]:
         "functions": repository.function_names(file.index),
         "includes": _INCLUDE.findall(repository.section_text(file.index, "Includes")),
         "path": file.path,
-        "sections": file.sections,
-        "size": len(file.data),
+        "sections": {} if composed is None else composed.sections,
+        "size": 0 if composed is None else len(composed),
     }

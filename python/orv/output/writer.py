@@ -9,12 +9,15 @@ from collections.abc import Callable, Iterable
 from contextlib import suppress
 from dataclasses import dataclass
 from enum import Enum
+from typing import TypeAlias
 
 from orv import _native
 from orv.errors import OutputError
-from orv.output.layout import compose, is_header
 from orv.output.paths import OutputFolder, output_parts
 from orv.files.run import Run
+
+# Bytes, or an object that gives access to its own.
+Buffer: TypeAlias = bytes | _native.ComposedFile
 
 _TEMPORARY = re.compile(r"\.orv-([0-9a-f]{8})-([0-9]+)-[0-9a-f]{8}\.tmp")
 
@@ -30,7 +33,7 @@ class State(Enum):
 
 @dataclass
 class PlannedFile:
-    """A file of the run, its bytes and where they go. An empty file has neither.
+    """A file of the run, its bytes and where they go. An empty file has neither: `composed` is None.
 
     `path` is below the output folder and the same in any locale; `shown`, the path with the folder,
     and `target`, the place on the disk, are as Python's file functions take them.
@@ -41,14 +44,18 @@ class PlannedFile:
     shown: str
     target: str
     state: State
-    data: bytes
+    composed: _native.ComposedFile | None
     old: bytes
-    sections: dict[str, int]
 
     @property
     def differs(self) -> bool:
         """Whether the disk has to change."""
         return self.state in (State.NEW, State.CHANGED)
+
+    @property
+    def data(self) -> bytes:
+        """The bytes of the file, copied."""
+        return b"" if self.composed is None else bytes(self.composed)
 
 
 def plan(run: Run, out: str) -> list[PlannedFile]:
@@ -64,7 +71,7 @@ def plan(run: Run, out: str) -> list[PlannedFile]:
     for index in range(len(run.repository)):
         if run.repository.get_attribute(index, "IsEmpty"):
             label = str(run.repository.get_attribute(index, "Name"))
-            planned.append(PlannedFile(index, label, label, "", State.EMPTY, b"", b"", {}))
+            planned.append(PlannedFile(index, label, label, "", State.EMPTY, None, b""))
             continue
         try:
             file = _plan_file(run, index, folder)
@@ -111,10 +118,11 @@ def _write_one(file: PlannedFile, cleaned: set[str]) -> None:
     if folder not in cleaned:
         cleaned.add(folder)
         _remove_stale(folder)
-    replace_file(file.target, file.data)
+    assert file.composed is not None
+    replace_file(file.target, file.composed)
 
 
-def replace_file(path: str, data: bytes) -> None:
+def replace_file(path: str, data: Buffer) -> None:
     """Give the file `path` new bytes in one step; a failure leaves it as it was.
 
     Raises OSError. The file keeps its permissions when it is there already.
@@ -138,22 +146,29 @@ def replace_file(path: str, data: bytes) -> None:
 def _plan_file(run: Run, index: int, folder: OutputFolder) -> PlannedFile:
     parts = output_parts(_text(run, index, "OutputDirectory"), _disk_name(run, index))
     target = folder.target(parts)
-    composed = compose(run, index)
+    composed = _compose(run, index)
     try:
         old = _read(target)
     except OSError as error:
         raise OutputError(f"{folder.shown(parts)} cannot be read: {error.strerror}") from error
-    state = State.NEW if old is None else State.SAME if old == composed.data else State.CHANGED
+    state = State.NEW if old is None else State.SAME if composed.equals(old) else State.CHANGED
     return PlannedFile(
         index,
         "/".join(parts),
         folder.shown(parts),
         target,
         state,
-        composed.data,
+        composed,
         old or b"",
-        composed.sections,
     )
+
+
+def _compose(run: Run, index: int) -> _native.ComposedFile:
+    record = run.files.record(index)
+    try:
+        return run.repository.compose(index, None if record is None else record.order)
+    except ValueError as error:
+        raise OutputError(str(error)) from error
 
 
 def _disk_name(run: Run, index: int) -> str:
@@ -164,7 +179,7 @@ def _disk_name(run: Run, index: int) -> str:
         return name
     if not base:
         raise OutputError("it has no name to be written under; give it a BaseName")
-    return base + (".h" if is_header(base, _text(run, index, "Type")) else ".c")
+    return base + (".h" if run.repository.is_header(index) else ".c")
 
 
 def _claim(target: str, index: int, owners: dict[str, int], run: Run) -> None:

@@ -10,11 +10,11 @@ from typing import Any, NamedTuple
 from jinja2 import BaseLoader, FileSystemLoader, TemplateNotFound, TemplateSyntaxError
 from jinja2.exceptions import TemplatesNotFound
 
-from orv.templates import positions
-from orv.templates.environment import Environment
+from orv import positions
 from orv.errors import Located, Messages, OrvError, TemplateError
-from orv.templates.tags import outside_text
 from orv.files.run import Run
+from orv.templates.environment import Environment
+from orv.templates.printable import refuse_outside, text_of
 
 
 class RecordingLoader(BaseLoader):
@@ -52,53 +52,41 @@ def render(
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
-    `step` is called now and then while it lasts. Raises TemplateError, whose text begins with the
-    line that is to blame.
+    `step` is called each time a template opens a file. Raises TemplateError, whose text begins with
+    the line that is to blame.
     """
-    run = Run(messages)
+    run = Run(messages, text_of, refuse_outside, step)
     for source in sources:
-        with _template_errors(source.loader):
-            _render_one(run, source, model, step)
-    with _template_errors(sources[-1].loader):
+        with _template_errors(source.loader, run):
+            Environment(run, source.loader).render(source.template, model)
+    with _template_errors(sources[-1].loader, run):
         run.finish()
     return run
 
 
-def _render_one(
-    run: Run, source: Source, model: Mapping[str, object], step: Callable[[], None] | None
-) -> None:
-    environment = Environment(run, source.loader)
-    compiled = environment.get_template(source.template)
-    for piece in compiled.root_render_func(compiled.new_context(dict(model))):
-        if step is not None:
-            step()
-        if piece and not piece.isspace():
-            text = run.placements.readable(piece)
-            raise Located(f"{_known(environment.output_position())}: {outside_text(text)}")
-
-
 @contextmanager
-def _template_errors(loader: BaseLoader) -> Iterator[None]:
+def _template_errors(loader: BaseLoader, run: Run) -> Iterator[None]:
     try:
         yield
     except (Located, TemplateError):
         raise
     except Exception as error:
-        raise _template_error(error, loader) from error
+        raise _template_error(error, loader, run) from error
 
 
-def _template_error(error: Exception, loader: BaseLoader) -> TemplateError:
-    position = _position(error)
+def _template_error(error: Exception, loader: BaseLoader, run: Run) -> TemplateError:
+    position = _position(error, run)
     text = _describe(error, loader)
     return TemplateError(text if position is None else f"{position}: {text}")
 
 
-def _position(error: Exception) -> positions.Position | None:
+def _position(error: Exception, run: Run) -> positions.Position | None:
     if isinstance(error, TemplateSyntaxError):
         return positions.Position(
             positions.template_label(error.name, error.filename), error.lineno
         )
-    return positions.of_traceback(error.__traceback__)
+    # The line of the argument that could not be printed; see orv.templates.compiler.
+    return positions.of_traceback(error.__traceback__, max(run.printer.failed_argument, 0))
 
 
 def _describe(error: Exception, loader: BaseLoader) -> str:
@@ -123,10 +111,6 @@ def _describe(error: Exception, loader: BaseLoader) -> str:
     if type(error).__module__.startswith("jinja2."):
         return str(error.args[0] if error.args else error)
     return f"{type(error).__name__}: {error}"
-
-
-def _known(position: positions.Position | None) -> positions.Position:
-    return position or positions.Position("<template>", 0)
 
 
 def source_beside(template: str, more: Sequence[str], files: list[str]) -> Source:

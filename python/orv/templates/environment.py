@@ -2,25 +2,34 @@
 
 from __future__ import annotations
 
-import functools
-from collections.abc import Callable, Iterator
+from collections.abc import Mapping
 from datetime import date
 from typing import Any
 
-from jinja2 import BaseLoader, StrictUndefined, Template, nodes
-from jinja2.compiler import CodeGenerator, Frame
+import jinja2
+from jinja2 import BaseLoader, StrictUndefined, Template
 from jinja2.environment import TemplateModule
 from jinja2.exceptions import SecurityError
-from jinja2.runtime import Context, LoopContext, Macro
+from jinja2.ext import Extension, do, loopcontrols
+from jinja2.runtime import BlockReference, Context, LoopContext, Macro
 from jinja2.sandbox import ImmutableSandboxedEnvironment
+from markupsafe import Markup
 
-from orv.templates import positions
-from orv.errors import Located, OrvError, did_you_mean
-from orv.templates.tags import PackagingTags, first_text_line, is_guarded_block, outside_text
-from orv.templates.printable import printable
+from orv import positions
+from orv.errors import Located, did_you_mean
 from orv.files.run import Run
-from orv.templates.statements import IncludedText, Statements
 from orv.models.xmlmodel import ENTRIES, Element
+from orv.templates.compiler import TemplateCode
+from orv.templates.printable import text_of
+from orv.templates.statements import Statements
+from orv.templates.tags import PackagingTags
+
+# The compiler is built on that of Jinja2; docs/architecture.md lists what it relies upon.
+_JINJA2 = "3.1."
+if not jinja2.__version__.startswith(_JINJA2):
+    raise ImportError(f"orv needs Jinja2 {_JINJA2}x; the version found is {jinja2.__version__}")
+
+EXTENSIONS: tuple[type[Extension], ...] = (PackagingTags, do, loopcontrols)
 
 # What a loop tells about itself: all of it harmless.
 _LOOP_ATTRIBUTES = frozenset(name for name in dir(LoopContext) if not name.startswith("_"))
@@ -31,103 +40,6 @@ _MOST_BITS = 1 << 16
 
 # What a date tells about the machine and not about the model.
 _CLOCK = frozenset(["astimezone", "fromtimestamp", "now", "timestamp", "today", "utcnow"])
-
-_NOTHING_OUTSIDE = (
-    "a template that extends another prints nothing outside its blocks; put this into a block"
-)
-
-
-class TemplateCode(CodeGenerator):
-    """Refuses the text that a template would drop without a word, and knows its lines."""
-
-    def visit_Template(self, node: nodes.Template, frame: Frame | None = None) -> None:
-        """Compile a template, with an eye to the blocks that it prints by `self.NAME()`."""
-        self._called_blocks = {
-            access.attr
-            for access in node.find_all(nodes.Getattr)
-            if isinstance(access.node, nodes.Name) and access.node.name == "self"
-        }
-        super().visit_Template(node, frame)
-
-    def visit_Output(self, node: nodes.Output, frame: Frame) -> None:
-        """Compile output piece by piece where it may turn out to stand outside every section."""
-        if frame.buffer is not None:
-            super().visit_Output(node, frame)
-            return
-        for child in node.nodes:
-            if frame.require_output_check and self.extends_so_far:
-                self._refuse_lost(child)
-            piece = nodes.Output([child], lineno=first_text_line(child))
-            self.newline(piece)
-            super().visit_Output(piece, frame)
-
-    def visit_Block(self, node: nodes.Block, frame: Frame) -> None:
-        """Compile a block, which must have its place in a template that this one extends."""
-        super().visit_Block(node, frame)
-        if frame.toplevel and self.extends_so_far and node.name not in self._called_blocks:
-            self.writeline("if parent_template is not None:")
-            self.indent()
-            self.writeline(f"context.require_place({node.name!r}, block_{node.name})", node)
-            self.outdent()
-
-    def visit_FilterBlock(self, node: nodes.FilterBlock, frame: Frame) -> None:
-        """Compile a filter; one that guards a block watches it piece by piece."""
-        if not is_guarded_block(node):
-            super().visit_FilterBlock(node, frame)
-            return
-        block = node.body[0]
-        assert isinstance(block, nodes.Block)
-        if frame.toplevel and self.extends_so_far:
-            self.visit_Block(block, frame)
-            return
-        context = self.derive_context(frame) if block.scoped else self.get_context_ref()
-        blocks = f"context.blocks[{block.name!r}]"
-        self.writeline(
-            f"for event in environment.watch({blocks}, {context}, {block.required}):", block
-        )
-        self.indent()
-        self.simple_write("event", frame)
-        self.outdent()
-
-    def _output_child_pre(self, node: nodes.Expr, frame: Frame, finalize: Any) -> None:
-        """Begin the code of what is printed: text, nearly always, which needs no call."""
-        if frame.eval_ctx.volatile or frame.eval_ctx.autoescape:
-            super()._output_child_pre(node, frame, finalize)
-        else:
-            self.write("(printed if type(printed := ")
-
-    def _output_child_post(self, node: nodes.Expr, frame: Frame, finalize: Any) -> None:
-        """End the code that `_output_child_pre` began."""
-        if frame.eval_ctx.volatile or frame.eval_ctx.autoescape:
-            super()._output_child_post(node, frame, finalize)
-        else:
-            self.write(") is str else str(environment.finalize(printed)))")
-
-    def visit_Concat(self, node: nodes.Concat, frame: Frame) -> None:
-        """Compile `~`, whose operands become text as if they were printed."""
-        if frame.eval_ctx.volatile or frame.eval_ctx.autoescape:
-            super().visit_Concat(node, frame)
-            return
-        self.write("str_join(map(environment.finalize, (")
-        for operand in node.nodes:
-            self.visit(operand, frame)
-            self.write(", ")
-        self.write(")))")
-
-    def _refuse_lost(self, node: nodes.Expr) -> None:
-        """Refuse what is printed beside an extended template, at run time if only then known."""
-        complaint, line = _NOTHING_OUTSIDE, node.lineno
-        if isinstance(node, nodes.TemplateData):
-            if not node.data or node.data.isspace():
-                return
-            complaint, line = outside_text(node.data), first_text_line(node)
-        if self.has_known_extends:
-            self.fail(complaint, line)
-        self.writeline("if parent_template is not None:")
-        self.indent()
-        piece = nodes.Output([node], lineno=line)
-        self.writeline(f"raise TemplateRuntimeError({complaint!r})", piece)
-        self.outdent()
 
 
 class TemplateContext(Context):
@@ -153,111 +65,100 @@ class TemplateContext(Context):
                 )
 
 
-class TrackedTemplate(Template):
-    """A template that knows, while its output is pulled, which line it stands at."""
+class PrintingTemplate(Template):
+    """A template whose code prints through the environment's printer."""
 
     environment: Environment
 
-    @classmethod
-    def _from_namespace(cls, environment: Any, namespace: Any, globals: Any) -> TrackedTemplate:
-        template = super()._from_namespace(environment, namespace, globals)
-        template.root_render_func = functools.partial(
-            environment.track, template.root_render_func
-        )
-        return template  # type: ignore[return-value]
+    def run(self, context: Context) -> None:
+        """Run the template, with what extends it known to the context."""
+        for _ in self.root_render_func(context):
+            pass
+        assert isinstance(context, TemplateContext)
+        context.refuse_placeless()
 
-    def _get_default_module(self, ctx: Context | None = None) -> TemplateModule:
-        """Called to import the template, with a context, or to include it without one.
-
-        A template is included as often as it is asked for, as what it puts into files counts each
-        time.
-        """
-        if ctx is None:
-            return super().make_module()
-        return super()._get_default_module(ctx)
-
-    def make_module(self, *arguments: Any, **named: Any) -> TemplateModule:
+    def make_module(
+        self,
+        vars: dict[str, Any] | None = None,
+        shared: bool = False,
+        locals: Mapping[str, Any] | None = None,
+    ) -> TemplateModule:
         """Called to import the template; text that it prints goes nowhere and is refused."""
-        tracking = self.environment.statements
-        tracking.included_text = None
-        module = super().make_module(*arguments, **named)
-        if tracking.included_text is not None:
-            position = tracking.included_text.position
-            raise Located(f"{position}: {outside_text(str(module))}")
-        return module
+        context = self.new_context(vars, shared, locals)
+        self.environment.printer.outside()
+        self.run(context)
+        self.environment.printer.close()
+        return TemplateModule(self, context, ())
 
 
 class Environment(ImmutableSandboxedEnvironment):
     """The environment of one run: templates that it renders fill the run's repository."""
 
     code_generator_class = TemplateCode
-    template_class = TrackedTemplate
+    template_class = PrintingTemplate
     context_class = TemplateContext
     intercepted_binops = frozenset(["*", "**"])
 
     def __init__(self, run: Run, loader: BaseLoader) -> None:
         super().__init__(
             loader=loader,
-            extensions=[PackagingTags],
+            extensions=EXTENSIONS,
             undefined=StrictUndefined,
-            finalize=printable,
+            finalize=text_of,
             keep_trailing_newline=True,
             trim_blocks=True,
             lstrip_blocks=True,
             auto_reload=False,
         )
-        self.run = run
+        self.printer = run.printer
         self.statements = Statements(run)
-        self._active: list[Iterator[str]] = []
-        self.filters.update(self.statements.filters())
         self.globals.update(self.statements.globals())
         # What they give differs from run to run.
         del self.filters["random"], self.globals["lipsum"]
 
-    def track(self, render: Any, context: TemplateContext) -> Iterator[str]:
-        """The output of `render`, which is a template's; see `output_position`."""
-        output: Iterator[str] = render(context)
-        self._active.append(output)
-        first_text: IncludedText | None = None
-        for piece in output:
-            if piece and not piece.isspace():
-                first_text = IncludedText(self.output_position(), piece)
-                yield piece
-                break
-            yield piece
-        yield from output
-        context.refuse_placeless()
-        self._active.pop()
-        self.statements.included_text = first_text
+    def render(self, template: str, model: Mapping[str, object]) -> None:
+        """Run the template with the variables of `model`."""
+        main = self.get_template(template)
+        assert isinstance(main, PrintingTemplate)
+        main.run(main.new_context(dict(model)))
 
-    def watch(
-        self, blocks: list[Callable[[Context], Iterator[str]]], context: Context, required: bool
-    ) -> Iterator[str]:
-        """The output of a block that stands in a file outside its sections: white space only."""
-        if required and len(blocks) == 1:
-            raise OrvError("no template that extends this one fills the required block")
-        output = blocks[0](context)
-        for piece in output:
-            if piece and not piece.isspace():
-                complaint = outside_text(self.run.placements.readable(piece))
-                raise Located(f"{positions.of_generator(output)}: {complaint}")
-            yield piece
+    def include(
+        self,
+        template: PrintingTemplate,
+        context: Context | None = None,
+        local: Mapping[str, Any] | None = None,
+    ) -> None:
+        """Run an included template, which sees the variables of `context` if there is one."""
+        if context is None:
+            template.run(template.new_context())
+        else:
+            template.run(template.new_context(context.get_all(), True, local))
+
+    def call_printed(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
+        """Call what a template calls to print the result.
+
+        What the template language defines prints by itself; the result is empty then. Between
+        `print_next` and the callee's `enter` no code of a template runs.
+        """
+        kind = type(__obj)
+        if kind is Macro:
+            kwargs.pop("_loop_vars", None)
+            kwargs.pop("_block_vars", None)
+            __self.printer.print_next()
+            return __obj(__context.eval_ctx, *args, **kwargs)
+        if kind is BlockReference:
+            _run_block(__obj)
+            return ""
+        if kind is LoopContext and len(args) == 1:
+            __self.printer.print_next()
+            return __obj(*args)
+        return __self.call(__context, __obj, *args, **kwargs)
 
     def is_safe_attribute(self, obj: Any, attr: str, value: Any) -> bool:
         """Whether templates may read the attribute; the clock would make each run differ."""
         if attr in _CLOCK and isinstance(obj, date):
             return False
         return super().is_safe_attribute(obj, attr, value)
-
-    def call_filter(self, name: str, *arguments: Any, **named: Any) -> Any:
-        """Call the filter that a template names in a text; the tags are none."""
-        if " " in name:
-            raise OrvError(f"No filter named {name!r}.")
-        return super().call_filter(name, *arguments, **named)
-
-    def output_position(self) -> positions.Position | None:
-        """The line that printed the piece of output that was pulled last."""
-        return positions.of_generator(self._active[-1])
 
     def getattr(self, obj: Any, attribute: str) -> Any:
         """`obj.attribute`; in a model an entry goes before a method of the same name."""
@@ -274,6 +175,11 @@ class Environment(ImmutableSandboxedEnvironment):
         """Call what a template calls; its own macros need no examination."""
         if type(__obj) is Macro:
             return __context.call(__obj, *args, **kwargs)
+        if type(__obj) is BlockReference:
+            entered = __self.printer.enter()
+            _run_block(__obj)
+            text = __self.printer.leave(entered)
+            return Markup(text) if __context.eval_ctx.autoescape else text
         return super().call(__context, __obj, *args, **kwargs)
 
     def call_binop(self, context: Context, operator: str, left: Any, right: Any) -> Any:
@@ -289,6 +195,11 @@ class Environment(ImmutableSandboxedEnvironment):
         elif _are_ints(left, right) and left.bit_length() + right.bit_length() > _MOST_BITS:
             raise SecurityError("the product is too large")
         return super().call_binop(context, operator, left, right)
+
+
+def _run_block(block: BlockReference) -> None:
+    for _ in block._stack[block._depth](block._context):
+        pass
 
 
 def _are_ints(*values: Any) -> bool:

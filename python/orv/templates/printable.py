@@ -3,27 +3,54 @@
 from __future__ import annotations
 
 from datetime import date, time, timedelta
+from typing import NoReturn
 
 from jinja2 import Undefined
 
 from orv.errors import OrvError
-from orv.files.view import FileView
+from orv.files.table import FileView
 from orv.models.xmlmodel import Element
 
-_PLAIN = frozenset([str, int, float, bool, type(None)])
-_OF_ONE_TEXT = (str, int, float, complex, date, time, timedelta, Undefined)
+_OF_ONE_TEXT = (str, int, float, complex, date, time, timedelta, Undefined, type(None))
 
 
-def printable(value: object) -> object:
-    """The value itself. Raises OrvError for one whose text tells only where it lies in memory."""
-    if type(value) in _PLAIN or isinstance(value, (FileView, Element)):
-        return value
-    _require_one_text(value)
-    return value
+def text_of(value: object) -> str:
+    """The text that is printed for a value, also by `~`.
+
+    Raises OrvError for one whose text tells only where it lies in memory. Texts and numbers need
+    not come here; everything else that reaches an output does.
+    """
+    if not isinstance(value, (str, FileView, Element)):
+        _require_one_text(value)
+    return str(value)
+
+
+def refuse_outside(text: str) -> None:
+    """Raise OrvError for text that belongs to no section, unless it is white space."""
+    if text and not text.isspace():
+        raise OrvError(outside_text(text))
+
+
+def outside_text(text: str) -> str:
+    """The complaint about text that belongs to no section."""
+    line, *more = text.strip().splitlines()
+    shown = line[:60] + ("..." if more or len(line) > 60 else "")
+    return f'this text stands outside every section: "{shown}"; put it between' + (
+        " {% section %} and {% endsection %}"
+    )
+
+
+def refuse_in_value(name: str) -> NoReturn:
+    """Raise OrvError for a custom section that is placed in a text that becomes a value."""
+    raise OrvError(
+        f'the custom section "{name}" cannot be placed in a text that becomes a value, as in'
+        " {% set %}, {% filter %}, or a macro whose result is passed on; print the macro by itself"
+        " or put {% place %} into the section"
+    )
 
 
 def _require_one_text(value: object) -> None:
-    if value is None or isinstance(value, _OF_ONE_TEXT):
+    if isinstance(value, _OF_ONE_TEXT):
         return
     if isinstance(value, dict):
         for key, entry in value.items():

@@ -1,8 +1,8 @@
 """The grammar of the packaging tags: how they are parsed, and what they are compiled to.
 
-A tag becomes a filter on its body or its first argument, the cheapest call that a compiled template
-makes. The names of these filters hold a space, so that no template can write them. Those that are
-not given a body take the context, which keeps the compiler from calling them itself.
+A tag becomes a call of an operation, `printer.NAME` or `statements.NAME`: an
+nodes.EnvironmentAttribute, which no template can write. A tag with a body becomes a CallBlock of
+such a call. See TemplateCode for the code that is made of them.
 """
 
 from __future__ import annotations
@@ -17,14 +17,6 @@ from jinja2.parser import Parser
 from orv import _native
 from orv.errors import did_you_mean
 
-_KINDS = (
-    "generic", "data_types", "model", "model_header", "model_types", "module_header",
-    "module_source", "packaging",
-)  # fmt: skip
-
-# The statements that may print whatever others define.
-_PRINTING = (nodes.Block, nodes.CallBlock, nodes.Include)
-
 
 class PackagingTags(Extension):
     """The tags that put text into the sections of files."""
@@ -35,7 +27,7 @@ class PackagingTags(Extension):
     }  # fmt: skip
 
     def parse(self, parser: Parser) -> nodes.Node | list[nodes.Node]:
-        """Parse the tag that the parser stands at."""
+        """Parse the tag that the parser is at."""
         token = next(parser.stream)
         if token.value.startswith("include_"):
             return self._parse_include(parser, token)
@@ -44,37 +36,39 @@ class PackagingTags(Extension):
         return parse(parser, token)
 
     def _parse_section(self, parser: Parser, tag: Token) -> nodes.Node:
-        name = parser.parse_expression()
-        _check_section_name(parser, name)
-        return _body_filter(parser, tag, [name, *_parse_of(parser)])
+        section = _checked_section(parser, parser.parse_expression())
+        return _with_body(parser, tag, [section, *_parse_of(parser)])
 
     def _parse_function(self, parser: Parser, tag: Token) -> nodes.Node:
-        return _body_filter(parser, tag, [parser.parse_expression(), *_parse_of(parser)])
+        return _with_body(parser, tag, [parser.parse_expression(), *_parse_of(parser)])
 
     def _parse_fill(self, parser: Parser, tag: Token) -> nodes.Node:
-        return _body_filter(parser, tag, [parser.parse_expression(), *_parse_of(parser)])
+        return _with_body(parser, tag, [parser.parse_expression(), *_parse_of(parser)])
 
     def _parse_custom(self, parser: Parser, tag: Token) -> nodes.Node:
         name = parser.parse_expression()
         parser.stream.expect("name:on")
         builtin = parser.parse_expression()
-        return _statement(tag, name, [builtin, *_parse_of(parser)])
+        return _statement(tag, "statements.custom", [name, builtin, *_parse_of(parser)])
 
     def _parse_in_use(self, parser: Parser, tag: Token) -> nodes.Node:
-        return _statement(tag, parser.parse_expression(), _parse_of(parser))
+        name = parser.parse_expression()
+        return _statement(tag, "statements.in_use", [name, *_parse_of(parser)])
 
     def _parse_place(self, parser: Parser, tag: Token) -> nodes.Node:
-        mark = _call(tag, parser.parse_expression(), _parse_of(parser))
-        return nodes.Output([mark], lineno=tag.lineno)
+        name = parser.parse_expression()
+        return _statement(tag, "statements.place", [name, *_parse_of(parser)])
 
     def _parse_include(self, parser: Parser, tag: Token) -> nodes.Node:
         headers = [parser.parse_expression()]
         while parser.stream.skip_if("comma"):
             headers.append(parser.parse_expression())
-        return _statement(tag, nodes.List(headers, lineno=tag.lineno), _parse_of(parser))
+        listed = nodes.List(headers, lineno=tag.lineno)
+        return _statement(tag, f"statements.{tag.value}", [listed, *_parse_of(parser)])
 
     def _parse_model(self, parser: Parser, tag: Token) -> nodes.Node:
-        return _statement(tag, parser.parse_expression(), [_parse_assignments(parser, tag)])
+        name = parser.parse_expression()
+        return _statement(tag, "statements.model", [name, _parse_assignments(parser, tag)])
 
     def _parse_file(self, parser: Parser, tag: Token) -> list[nodes.Node]:
         name: nodes.Expr = nodes.Const(None, lineno=tag.lineno)
@@ -83,30 +77,23 @@ class PackagingTags(Extension):
         kind, arguments = _parse_kind(parser, tag)
         attributes = _parse_assignments(parser, tag)
         body = parser.parse_statements(("name:endfile",), drop_needle=True)
-        _guard(parser, body)
-        end = nodes.ExprStmt(
-            _call(tag, nodes.Const(None, lineno=tag.lineno), [], "endfile"), lineno=tag.lineno
-        )
-        return [_statement(tag, name, [kind, arguments, attributes]), *body, end]
+        begin = _statement(tag, "statements.file", [name, kind, arguments, attributes])
+        return [begin, *body, _statement(tag, "printer.close", [])]
 
 
-def _call(
-    tag: Token, value: nodes.Expr, arguments: list[nodes.Expr], name: str | None = None
-) -> nodes.Filter:
-    return nodes.Filter(
-        value, f"orv {name or tag.value}", arguments, [], None, None, lineno=tag.lineno
-    )
+def _call(tag: Token, operation: str, arguments: list[nodes.Expr]) -> nodes.Call:
+    name = nodes.EnvironmentAttribute(operation, lineno=tag.lineno)
+    return nodes.Call(name, arguments, [], None, None, lineno=tag.lineno)
 
 
-def _statement(tag: Token, value: nodes.Expr, arguments: list[nodes.Expr]) -> nodes.Node:
-    return nodes.ExprStmt(_call(tag, value, arguments), lineno=tag.lineno)
+def _statement(tag: Token, operation: str, arguments: list[nodes.Expr]) -> nodes.Node:
+    return nodes.ExprStmt(_call(tag, operation, arguments), lineno=tag.lineno)
 
 
-def _body_filter(parser: Parser, tag: Token, arguments: list[nodes.Expr]) -> nodes.Node:
-    name = f"orv {tag.value}" + (" of" if len(arguments) > 1 else "")
+def _with_body(parser: Parser, tag: Token, arguments: list[nodes.Expr]) -> nodes.Node:
     body = parser.parse_statements((f"name:end{tag.value}",), drop_needle=True)
-    call = nodes.Filter(None, name, arguments, [], None, None, lineno=tag.lineno)
-    return nodes.FilterBlock(body, call, lineno=tag.lineno)
+    begin = _call(tag, f"printer.{tag.value}", arguments)
+    return nodes.CallBlock(begin, [], [], body, lineno=tag.lineno)
 
 
 def _parse_of(parser: Parser) -> list[nodes.Expr]:
@@ -118,8 +105,9 @@ def _parse_kind(parser: Parser, tag: Token) -> tuple[nodes.Expr, nodes.Expr]:
     if not parser.stream.skip_if("name:as"):
         return nodes.Const(None, lineno=tag.lineno), arguments
     kind = parser.stream.expect("name")
-    if kind.value not in _KINDS:
-        hint = did_you_mean(kind.value, _KINDS) or "; the kinds are " + ", ".join(_KINDS)
+    kinds = _native.FILE_KINDS
+    if kind.value not in kinds:
+        hint = did_you_mean(kind.value, kinds) or "; the kinds are " + ", ".join(kinds)
         parser.fail(f'there is no kind of file "{kind.value}"{hint}', kind.lineno)
     if parser.stream.skip_if("lparen"):
         while not parser.stream.skip_if("rparen"):
@@ -142,69 +130,16 @@ def _parse_assignments(parser: Parser, tag: Token) -> nodes.Expr:
     return nodes.Dict(pairs, lineno=tag.lineno)
 
 
-def _check_section_name(parser: Parser, name: nodes.Expr) -> None:
-    if isinstance(name, nodes.Const) and name.value not in _native.SECTION_NAMES:
-        hint = did_you_mean(str(name.value), _native.SECTION_NAMES)
+def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:
+    """A name that is written as it is becomes the number of its kind, any other is looked up."""
+    if not isinstance(name, nodes.Const):
+        return name
+    names = _native.SECTION_NAMES
+    if name.value not in names:
+        hint = did_you_mean(str(name.value), names)
         parser.fail(
             f'there is no section "{name.value}"'
             + (hint or "; a custom section is filled with {% fill %}"),
             name.lineno,
         )
-
-
-def _guard(parser: Parser, body: list[nodes.Node]) -> None:
-    """Watch what the body of a file prints outside its sections: nothing would hold that text."""
-    for position, node in enumerate(body):
-        if isinstance(node, nodes.Output):
-            node.nodes = [_guarded(parser, child) for child in node.nodes]
-        elif isinstance(node, nodes.If):
-            _guard(parser, node.body)
-            for branch in node.elif_:
-                _guard(parser, branch.body)
-            _guard(parser, node.else_)
-        elif isinstance(node, nodes.For):
-            _guard(parser, node.body)
-            _guard(parser, node.else_)
-        elif isinstance(node, (nodes.With, nodes.Scope, nodes.ScopedEvalContextModifier)):
-            _guard(parser, node.body)
-        elif isinstance(node, _PRINTING) or _is_plain_filter(node):
-            body[position] = nodes.FilterBlock([node], _outside(None, node), lineno=node.lineno)
-
-
-def is_guarded_block(node: nodes.FilterBlock) -> bool:
-    """Whether the filter is there to watch what one block prints in the body of a file."""
-    return node.filter.name == "orv outside" and isinstance(node.body[0], nodes.Block)
-
-
-def _is_plain_filter(node: nodes.Node) -> bool:
-    return isinstance(node, nodes.FilterBlock) and not node.filter.name.startswith("orv ")
-
-
-def _guarded(parser: Parser, node: nodes.Expr) -> nodes.Expr:
-    if not isinstance(node, nodes.TemplateData):
-        already = isinstance(node, nodes.Filter) and node.name == "orv outside"
-        return node if already else _outside(node, node)
-    if node.data and not node.data.isspace():
-        parser.fail(outside_text(node.data), first_text_line(node))
-    return node
-
-
-def _outside(value: nodes.Expr | None, at: nodes.Node) -> nodes.Filter:
-    return nodes.Filter(value, "orv outside", [], [], None, None, lineno=at.lineno)
-
-
-def first_text_line(node: nodes.Expr) -> int:
-    """The line on which something printed begins, white space aside."""
-    if not isinstance(node, nodes.TemplateData):
-        return node.lineno
-    white_space = len(node.data) - len(node.data.lstrip())
-    return node.lineno + node.data.count("\n", 0, white_space)
-
-
-def outside_text(text: str) -> str:
-    """The complaint about text that belongs to no section."""
-    line, *more = text.strip().splitlines()
-    shown = line[:60] + ("..." if more or len(line) > 60 else "")
-    return f'this text stands outside every section: "{shown}"; put it between' + (
-        " {% section %} and {% endsection %}"
-    )
+    return nodes.Const(names.index(name.value), lineno=name.lineno)

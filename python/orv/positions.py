@@ -2,11 +2,9 @@
 
 from __future__ import annotations
 
-import inspect
 import sys
-from collections.abc import Iterator
 from types import FrameType, TracebackType
-from typing import Any, NamedTuple
+from typing import NamedTuple
 
 from jinja2 import Template
 
@@ -39,25 +37,18 @@ def here() -> Position:
     raise RuntimeError("no template is running")
 
 
-def of_traceback(traceback: TracebackType | None) -> Position | None:
-    """The innermost line of a template that an exception passed through."""
+def of_traceback(traceback: TracebackType | None, more: int = 0) -> Position | None:
+    """The innermost line of a template that an exception passed through.
+
+    `more` is added to the line of the template's code.
+    """
     found: Position | None = None
     while traceback is not None:
         template = _template_of(traceback.tb_frame)
         if template is not None:
-            found = _position(template, traceback.tb_lineno)
+            found = _position(template, traceback.tb_lineno + more)
         traceback = traceback.tb_next
     return found
-
-
-def of_generator(generator: Iterator[str]) -> Position | None:
-    """The line at which the suspended output of a template, or of a block in it, stands."""
-    inner: Any = generator
-    while inspect.isgenerator(inner.gi_yieldfrom):
-        inner = inner.gi_yieldfrom
-    frame: FrameType | None = inner.gi_frame
-    template = _template_of(frame) if frame is not None else None
-    return _position(template, frame.f_lineno) if frame is not None and template else None
 
 
 def _template_of(frame: FrameType) -> Template | None:

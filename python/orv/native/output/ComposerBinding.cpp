@@ -1,0 +1,59 @@
+#include <cstring>
+#include <string>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/SectionNames.hpp"
+#include "python/orv/native/Text.hpp"
+#include "python/orv/native/output/Composer.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+ComposedFile composeFile(PackagedFiles& files, int index, const py::object& names) {
+  if (names.is_none()) return compose(files, index, nullptr);
+  SectionOrder order;
+  for (const py::handle name : names) {
+    order.push_back(sectionKind(utf8(name, "a section's name")));
+  }
+  return compose(files, index, &order);
+}
+
+// The bytes are the composed file's own; whoever holds the buffer holds the file alive.
+py::buffer_info bufferOf(ComposedFile& file) {
+  const std::string_view bytes = file.bytes();
+  return py::buffer_info(const_cast<char*>(bytes.data()), 1,
+                         py::format_descriptor<unsigned char>::format(), 1,
+                         {static_cast<py::ssize_t>(bytes.size())}, {1}, true);
+}
+
+bool equals(const ComposedFile& file, const py::buffer& other) {
+  const py::buffer_info block = other.request();
+  const std::string_view bytes = file.bytes();
+  return static_cast<std::size_t>(block.size * block.itemsize) == bytes.size() &&
+         std::memcmp(block.ptr, bytes.data(), bytes.size()) == 0;
+}
+
+py::dict sectionSizes(const ComposedFile& file) {
+  py::dict sizes;
+  for (const ComposedFile::Section& section : file.sections()) {
+    sizes[toPython(sectionNames()[section.kind])] = section.size;
+  }
+  return sizes;
+}
+
+}  // namespace
+
+void bindComposer(py::module_& module, RepositoryClass& repository) {
+  py::class_<ComposedFile>(module, "ComposedFile", py::buffer_protocol())
+      .def_buffer(&bufferOf)
+      .def("__len__", [](const ComposedFile& file) { return file.bytes().size(); })
+      .def("equals", &equals)
+      .def_property_readonly("sections", &sectionSizes);
+  repository.def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none())
+      .def("is_header",
+           [](PackagedFiles& files, int index) { return isHeader(files.file(index)); });
+}
+
+}  // namespace orv

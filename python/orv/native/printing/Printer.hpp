@@ -1,0 +1,99 @@
+#ifndef ORV_PRINTING_PRINTER_HPP
+#define ORV_PRINTING_PRINTER_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <varn/VarnFileSectionKind.hpp>
+
+#include "python/orv/native/PackagedFiles.hpp"
+
+namespace orv {
+
+// What is printed between an opening and its end, with the place that it goes to.
+struct Body {
+  // Outside holds nothing: what is printed there belongs to no section. The text of fill and
+  // capture becomes a value again, all other text goes to a file.
+  enum class Kind { outside, section, function, fill, capture };
+
+  // A custom section that is put into the text at `offset`. `number` is the template side's.
+  struct Placement {
+    std::size_t offset;
+    std::size_t number;
+  };
+
+  Kind kind = Kind::outside;
+  // The file that tags in this body mean when they name none; -1 for none.
+  int current = -1;
+  // Where the text goes; `name` is that of a function or of a custom section.
+  int file = -1;
+  Varn::VarnFileSectionKind section = Varn::BANNER_SECTION;
+  std::string name;
+  std::string text;
+  std::vector<Placement> placements;
+};
+
+// Takes what templates print, in the order in which they print it, and puts it into the sections of
+// files. It has a stack of bodies; text goes to the top one. A body is committed when it is closed:
+// a section's text is added in one piece, a function whole.
+//
+// A body with placements is kept back, and so is everything that is committed to the same section
+// later, so that its order stays. finish() commits what was kept back.
+//
+// Text is UTF-8 without NUL characters. One printer serves one run, on one thread.
+class Printer {
+ public:
+  // Gives the text of placement `number` in `body`, a body that is about to be committed.
+  using Placer = std::function<std::string(std::size_t number, const Body& body)>;
+
+  // Starts with one body, which is outside, and no current file.
+  explicit Printer(std::shared_ptr<PackagedFiles> files);
+
+  PackagedFiles& files() { return *files_; }
+  Body& top() { return bodies_[depth_ - 1]; }
+  // The number of bodies that are open, at least 1.
+  std::size_t depth() const { return depth_; }
+
+  // Each opens a body. The file is checked: an unknown index throws the library's diagnostic, a
+  // section that the file lacks throws pybind11::value_error.
+  void openOutside(int current);
+  void openSection(int file, Varn::VarnFileSectionKind section);
+  void openFunction(int file, std::string name);
+  void openFill(int file, std::string name);
+  void openCapture();
+
+  void append(std::string_view text) { top().text.append(text); }
+  // Only in the body of a section or a function.
+  void place(std::size_t number);
+
+  // Closes the top body and commits it if its text goes to a file. Returns the body, which is valid
+  // until the next one is opened. Throws std::logic_error for the first body.
+  Body& close();
+
+  // Whether text for the section is kept back.
+  bool isWaiting(int file, Varn::VarnFileSectionKind section) const;
+  // Commits what was kept back. Afterwards nothing is kept back any more.
+  void finish(const Placer& placer);
+
+ private:
+  Body& open(Body::Kind kind);
+  void commit(Body& body);
+  void add(const Body& body);
+
+  std::shared_ptr<PackagedFiles> files_;
+  // The first `depth_` are open; the others are kept for their memory.
+  std::vector<Body> bodies_;
+  std::size_t depth_ = 0;
+  std::vector<Body> waiting_;
+  // By file, one bit for each kind of section; as long as the last file that has any.
+  std::vector<std::uint32_t> waitingSections_;
+};
+
+}  // namespace orv
+
+#endif

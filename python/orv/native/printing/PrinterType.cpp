@@ -1,0 +1,446 @@
+// The Python class Printer. Compiled templates call it for every piece of text, so that it is a
+// plain type of the interpreter: its methods take their arguments without conversion.
+
+#include <charconv>
+#include <climits>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <utility>
+
+#include <orbel/Diagnostics.hpp>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/SectionNames.hpp"
+#include "python/orv/native/Text.hpp"
+#include "python/orv/native/printing/Printer.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+struct PrinterObject {
+  PyObject_HEAD Printer* printer;
+  // Functions of the template side; see _native.pyi.
+  PyObject* textOf;
+  PyObject* refuse;
+  PyObject* find;
+  // Whether the next enter() opens no capture, as what it encloses is printed as it is.
+  bool printsNext;
+  // The position of the argument that write() failed on; -1 for none.
+  Py_ssize_t failedArgument;
+};
+
+using Arguments = PyObject* const*;
+
+PrinterObject& objectOf(PyObject* self) { return *reinterpret_cast<PrinterObject*>(self); }
+Printer& printerOf(PyObject* self) { return *objectOf(self).printer; }
+
+// Calls `operation` and turns what it throws into a Python exception; the result is null then.
+template <class Operation>
+PyObject* guarded(Operation&& operation) {
+  try {
+    return operation();
+  } catch (py::error_already_set& error) {
+    error.restore();
+  } catch (const py::builtin_exception& error) {
+    error.set_error();
+  } catch (const orbel::HostException& diagnostic) {
+    raiseDiagnostic(diagnostic);
+  } catch (const std::bad_alloc&) {
+    PyErr_NoMemory();
+  } catch (const std::exception& error) {
+    PyErr_SetString(PyExc_RuntimeError, error.what());
+  }
+  return nullptr;
+}
+
+PyObject* none() { return Py_NewRef(Py_None); }
+
+void requireCount(const char* method, Py_ssize_t count, Py_ssize_t least, Py_ssize_t most) {
+  if (count >= least && count <= most) return;
+  throw py::type_error(std::string(method) + "() got " + std::to_string(count) + " arguments");
+}
+
+long numberArgument(PyObject* value) {
+  const long number = PyLong_AsLong(value);
+  if (number == -1 && PyErr_Occurred() != nullptr) throw py::error_already_set();
+  return number;
+}
+
+int fileArgument(PyObject* value) {
+  const long file = numberArgument(value);
+  if (file < -1 || file > INT_MAX) throw py::value_error("there is no such file");
+  return static_cast<int>(file);
+}
+
+Varn::VarnFileSectionKind sectionArgument(PyObject* section) {
+  if (!PyLong_CheckExact(section)) return sectionKind(utf8(section, "a section's name"));
+  const long kind = numberArgument(section);
+  if (kind < 0 || static_cast<std::size_t>(kind) >= sectionNames().size()) {
+    throw py::value_error("there is no kind of section " + std::to_string(kind));
+  }
+  return static_cast<Varn::VarnFileSectionKind>(kind);
+}
+
+// Calls a function of the template side.
+py::object call(PyObject* function, PyObject* argument) {
+  if (function == nullptr) throw py::value_error("the printer is gone");
+  auto result = py::reinterpret_steal<py::object>(PyObject_CallOneArg(function, argument));
+  if (!result) throw py::error_already_set();
+  return result;
+}
+
+// The file that a tag means by what it names, `arguments[at]` if it is there, or by what it is in.
+int targetOf(PrinterObject& self, Arguments arguments, Py_ssize_t count, Py_ssize_t at) {
+  if (at >= count || arguments[at] == Py_None) {
+    const int current = self.printer->top().current;
+    if (current >= 0) return current;
+    throw py::value_error(
+        "no file is open here; put this between {% file ... %} and {% endfile %}"
+        " or say which file it is for: of \"NAME\"");
+  }
+  if (PyUnicode_CheckExact(arguments[at])) {
+    const std::string name = textArgument(arguments[at], "a file's name");
+    const int file = self.printer->files().repository.findFileIndexByName(name);
+    if (file >= 0) return file;
+  }
+  return fileArgument(call(self.find, arguments[at]).ptr());
+}
+
+// Appends the UTF-8 form of a text that is not ASCII. The text keeps no copy of it.
+void appendEncoded(std::string& bytes, PyObject* text) {
+  const Py_ssize_t length = PyUnicode_GET_LENGTH(text);
+  const int kind = PyUnicode_KIND(text);
+  const void* data = PyUnicode_DATA(text);
+  for (Py_ssize_t i = 0; i < length; ++i) {
+    const Py_UCS4 c = PyUnicode_READ(kind, data, i);
+    if (c >= 0xD800 && c <= 0xDFFF) {
+      throw py::value_error(
+          "the text of a section holds a lone surrogate, which UTF-8 cannot express");
+    }
+    if (c < 0x80) {
+      bytes += static_cast<char>(c);
+      continue;
+    }
+    const int more = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+    constexpr unsigned char leads[] = {0, 0xC0, 0xE0, 0xF0};
+    bytes += static_cast<char>(leads[more] | (c >> (6 * more)));
+    for (int shift = 6 * (more - 1); shift >= 0; shift -= 6) {
+      bytes += static_cast<char>(0x80 | ((c >> shift) & 0x3F));
+    }
+  }
+}
+
+void requireNoNul(std::string_view bytes) {
+  if (bytes.find('\0') == std::string_view::npos) return;
+  throw py::value_error("the text holds a NUL character, which no file of text can hold");
+}
+
+std::string_view asciiOf(PyObject* text) {
+  return {static_cast<const char*>(PyUnicode_DATA(text)),
+          static_cast<std::size_t>(PyUnicode_GET_LENGTH(text))};
+}
+
+// Text outside of every section: white space is dropped, the template side refuses all else.
+void printOutside(PrinterObject& self, PyObject* text) {
+  const bool isBlank = PyUnicode_IS_COMPACT_ASCII(text) &&
+                       asciiOf(text).find_first_not_of(" \t\n\r\f\v") == std::string_view::npos;
+  if (!isBlank) call(self.refuse, text);
+}
+
+void printText(PrinterObject& self, PyObject* text) {
+  Body& body = self.printer->top();
+  if (body.kind == Body::Kind::outside) {
+    printOutside(self, text);
+  } else if (PyUnicode_IS_COMPACT_ASCII(text)) {
+    requireNoNul(asciiOf(text));
+    body.text.append(asciiOf(text));
+  } else {
+    const std::size_t before = body.text.size();
+    appendEncoded(body.text, text);
+    requireNoNul(std::string_view(body.text).substr(before));
+  }
+}
+
+// A float, or an int that is too large for a long.
+void printRare(PrinterObject& self, PyObject* number) {
+  const auto text = py::reinterpret_steal<py::object>(PyObject_Str(number));
+  if (!text) throw py::error_already_set();
+  printText(self, text.ptr());
+}
+
+void printInt(PrinterObject& self, PyObject* number) {
+  Body& body = self.printer->top();
+  int overflow = 0;
+  const long value = PyLong_AsLongAndOverflow(number, &overflow);
+  if (overflow != 0 || body.kind == Body::Kind::outside) {
+    printRare(self, number);
+    return;
+  }
+  char digits[24];
+  const char* end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
+  body.text.append(digits, static_cast<std::size_t>(end - digits));
+}
+
+void print(PrinterObject& self, PyObject* value) {
+  if (PyUnicode_CheckExact(value)) {
+    printText(self, value);
+  } else if (PyLong_CheckExact(value)) {
+    printInt(self, value);
+  } else if (PyFloat_CheckExact(value)) {
+    printRare(self, value);
+  } else {
+    const py::object text = call(self.textOf, value);
+    if (!PyUnicode_Check(text.ptr())) throw py::type_error("a value was made no text of");
+    printText(self, text.ptr());
+  }
+}
+
+PyObject* write(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  PrinterObject& object = objectOf(self);
+  return guarded([&] {
+    for (Py_ssize_t i = 0; i < count; ++i) {
+      object.failedArgument = i;
+      print(object, arguments[i]);
+    }
+    object.failedArgument = -1;
+    return none();
+  });
+}
+
+PyObject* section(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("section", count, 1, 2);
+    const int file = targetOf(objectOf(self), arguments, count, 1);
+    printerOf(self).openSection(file, sectionArgument(arguments[0]));
+    return none();
+  });
+}
+
+PyObject* function(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("function", count, 1, 2);
+    const int file = targetOf(objectOf(self), arguments, count, 1);
+    printerOf(self).openFunction(file, textArgument(arguments[0], "a function's name"));
+    return none();
+  });
+}
+
+PyObject* fill(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("fill", count, 1, 2);
+    const int file = targetOf(objectOf(self), arguments, count, 1);
+    printerOf(self).openFill(file, textArgument(arguments[0], "a custom section's name"));
+    return none();
+  });
+}
+
+PyObject* outside(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("outside", count, 0, 1);
+    Printer& printer = printerOf(self);
+    printer.openOutside(count == 1 ? fileArgument(arguments[0]) : printer.top().current);
+    return none();
+  });
+}
+
+PyObject* target(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("target", count, 0, 1);
+    return PyLong_FromLong(targetOf(objectOf(self), arguments, count, 0));
+  });
+}
+
+PyObject* close(PyObject* self, PyObject*) {
+  return guarded([&] {
+    printerOf(self).close();
+    return none();
+  });
+}
+
+PyObject* closeFill(PyObject* self, PyObject*) {
+  return guarded([&] {
+    const Body& body = printerOf(self).close();
+    return py::make_tuple(body.file, toPython(body.name), toPython(body.text)).release().ptr();
+  });
+}
+
+PyObject* printNext(PyObject* self, PyObject*) {
+  objectOf(self).printsNext = true;
+  return none();
+}
+
+// The depth of the capture that is opened; 0 for none.
+PyObject* enter(PyObject* self, PyObject*) {
+  PrinterObject& object = objectOf(self);
+  if (std::exchange(object.printsNext, false)) return PyLong_FromLong(0);
+  return guarded([&] {
+    object.printer->openCapture();
+    return PyLong_FromSize_t(object.printer->depth());
+  });
+}
+
+PyObject* leave(PyObject* self, PyObject* entered) {
+  return guarded([&]() -> PyObject* {
+    const long depth = numberArgument(entered);
+    if (depth == 0) return PyUnicode_New(0, 0);
+    Printer& printer = printerOf(self);
+    if (static_cast<std::size_t>(depth) != printer.depth()) {
+      throw py::value_error("the captures are not closed in the order in which they were opened");
+    }
+    return toPython(printer.close().text).release().ptr();
+  });
+}
+
+PyObject* place(PyObject* self, PyObject* number) {
+  return guarded([&] {
+    const long placement = numberArgument(number);
+    if (placement < 0) throw py::value_error("there is no such placement");
+    printerOf(self).place(static_cast<std::size_t>(placement));
+    return none();
+  });
+}
+
+PyObject* isWaiting(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("is_waiting", count, 2, 2);
+    const int file = fileArgument(arguments[0]);
+    return PyBool_FromLong(
+        static_cast<long>(printerOf(self).isWaiting(file, sectionArgument(arguments[1]))));
+  });
+}
+
+PyObject* finish(PyObject* self, PyObject* retrieve) {
+  return guarded([&] {
+    const auto placer = py::reinterpret_borrow<py::object>(retrieve);
+    printerOf(self).finish([&](std::size_t number, const Body& body) {
+      const py::object text = placer(number, body.file, toPython(sectionNames()[body.section]));
+      return textArgument(text, "the text of a custom section");
+    });
+    return none();
+  });
+}
+
+PyObject* getKind(PyObject* self, void*) {
+  constexpr const char* names[] = {"outside", "section", "function", "fill", "capture"};
+  return PyUnicode_FromString(names[static_cast<std::size_t>(printerOf(self).top().kind)]);
+}
+
+PyObject* getDepth(PyObject* self, void*) { return PyLong_FromSize_t(printerOf(self).depth()); }
+
+PyObject* getFailedArgument(PyObject* self, void*) {
+  return PyLong_FromSsize_t(objectOf(self).failedArgument);
+}
+
+PyObject* create(PyTypeObject* type, PyObject* arguments, PyObject* named) {
+  PyObject* files = nullptr;
+  PyObject* textOf = nullptr;
+  PyObject* refuse = nullptr;
+  PyObject* find = nullptr;
+  constexpr const char* names[] = {"files", "text_of", "refuse", "find", nullptr};
+  if (PyArg_ParseTupleAndKeywords(arguments, named, "OOOO:Printer", const_cast<char**>(names),
+                                  &files, &textOf, &refuse, &find) == 0) {
+    return nullptr;
+  }
+  return guarded([&]() -> PyObject* {
+    std::shared_ptr<PackagedFiles> repository;
+    if (py::isinstance<PackagedFiles>(files)) {
+      repository = py::cast<std::shared_ptr<PackagedFiles>>(files);
+    } else {
+      throw py::type_error("expected a Repository");
+    }
+    auto printer = std::make_unique<Printer>(std::move(repository));
+    PyObject* self = type->tp_alloc(type, 0);
+    if (self == nullptr) return nullptr;
+    PrinterObject& object = objectOf(self);
+    object.printer = printer.release();
+    object.textOf = Py_NewRef(textOf);
+    object.refuse = Py_NewRef(refuse);
+    object.find = Py_NewRef(find);
+    object.failedArgument = -1;
+    return self;
+  });
+}
+
+int traverse(PyObject* self, visitproc visit, void* arg) {
+  const PrinterObject& object = objectOf(self);
+  Py_VISIT(Py_TYPE(self));
+  Py_VISIT(object.textOf);
+  Py_VISIT(object.refuse);
+  Py_VISIT(object.find);
+  return 0;
+}
+
+int clear(PyObject* self) {
+  PrinterObject& object = objectOf(self);
+  Py_CLEAR(object.textOf);
+  Py_CLEAR(object.refuse);
+  Py_CLEAR(object.find);
+  return 0;
+}
+
+void destroy(PyObject* self) {
+  PyTypeObject* type = Py_TYPE(self);
+  PyObject_GC_UnTrack(self);
+  static_cast<void>(clear(self));
+  delete objectOf(self).printer;
+  type->tp_free(self);
+  Py_DECREF(type);
+}
+
+// A method that takes its arguments as an array.
+PyMethodDef method(const char* name, PyObject* (*call)(PyObject*, Arguments, Py_ssize_t)) {
+  return {name, reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(call)), METH_FASTCALL,
+          nullptr};
+}
+
+PyMethodDef methods[] = {
+    method("write", &write),
+    method("section", &section),
+    method("function", &function),
+    method("fill", &fill),
+    method("outside", &outside),
+    method("target", &target),
+    method("is_waiting", &isWaiting),
+    {"close", &close, METH_NOARGS, nullptr},
+    {"close_fill", &closeFill, METH_NOARGS, nullptr},
+    {"print_next", &printNext, METH_NOARGS, nullptr},
+    {"enter", &enter, METH_NOARGS, nullptr},
+    {"leave", &leave, METH_O, nullptr},
+    {"place", &place, METH_O, nullptr},
+    {"finish", &finish, METH_O, nullptr},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+PyGetSetDef properties[] = {
+    {"kind", &getKind, nullptr, nullptr, nullptr},
+    {"depth", &getDepth, nullptr, nullptr, nullptr},
+    {"failed_argument", &getFailedArgument, nullptr, nullptr, nullptr},
+    {nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+PyType_Slot slots[] = {
+    {Py_tp_new, reinterpret_cast<void*>(&create)},
+    {Py_tp_dealloc, reinterpret_cast<void*>(&destroy)},
+    {Py_tp_traverse, reinterpret_cast<void*>(&traverse)},
+    {Py_tp_clear, reinterpret_cast<void*>(&clear)},
+    {Py_tp_methods, methods},
+    {Py_tp_getset, properties},
+    {0, nullptr},
+};
+
+PyType_Spec spec = {"orv._native.Printer", sizeof(PrinterObject), 0,
+                    Py_TPFLAGS_DEFAULT | Py_TPFLAGS_HAVE_GC, slots};
+
+}  // namespace
+
+void bindPrinter(py::module_& module) {
+  const auto type = py::reinterpret_steal<py::object>(PyType_FromSpec(&spec));
+  if (!type) throw py::error_already_set();
+  module.attr("Printer") = type;
+}
+
+}  // namespace orv
