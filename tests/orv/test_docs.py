@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import doctest
 import json
 import re
 from pathlib import Path
@@ -10,6 +11,7 @@ from typing import NamedTuple
 import pytest
 from conftest import files_of
 
+from orv import interface
 from orv.errors import OrvError
 
 DOCUMENT = Path(__file__).parents[2] / "docs" / "templates.md"
@@ -52,3 +54,8 @@ def test_example(example: Example) -> None:
     except OrvError as error:
         outcome = [str(error)]
     assert outcome == (example.message or example.files)
+
+
+def test_interface(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.chdir(tmp_path)
+    assert doctest.testmod(interface) == (0, 8)

@@ -29,9 +29,7 @@ class Run:
         self.step = step
         self.repository = _native.Repository()
         self.files = FileTable(self.repository, messages)
-        self.printer = _native.Printer(
-            self.repository, text_of, refuse_outside, self.files.find
-        )
+        self.printer = _native.Printer(self.repository, text_of, refuse_outside, self.files.find)
         self.files.is_waiting = self.printer.is_waiting
         self.custom = CustomSections(self.repository, messages)
         self._placements: list[Placement] = []

@@ -14,7 +14,8 @@ _NAMED_BY_TABLE = {"model_header": "ModelHeaderFile", "model_types": "ModelTypes
 
 
 ATTRIBUTES = tuple(name for name, _, _ in _native.ATTRIBUTES)
-_SETTABLE = tuple(name for name, _, settable in _native.ATTRIBUTES if settable)
+# By name: "text", "flag" or "list".
+_SETTABLE = {name: kind for name, kind, settable in _native.ATTRIBUTES if settable}
 
 
 @dataclass
@@ -291,12 +292,11 @@ class FileTable:
         self._records[file].order = tuple(value)
 
     def _set_attribute(self, file: int, name: str, value: object) -> None:
-        kind = self.repository.attribute_kind(name)
-        if not kind:
-            hint = did_you_mean(name, _SETTABLE)
-            raise OrvError(f'files have no attribute "{name}"{hint}')
-        if name not in _SETTABLE:
+        kind = _SETTABLE.get(name)
+        if kind is None and name in ATTRIBUTES:
             raise OrvError(f"{name} cannot be set: a file keeps the name that declared it")
+        if kind is None:
+            raise OrvError(f'files have no attribute "{name}"{did_you_mean(name, _SETTABLE)}')
         if kind == "list":
             for element in value if isinstance(value, (list, tuple)) else [value]:
                 self.repository.set_attribute(file, name, _text(name, element))

@@ -55,23 +55,12 @@ py::tuple attributeTable() {
   return table;
 }
 
-// "text", "flag" or "list"; empty for what is no attribute, a section's name included.
-std::string attributeKind(PackagedFiles& files, const py::object& name) {
-  const Varn::FileRepOrvBridge& bridge = files.bridge();
-  const std::string attribute = textArgument(name, "an attribute's name");
-  if (bridge.isBooleanAttribute(attribute)) return "flag";
-  if (bridge.isStringArrayAttribute(attribute)) return "list";
-  if (bridge.isFileSectionAttribute(attribute)) return "";
-  return bridge.isStringAttribute(attribute) ? "text" : "";
-}
-
 }  // namespace
 
 void bindAttributes(py::module_& module, RepositoryClass& repository) {
   module.attr("ATTRIBUTES") = attributeTable();
   repository.def("get_attribute", &getAttribute)
-      .def("set_attribute", &setAttribute)
-      .def("attribute_kind", &attributeKind);
+      .def("set_attribute", &setAttribute);
 }
 
 }  // namespace orv

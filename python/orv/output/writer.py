@@ -85,9 +85,7 @@ def plan(run: Run, out: str) -> list[PlannedFile]:
     return planned
 
 
-def write(
-    files: Iterable[PlannedFile], run: Run, wrote: Callable[[PlannedFile], None]
-) -> None:
+def write(files: Iterable[PlannedFile], run: Run, wrote: Callable[[PlannedFile], None]) -> None:
     """Write the files that differ, each whole or not at all; `wrote` hears of each.
 
     Raises OutputError, which says for every file whether it is old or new, when one cannot be
