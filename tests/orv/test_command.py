@@ -108,7 +108,7 @@ def test_bytes_do_not_depend_on_locale_or_hash_seed(
         "{% endsection %}{% endfile %}"
     )
     (tmp_path / "t.j2").write_bytes(template.encode())
-    (tmp_path / "m.yaml").write_bytes("m: {z: ö, a: 1}\ns: !!set {b, a, c}\n".encode())
+    (tmp_path / "m.yaml").write_bytes("m: {z: ö, a: 1}\ns: [a, b, c]\n".encode())
     run = ("generate", "t.j2", "--model", "m.yaml", "--out", "out", "--manifest", "m.json")
     env = {"LC_ALL": locale, "PYTHONUTF8": "0", "PYTHONCOERCECLOCALE": "0", "PYTHONHASHSEED": "7"}
     assert orv(*run, "--set", "x=é", env=env).returncode == 0
@@ -230,7 +230,7 @@ MISTAKES = {
     "set JSON": (
         ["t.j2", "--out", "o", "--set", "x=[1"],
         2,
-        "argument --set: x: line 1: Expecting ',' delimiter;"
+        "argument --set: x: missing a comma or ']' after an array element;"
         " put a text that begins like JSON in double quotes",
     ),
     "unknown": (["--ot=o", "t.j2"], 2, 'unrecognized argument --ot=o; did you mean "--out"?'),

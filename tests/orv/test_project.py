@@ -18,7 +18,7 @@ quiet = true
 
 [run.other]
 template = "t/a.j2"
-model = ["m/m.json", "m/m.json"]
+model = ["m/m.json", "n=m/m.json"]
 out = "other"
 set = '''
 y=3'''

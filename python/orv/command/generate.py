@@ -50,20 +50,20 @@ def generate(options: GenerateOptions) -> Outcome:
     if options.run_name is not None:
         _say(f"run {options.run_name}", options)
     messages = Messages(lambda text: _warn(text, options), options.strict)
-    model = build_model(options.model, options.set)
+    model = build_model(options.model, options.set, messages.warn)
     read: list[str] = []
     templates = [source_beside(path, options.templates, read) for path in options.template]
     with progress("rendering", None, options.quiet) as step:
-        run = render(templates, model, messages, step)
+        run = render(templates, model.values, messages, step)
     for script in options.script:
         from orv.scripts import run_script
 
         _say(f"running {script}", options)
-        run_script(script, run, model)
+        run_script(script, run, model.values)
     files = plan(run, options.out)
-    for path in [source.path for source in options.model] + read:
+    for path in [*model.files, *read]:
         _say(f"read {path}", options)
-    sources = [*read, *(source.path for source in options.model), *options.script]
+    sources = [*read, *model.files, *model.folders, *options.script]
     if options.project is not None:
         sources.append(options.project)
     wanted = _reports(files, sources, run, options)

@@ -9,17 +9,18 @@ from typing import TYPE_CHECKING, ClassVar
 from orv.command.option import ValueType, file, flag, folder, operands, text, value, values
 
 if TYPE_CHECKING:
-    from orv.models.model import ModelSource, Setting
+    from orv.models.model import Setting
+    from orv.models.sources import ModelSource
 
 
 def _model(argument: str) -> ModelSource:
-    from orv.models.model import ModelSource
+    from orv.models.sources import ModelSource
 
     return ModelSource.parse(argument)
 
 
 def _model_below(folder: str, model: ModelSource) -> ModelSource:
-    return model._replace(path=os.path.join(folder, model.path))
+    return model.below(folder)
 
 
 def _setting(argument: str) -> Setting:
@@ -45,7 +46,8 @@ class InputOptions:
     templates: list[str] = values(folder("DIR"), "look for templates here too")
     model: list[ModelSource] = values(
         MODEL,
-        "a model in JSON, YAML, TOML or XML, under NAME or as it is; several are merged by name",
+        "a model in JSON, YAML, TOML, CSV or XML, under NAME or as it is; several are merged by"
+        " name; with NAME also a pattern of files, or -:FORMAT for standard input",
     )
     set: list[Setting] = values(SETTING, "set one value of the model; KEY may be dotted")
     script: list[str] = values(

@@ -1,32 +1,19 @@
-"""Models: the data that templates walk, from files and from the command line."""
+"""The model of a run: what its sources and settings make together."""
 
 from __future__ import annotations
 
-import json
-import math
-import os
 import re
-import tomllib
 from collections.abc import Callable, Iterable
-from typing import Any, NamedTuple, NoReturn
+from typing import Any, NamedTuple
 
-from orv.errors import ModelError
+from orv._native import Places, read_model
+from orv.errors import ModelError, ignore
+from orv.models.sources import ModelSource, Reader
 
-_NAMED = re.compile(r"([A-Za-z_]\w*)=(.+)", re.DOTALL)
 _WHOLE_NUMBER = re.compile(r"-?(0|[1-9][0-9]{0,17})")
 
-
-class ModelSource(NamedTuple):
-    """A model file, and the variable that holds it; None when its own entries are variables."""
-
-    name: str | None
-    path: str
-
-    @classmethod
-    def parse(cls, argument: str) -> ModelSource:
-        """From FILE or NAME=FILE."""
-        named = _NAMED.fullmatch(argument)
-        return cls(named[1], named[2]) if named else cls(None, argument)
+# The most names in the key of a setting: as deep as a model may be.
+_DEEPEST = 499
 
 
 class Setting(NamedTuple):
@@ -46,7 +33,9 @@ class Setting(NamedTuple):
         key, separator, text = argument.partition("=")
         names = tuple(key.split("."))
         if not separator or not all(name.isidentifier() for name in names):
-            raise ValueError(f"expected KEY=VALUE with a name for KEY, not {argument!r}")
+            raise ValueError(f"expected KEY=VALUE with a name for KEY, not {_shortened(argument)}")
+        if len(names) > _DEEPEST:
+            raise ValueError(f"expected at most {_DEEPEST} names in KEY, got {len(names)}")
         try:
             return cls(names, _set_value(text))
         except ModelError as error:
@@ -54,162 +43,90 @@ class Setting(NamedTuple):
             raise ModelError(f"{key}: {error}; {hint}") from error
 
 
+class Model(NamedTuple):
+    """A model, where its values were written, and what was read for it."""
+
+    values: dict[str, Any]
+    places: Places
+    files: list[str]
+    # The folders in which patterns were looked for.
+    folders: list[str]
+
+
 def build_model(
-    sources: Iterable[ModelSource], settings: Iterable[Setting]
-) -> dict[str, object]:
+    sources: Iterable[ModelSource],
+    settings: Iterable[Setting],
+    warn: Callable[[str], None] = ignore,
+) -> Model:
     """Merge models and settings by name, in order.
 
-    Where two models have an object under the same name, the objects are merged; anything else of a
-    later model takes the place of the earlier. Raises ModelError, whose text begins with the file.
+    Where two models have an object under the same name, the objects are merged, and inside of them
+    a later model goes before an earlier one. Anything else under one name is an error; settings
+    take the place of everything. Raises ModelError, whose text begins with FILE:LINE.
     """
-    model: dict[str, object] = {}
+    places = Places()
+    reader = Reader(places, warn)
+    values: dict[str, Any] = {}
     for source in sources:
-        value = load_model(source.path)
-        if source.name is not None:
-            value = {source.name: value}
-        if not isinstance(value, dict):
-            raise ModelError(
-                f"{source.path}: the model is {_described(value)}, not an object with names;"
-                f" give it a name: --model NAME={source.path}"
-            )
-        _merge(model, value)
+        entries = _entries(source, reader.read(source), places)
+        _refuse_conflicts(values, entries, source, places)
+        values = _merged(values, entries, places) if values else entries
     for setting in settings:
-        nested: object = setting.value
+        nested: Any = setting.value
         for name in reversed(setting.names):
             nested = {name: nested}
-        assert isinstance(nested, dict)
-        _merge(model, nested)
-    return model
+            places.note(nested, f"--set {'.'.join(setting.names)}")
+        values = _merged(values, nested, places)
+    return Model(values, places, reader.files, reader.folders)
 
 
-def load_model(path: str) -> object:
-    """What a model file holds, by the ending of its name. An XML model is its root by its tag."""
-    parse = _PARSERS.get(os.path.splitext(path)[1].lower())
-    if parse is None:
-        raise ModelError(f"{path}: a model's name ends in {', '.join(_PARSERS)}")
-    try:
-        with open(path, "rb") as file:
-            data = file.read()
-    except OSError as error:
-        raise ModelError(f"{path}: {error.strerror}") from error
-    try:
-        return _parsed(parse, data)
-    except ModelError as error:
-        raise ModelError(f"{path}: {error}") from error
+def _entries(source: ModelSource, value: object, places: Places) -> dict[str, Any]:
+    if source.name is not None:
+        named = {source.name: value}
+        places.note(named, source.path)
+        return named
+    if not isinstance(value, dict):
+        raise ModelError(
+            f"{places.place_of(value) or source.path}: the model is {_described(value)}, not an"
+            f" object with names; give it a name: --model NAME={source.path}"
+        )
+    return value
 
 
-def _parsed(parse: Callable[[bytes], object], data: bytes) -> object:
-    try:
-        root = parse(data)
-    except RecursionError as error:
-        raise ModelError("the model is nested too deeply") from error
-    except ValueError as error:
-        raise ModelError(str(error)) from error
-    _refuse_unusable(root)
-    return root
+def _refuse_conflicts(
+    values: dict[str, Any], entries: dict[str, Any], source: ModelSource, places: Places
+) -> None:
+    for name in entries:
+        if name in values and not (
+            isinstance(values[name], dict) and isinstance(entries[name], dict)
+        ):
+            raise ModelError(
+                f'{places.place_of(entries, name)}: "{name}" is already at'
+                f" {places.place_of(values, name)}; give a model a name of its own:"
+                f" --model NAME={source.path}"
+            )
 
 
-def _parse_json(data: bytes) -> object:
-    def refuse(constant: str) -> NoReturn:
-        raise ModelError(f"{constant} is no JSON value")
-
-    text = data.decode("utf-8-sig")
-    try:
-        return json.loads(text, object_pairs_hook=_unique, parse_constant=refuse)
-    except json.JSONDecodeError as error:
-        raise ModelError(f"line {error.lineno}: {error.msg}") from error
-
-
-def _unique(pairs: list[tuple[str, object]]) -> dict[str, object]:
-    entries = dict(pairs)
-    if len(entries) < len(pairs):
-        names = [name for name, _ in pairs]
-        repeated = next(name for name in names if names.count(name) > 1)
-        raise ModelError(f'the name "{repeated}" is given twice in one object')
-    return entries
-
-
-def _parse_toml(data: bytes) -> object:
-    return tomllib.loads(data.decode("utf-8-sig"))
-
-
-def _parse_yaml(data: bytes) -> object:
-    import yaml
-
-    from orv.models.yamlmodel import load
-
-    try:
-        return load(data)
-    except yaml.MarkedYAMLError as error:
-        line = f"line {error.problem_mark.line + 1}: " if error.problem_mark else ""
-        raise ModelError(f"{line}{error.problem}") from error
-    except yaml.YAMLError as error:
-        raise ModelError(" ".join(str(error).split())) from error
-
-
-def _parse_xml(data: bytes) -> object:
-    from orv.models.xmlmodel import parse_xml
-
-    root = parse_xml(data)
-    return {root.tag: root}
-
-
-_PARSERS: dict[str, Callable[[bytes], object]] = {
-    ".json": _parse_json,
-    ".yaml": _parse_yaml,
-    ".yml": _parse_yaml,
-    ".toml": _parse_toml,
-    ".xml": _parse_xml,
-}
-
-
-def _refuse_unusable(root: object) -> None:
-    """Refuse what templates cannot print the same everywhere, wherever it stands in the model."""
-    waiting: list[Any] = [[root]]
-    seen: set[int] = set()
-    while waiting:
-        container = waiting.pop()
-        if id(container) in seen:
-            continue
-        seen.add(id(container))
-        values = container
-        if isinstance(container, dict):
-            values = container.values()
-            for key in container:
-                _refuse_scalar(key)
-        for value in values:
-            if isinstance(value, (dict, list, tuple)):
-                waiting.append(value)
-            else:
-                _refuse_scalar(value)
-
-
-def _refuse_scalar(value: object) -> None:
-    if isinstance(value, str):
-        if "\0" in value:
-            raise ModelError("the model holds a NUL character, which no file of text can hold")
-    elif isinstance(value, bytes):
-        raise ModelError("the model holds binary data, which templates cannot print")
-    elif isinstance(value, float) and not math.isfinite(value):
-        raise ModelError(f"the model holds {value}, which is no finite number")
-
-
-def _merge(into: dict[str, Any], other: dict[str, Any]) -> None:
-    for name, value in other.items():
-        current = into.get(name)
+def _merged(first: dict[str, Any], second: dict[str, Any], places: Places) -> dict[str, Any]:
+    merged = dict(first)
+    for name, value in second.items():
+        current = first.get(name)
         if isinstance(current, dict) and isinstance(value, dict):
-            merged = dict(current)
-            _merge(merged, value)
-            into[name] = merged
-        else:
-            into[name] = value
+            value = _merged(current, value, places)
+        merged[name] = value
+    places.note_merged(merged, first, second)
+    return merged
 
 
 def _set_value(text: str) -> object:
     if text in ("true", "false", "null") or text[:1] in ('"', "[", "{"):
-        return _parsed(_parse_json, text.encode())
+        return read_model("json", text.encode(), "", None)[0]
     return int(text) if _WHOLE_NUMBER.fullmatch(text) else text
 
 
 def _described(value: object) -> str:
     return "a list" if isinstance(value, list) else "empty" if value is None else "a single value"
+
+
+def _shortened(argument: str) -> str:
+    return repr(argument if len(argument) <= 80 else argument[:77] + "...")

@@ -30,7 +30,7 @@ void bindCustomSections(RepositoryClass& repository);
 void bindPrinter(pybind11::module_& module);
 void bindComposer(pybind11::module_& module, RepositoryClass& repository);
 void bindStreams(pybind11::module_& module);
-void bindXml(pybind11::module_& module);
+void bindModels(pybind11::module_& module);
 
 }  // namespace orv
 

@@ -16,7 +16,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindPrinter(module);
   orv::bindComposer(module, repository);
   orv::bindStreams(module);
-  orv::bindXml(module);
+  orv::bindModels(module);
 
   pybind11::list names;
   for (const std::string& name : orv::sectionNames()) names.append(orv::toPython(name));

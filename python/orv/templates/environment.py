@@ -18,7 +18,7 @@ from markupsafe import Markup
 from orv import positions
 from orv.errors import Located, did_you_mean
 from orv.files.run import Run
-from orv.models.xmlmodel import ENTRIES, Element
+from orv.models.element import ENTRIES, Element
 from orv.templates.compiler import TemplateCode
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements

@@ -9,7 +9,7 @@ from jinja2 import Undefined
 
 from orv.errors import OrvError
 from orv.files.table import FileView
-from orv.models.xmlmodel import Element
+from orv.models.element import Element
 
 _OF_ONE_TEXT = (str, int, float, complex, date, time, timedelta, Undefined, type(None))
 

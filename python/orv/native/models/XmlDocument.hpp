@@ -1,20 +1,15 @@
-#ifndef ORV_XMLDOCUMENT_HPP
-#define ORV_XMLDOCUMENT_HPP
+#ifndef ORV_MODELS_XMLDOCUMENT_HPP
+#define ORV_MODELS_XMLDOCUMENT_HPP
 
 #include <cstddef>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace orv {
+#include "python/orv/native/models/ModelError.hpp"
 
-// Why a document was not read, with the line that is to blame.
-class XmlError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+namespace orv {
 
 // An XML document in few, compact tables: a model is read once and walked in parts, so that its
 // nodes become objects only when somebody looks at them.
@@ -31,8 +26,10 @@ class XmlDocument {
     std::string_view value;
   };
 
-  // Throws XmlError for a document that is not well-formed, that declares entities or refers to
-  // other documents (so that none can grow beyond what was read), or that is nested too deeply.
+  // Internal entities are expanded and declared attribute defaults are given; nothing is ever taken
+  // from another document. Throws ModelError for a document that is not well-formed, that uses what
+  // only another document could declare, that expands to much more than was read, or that is nested
+  // too deeply.
   explicit XmlDocument(std::string_view text);
 
   static constexpr Position root = 0;
@@ -46,6 +43,8 @@ class XmlDocument {
   // Only for elements: the position of its tag in names().
   std::uint32_t tag(Position node) const { return nodes_[node].name; }
   Position after(Position node) const { return nodes_[node].after; }
+  // Counted from 1.
+  std::uint32_t line(Position node) const { return nodes_[node].line; }
   std::size_t attributeCount(Position element) const { return nodes_[element].size; }
   Attribute attribute(Position element, std::size_t index) const;
 
@@ -66,6 +65,7 @@ class XmlDocument {
     Position after;
     std::uint32_t begin;
     std::uint32_t size;
+    std::uint32_t line;
   };
 
   struct StoredAttribute {

@@ -1,6 +1,6 @@
-#include "python/orv/native/XmlDocument.hpp"
+#include "python/orv/native/models/XmlDocument.hpp"
 
-#include "python/orv/native/XmlReader.hpp"
+#include "python/orv/native/models/XmlReader.hpp"
 
 namespace orv {
 

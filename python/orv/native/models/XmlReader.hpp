@@ -1,7 +1,8 @@
-#ifndef ORV_XMLREADER_HPP
-#define ORV_XMLREADER_HPP
+#ifndef ORV_MODELS_XMLREADER_HPP
+#define ORV_MODELS_XMLREADER_HPP
 
 #include <cstdint>
+#include <exception>
 #include <expat.h>
 #include <memory>
 #include <string>
@@ -9,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "python/orv/native/XmlDocument.hpp"
+#include "python/orv/native/models/XmlDocument.hpp"
 
 namespace orv {
 
@@ -18,24 +19,32 @@ class XmlReader {
  public:
   explicit XmlReader(XmlDocument& document);
 
-  // Throws XmlError.
+  // Throws ModelError.
   void read(std::string_view text);
 
  private:
   static void startElement(void* reader, const XML_Char* tag, const XML_Char** attributes);
   static void endElement(void* reader, const XML_Char* tag);
   static void characters(void* reader, const XML_Char* text, int size);
-  static void entity(void* reader, const XML_Char* name, int isParameter, const XML_Char* value,
-                     int size, const XML_Char* base, const XML_Char* system,
-                     const XML_Char* publicId, const XML_Char* notation);
+  static void entityDeclared(void* reader, const XML_Char* name, int isParameter,
+                             const XML_Char* value, int size, const XML_Char* base,
+                             const XML_Char* system, const XML_Char* publicId,
+                             const XML_Char* notation);
+  static void attributeDeclared(void* reader, const XML_Char* element, const XML_Char* attribute,
+                                const XML_Char* type, const XML_Char* value, int isRequired);
   static int externalEntity(XML_Parser parser, const XML_Char* context, const XML_Char* base,
                             const XML_Char* system, const XML_Char* publicId);
-  static void skippedEntity(void* reader, const XML_Char* name, int isParameter);
+  static int notStandalone(void* reader);
 
+  void parse(std::string_view part, bool isLast);
   void open(const XML_Char* tag, const XML_Char** attributes);
   void close();
   void append(std::string_view text);
+  void checkNodes() const;
+  Location here() const;
   [[noreturn]] void fail(const std::string& reason) const;
+  [[noreturn]] void failParsing() const;
+  [[noreturn]] void failExpanding() const;
 
   // Runs what expat calls for: nothing is thrown through it, but read() throws it in the end.
   template <typename Action>
@@ -45,11 +54,14 @@ class XmlReader {
   std::uint32_t store(std::string_view text);
 
   XmlDocument& document_;
+  std::string_view text_;
   std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> parser_;
   std::unordered_map<std::string, std::uint32_t> names_;
   std::vector<XmlDocument::Position> open_;
   // Whether the last node is a text that goes on.
   bool inText_ = false;
+  std::size_t entities_ = 0;
+  std::size_t declaredAttributes_ = 0;
   std::exception_ptr failure_;
 };
 

@@ -1,0 +1,159 @@
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Text.hpp"
+#include "python/orv/native/models/Element.hpp"
+#include "python/orv/native/models/ModelBuilder.hpp"
+#include "python/orv/native/models/Places.hpp"
+#include "python/orv/native/models/Readers.hpp"
+#include "python/orv/native/models/SourceText.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+// Keeps the collector of cycles from looking again and again at a model that is being made.
+class CollectorPause {
+ public:
+  CollectorPause() : wasEnabled_(PyGC_Disable() != 0) {}
+  ~CollectorPause() {
+    if (wasEnabled_) PyGC_Enable();
+  }
+  CollectorPause(const CollectorPause&) = delete;
+  CollectorPause& operator=(const CollectorPause&) = delete;
+
+ private:
+  bool wasEnabled_;
+};
+
+// The bytes of a file's name, which toPython() makes the same name of again.
+std::string labelOf(const py::str& label) {
+  return label.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
+}
+
+std::string messageOf(const std::string& label, Location location, const std::string& reason) {
+  if (label.empty()) return reason;
+  std::string message = label;
+  if (location.line != 0) message += ':' + std::to_string(location.line);
+  if (location.column != 0) message += ':' + std::to_string(location.column);
+  return message + ": " + reason;
+}
+
+py::object readXml(std::string_view data, const std::string& label, Places* places) {
+  const Element root(std::make_shared<const XmlModel>(data, label), XmlDocument::root);
+  py::dict model;
+  model[root.tag()] = root;
+  const std::uint32_t line = root.line();
+  if (places != nullptr) places->add(model, {places->addFile(label), line}, &line, 1);
+  return model;
+}
+
+py::object readText(const std::string& format, std::string_view data, const std::string& label,
+                    Places* places, ModelWarnings& warnings) {
+  const std::string_view text = sourceText(data);
+  ModelBuilder builder(places, places == nullptr ? 0 : places->addFile(label));
+  if (format == "json") {
+    readJson(text, builder);
+  } else if (format == "yaml") {
+    readYaml(text, builder, warnings);
+  } else if (format == "toml") {
+    readToml(text, builder);
+  } else if (format == "csv") {
+    readCsv(text, builder);
+  } else {
+    throw py::value_error("no format of models: " + format);
+  }
+  return builder.finish();
+}
+
+// The value and the warnings. Messages begin with FILE:LINE:COLUMN, but with an empty name.
+py::tuple readModel(const std::string& format, const py::bytes& data, const py::str& name,
+                    Places* places) {
+  const CollectorPause pause;
+  const std::string label = labelOf(name);
+  ModelWarnings warnings;
+  py::object model;
+  try {
+    const auto bytes = static_cast<std::string_view>(data);
+    model = format == "xml" ? readXml(bytes, label, places)
+                            : readText(format, bytes, label, places, warnings);
+  } catch (const ModelError& error) {
+    const py::object type = py::module_::import("orv.errors").attr("ModelError");
+    const std::string message = messageOf(label, error.location(), error.what());
+    PyErr_SetObject(type.ptr(), toPython(message).ptr());
+    throw py::error_already_set();
+  }
+  py::list texts;
+  for (const auto& [location, text] : warnings) {
+    texts.append(toPython(messageOf(label, {location.line, 0}, text)));
+  }
+  return py::make_tuple(model, texts);
+}
+
+py::object toText(const std::optional<std::string>& text) {
+  return text && !text->empty() ? py::object(toPython(*text)) : py::object(py::none());
+}
+
+py::object placeOf(const Places& places, const py::object& container, const py::object& key) {
+  if (py::isinstance<Element>(container)) {
+    return toPython(container.cast<const Element&>().place());
+  }
+  const std::optional<Places::Place> place = places.find(container, key);
+  return place ? toText(places.text(*place)) : py::none();
+}
+
+py::object pathOf(const Places& places, const py::object& container, const py::object& key) {
+  if (!py::isinstance<Element>(container)) {
+    const std::optional<std::string> path = places.path(container, key);
+    return path ? py::object(toPython(*path)) : py::object(py::none());
+  }
+  const std::string path = container.cast<const Element&>().path();
+  return key.is_none() ? toPython(path) : toPython(path + "/@" + std::string(py::str(key)));
+}
+
+void note(Places& places, const py::dict& values, const py::str& label) {
+  const std::uint32_t file = places.addFile(labelOf(label));
+  const std::vector<std::uint32_t> lines(values.size(), 0);
+  places.add(values, {file, 0}, lines.data(), lines.size());
+}
+
+void bindElements(py::module_& module) {
+  py::class_<Element>(module, "Element")
+      .def_property_readonly("tag", &Element::tag)
+      .def_property_readonly("attributes", &Element::attributes)
+      .def_property_readonly("children", &Element::children)
+      .def_property_readonly("content", &Element::content)
+      .def_property_readonly("text", &Element::text)
+      .def_property_readonly("line", &Element::line)
+      .def("first", &Element::first)
+      .def("all", &Element::all)
+      .def("__str__", &Element::text)
+      .def("__repr__",
+           [](const Element& element) { return "<" + std::string(element.tag()) + ">"; })
+      .def("__eq__",
+           [](const Element& left, const py::object& right) {
+             return py::isinstance<Element>(right) && left == right.cast<const Element&>();
+           })
+      .def("__hash__", &Element::hash);
+}
+
+}  // namespace
+
+void bindModels(py::module_& module) {
+  bindElements(module);
+  py::class_<Places>(module, "Places")
+      .def(py::init<>())
+      .def("note", &note, py::arg("values"), py::arg("label"))
+      .def("note_merged", &Places::addMerged, py::arg("merged"), py::arg("first"),
+           py::arg("second"))
+      .def("place_of", &placeOf, py::arg("container"), py::arg("key") = py::none())
+      .def("path_of", &pathOf, py::arg("container"), py::arg("key") = py::none());
+  module.def("read_model", &readModel, py::arg("format"), py::arg("data"), py::arg("label"),
+             py::arg("places").none(true));
+}
+
+}  // namespace orv

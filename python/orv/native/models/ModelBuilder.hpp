@@ -1,0 +1,85 @@
+#ifndef ORV_MODELS_MODELBUILDER_HPP
+#define ORV_MODELS_MODELBUILDER_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <pybind11/pybind11.h>
+
+#include "python/orv/native/models/ModelError.hpp"
+#include "python/orv/native/models/Places.hpp"
+
+namespace orv {
+
+// Makes the value that templates see of what a model's reader reports piece by piece, and checks it
+// on the way: every operation throws ModelError, with the location, for what no model may hold.
+//
+// Values are reported in the order of the file. In a dictionary each follows its key. The text that
+// readers pass is UTF-8.
+class ModelBuilder {
+ public:
+  // Records where values are written in `places`, unless it is null. `file` is of that table.
+  ModelBuilder(Places* places, std::uint32_t file) : places_(places), file_(file) {}
+  ModelBuilder(const ModelBuilder&) = delete;
+  ModelBuilder& operator=(const ModelBuilder&) = delete;
+
+  void beginDictionary(Location location) { begin(PyDict_New(), location); }
+  void beginList(Location location) { begin(PyList_New(0), location); }
+  // Ends the innermost dictionary or list, and hands it out.
+  pybind11::object end();
+  // How many dictionaries and lists are open.
+  std::size_t depth() const { return open_.size(); }
+
+  void key(std::string_view name, Location location);
+  void text(std::string_view text, Location location);
+  // Digits of the base, behind an optional sign.
+  void integer(std::string_view digits, Location location, int base = 10);
+  // A number as C writes it.
+  void decimal(const std::string& number, Location location);
+  // Any other value, made before.
+  void value(pybind11::object value, Location location);
+
+  // Adds the entries of finished dictionaries to the innermost one, whose own go before those of
+  // the same name; an earlier dictionary goes before a later one. They come first in order.
+  void merge(const std::vector<pybind11::object>& sources);
+
+  // The value that was reported last.
+  pybind11::object last() const;
+  // Takes the entry that was reported last out of the innermost dictionary, and hands its value
+  // out.
+  pybind11::object takeEntry();
+
+  // The value, once all of it was reported.
+  pybind11::object finish() { return std::move(root_); }
+
+  // A text, the same object for the same short ASCII text where that costs nothing.
+  pybind11::object sharedText(std::string_view text, Location location);
+
+ private:
+  struct Open {
+    pybind11::object container;
+    pybind11::object key;
+    Location keyLocation;
+    std::uint32_t line;
+    std::size_t firstLine;  // in lines_
+  };
+
+  void begin(PyObject* container, Location location);
+  std::vector<std::uint32_t> linesOf(const pybind11::object& source) const;
+
+  Places* places_;
+  std::uint32_t file_;
+  pybind11::object root_;
+  std::vector<Open> open_;
+  // Of the entries of all that is open.
+  std::vector<std::uint32_t> lines_;
+  std::array<pybind11::object, 1024> shared_;
+};
+
+}  // namespace orv
+
+#endif

@@ -1,0 +1,104 @@
+#ifndef ORV_MODELS_PLACES_HPP
+#define ORV_MODELS_PLACES_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <pybind11/pybind11.h>
+
+namespace orv {
+
+// Where the values of models were written: the file and line of each dictionary and list, known by
+// its identity, and of each of their entries, known by container and key.
+//
+// Keeps the containers that it knows alive, so that no other object can take on their identity.
+// Entries that are added to a known container, and all entries of one whose first keys or items
+// were changed, are taken to come from where the container begins.
+//
+// Not safe for use from several threads at once; the interpreter's lock is enough.
+class Places {
+ public:
+  struct Place {
+    std::uint32_t file;
+    std::uint32_t line;  // 0: the file as a whole
+  };
+
+  Places() = default;
+  Places(const Places&) = delete;
+  Places& operator=(const Places&) = delete;
+
+  // A file, or whatever else values come from, by the name that messages give it.
+  std::uint32_t addFile(std::string label);
+
+  // Records a container as the model's reader leaves it, with one line for each entry in order.
+  // Containers that it holds and that were recorded before become its children.
+  void add(pybind11::handle container, Place place, const std::uint32_t* lines, std::size_t count);
+
+  // Records a dictionary that was made of two known ones: each entry is where the second has it,
+  // or else where the first has it.
+  void addMerged(pybind11::handle merged, pybind11::handle first, pybind11::handle second);
+
+  // Where an entry of a known container was written; with no key, or one that the container does
+  // not have, where the container begins. Nothing for an unknown container.
+  std::optional<Place> find(pybind11::handle container, pybind11::handle key) const;
+
+  // The way to an entry, or with no key to the container, as a template writes it: `vars[1].type`.
+  // Nothing for an unknown container.
+  std::optional<std::string> path(pybind11::handle container, pybind11::handle key) const;
+
+  // "FILE:LINE", or the file alone.
+  std::string text(Place place) const;
+
+ private:
+  static constexpr std::uint32_t none = UINT32_MAX;
+
+  // How the places of a container's entries are stored.
+  enum class Width : std::uint8_t { sameLine, byte, word, place };
+
+  struct Record {
+    pybind11::object container;
+    // Of this container in its parent: a key, or null in a list, whose positions are below.
+    pybind11::object key;
+    std::uint64_t entries : 56;  // the offset in entries_
+    Width width : 8;
+    std::uint32_t count;
+    std::uint32_t fingerprint;  // of the first `count` keys or items
+    Place place;
+    std::uint32_t parent;
+    std::uint32_t position;
+  };
+
+  // Of the container that was asked for last: the positions of its keys, when they are unchanged.
+  struct Positions {
+    std::uint32_t record = none;
+    Py_ssize_t size = 0;
+    bool areIntact = false;
+    pybind11::dict ofKeys;
+  };
+
+  Record& addRecord(pybind11::handle container, Place place, std::size_t count);
+  void adopt(std::uint32_t parent);
+  void adoptChild(std::uint32_t parent, std::uint32_t position, PyObject* key, PyObject* child);
+  void store(Record& record, const std::vector<Place>& places);
+  std::uint32_t recordOf(PyObject* container) const;
+  std::size_t slotOf(PyObject* container) const;
+  void grow();
+  const Positions& positionsOf(std::uint32_t record) const;
+  std::optional<std::uint32_t> positionOf(std::uint32_t record, pybind11::handle key) const;
+  Place entryPlace(const Record& record, std::uint32_t position) const;
+
+  std::vector<std::string> files_;
+  std::deque<Record> records_;
+  // Open addressing, by the container's address: one past the index of a record, or 0.
+  std::vector<std::uint32_t> slots_;
+  std::vector<unsigned char> entries_;
+  mutable Positions positions_;
+};
+
+}  // namespace orv
+
+#endif
