@@ -1,4 +1,4 @@
-#include <varn/VarnFilePackagingManager.hpp>
+#include "varn/VarnFilePackagingManager.hpp"
 
 namespace Varn {
 
@@ -7,5 +7,8 @@ VarnFilePackagingManager::VarnFilePackagingManager(VarnFileRepository* repositor
       repository_(repository) {}
 
 VarnFilePackagingManager::~VarnFilePackagingManager() = default;
+
+VarnFileRepository* VarnFilePackagingManager::getFileRepository() const { return repository_; }
+VarnFilePackagingOrvBridge& VarnFilePackagingManager::orvBridge() { return *bridge_; }
 
 }  // namespace Varn

@@ -1,6 +1,7 @@
+#include "varn/VarnFilePackagingOrvBridge.hpp"
+
 #include <cassert>
 
-#include <varn/VarnFilePackagingOrvBridge.hpp>
 #include <varn/VarnFileRepository.hpp>
 
 namespace Varn {
@@ -79,7 +80,7 @@ std::size_t VarnFilePackagingOrvBridge::getFileRecIndexForKey(const std::string&
   const std::string& fileName = packagingTable_[key].second;
   VarnFile* file = repository_->findFileByName(fileName);
   if (file == nullptr) file = &repository_->createGenericFile(fileName);
-  attributeSetters_[key](file);
+  attributeSetters_[key](this, file);
   return repository_->getFileList().size() - 1;
 }
 

@@ -10,13 +10,17 @@ add_library(varn_filepackaging SHARED
   sections/LockedStream.cpp
   sections/SectionKindTable.cpp
   sections/StringFileSectionFragment.cpp
-  sections/TableFileContentBuilder.cpp
+  sections/TableContent.cpp
   sections/TextPage.cpp
   sections/TextPool.cpp
   sections/UniqueNames.cpp
   sections/VarnFileContent.cpp
   sections/VarnFileContentBuilder.cpp
   sections/VarnFileContentCreator.cpp
+  sections/VarnModuleFileContentBuilder.cpp
+  sections/VarnSDataTypesFileContentBuilder.cpp
+  sections/VarnSGenericFileContentBuilder.cpp
+  files/FileRepErrorStatus.cpp
   files/RegisteredNames.cpp
   files/VarnDataTypesFile.cpp
   files/VarnFile.cpp
@@ -31,9 +35,9 @@ add_library(varn_filepackaging SHARED
   bridge/FileRepOrvBridge.cpp
   bridge/VarnFilePackagingManager.cpp
   bridge/VarnFilePackagingOrvBridge.cpp
-  host/Diagnostics.cpp
   host/Module.cpp
-  host/VarnFilePackagingPackage.cpp)
+  host/VarnFilePackagingPackage.cpp
+  host/diagnostics/Diagnostics.cpp)
 set_source_files_properties(host/Module.cpp PROPERTIES COMPILE_DEFINITIONS
   "VARN_VERSION=\"${PROJECT_VERSION}\";VARN_MODULE_SUFFIX=\"${CMAKE_SHARED_LIBRARY_SUFFIX}\"")
 varn_target(varn_filepackaging)

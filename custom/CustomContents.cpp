@@ -1,8 +1,8 @@
+#include "varn/CustomContents.hpp"
+
 #include <boost/make_shared.hpp>
 
-#include <varn/CustomContents.hpp>
-
-#include "host/Diagnostics.hpp"
+#include "host/diagnostics/Diagnostics.hpp"
 
 namespace Varn {
 
@@ -61,7 +61,7 @@ const std::string& CustomContents::getCustomSectionContent(const std::string& na
   return content;
 }
 
-bool CustomContents::isCustomSection(const std::string& name) const {
+bool CustomContents::isCustomSection(const std::string& name) {
   return sectionsByName_.count(name) != 0;
 }
 
@@ -72,8 +72,8 @@ void CustomContents::setCustomTokenInUse(const std::string& name) {
 void CustomContents::appendMissingTokens(FileSection& builtinSection, VarnFileSectionKind builtin) {
   const auto found = sectionsByBuiltin_.find(builtin);
   if (found == sectionsByBuiltin_.end()) return;
-  // What takes the text may declare further sections meanwhile: neither the list's iterators nor
-  // its elements are relied upon.
+  // addContent() may be overridden and declare further sections: iterators into the list would be
+  // invalidated.
   const std::vector<SectionPtr>& sections = found->second;
   for (std::size_t i = 0; i < sections.size(); ++i) {
     const SectionPtr section = sections[i];

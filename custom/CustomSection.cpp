@@ -1,4 +1,4 @@
-#include <varn/CustomSection.hpp>
+#include "varn/CustomSection.hpp"
 
 namespace Varn {
 
@@ -8,8 +8,15 @@ CustomSection::CustomSection(const std::string& name, VarnFileSectionKind builti
 CustomSection::CustomSection(const CustomSection& source) = default;
 CustomSection::~CustomSection() = default;
 
-std::string CustomSection::getSectionToken() const { return name_ + "_InUse"; }
+VarnFileSectionKind CustomSection::getBuiltinSection() { return builtinSection_; }
 
-CustomSection* CustomSection::clone() const { return new CustomSection(*this); }
+bool CustomSection::isRequired() const { return required_; }
+
+bool CustomSection::isRetrieved() const { return retrieved_; }
+void CustomSection::setIsRetrieved() { retrieved_ = true; }
+
+std::string CustomSection::getSectionToken() { return name_ + "_InUse"; }
+
+FileSection* CustomSection::clone() const { return new CustomSection(*this); }
 
 }  // namespace Varn

@@ -1,3 +1,5 @@
+#include "varn/VarnFile.hpp"
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -5,7 +7,6 @@
 #include <boost/filesystem/path.hpp>
 
 #include <orbel/Text.hpp>
-#include <varn/VarnFile.hpp>
 #include <varn/VarnFileContentCreator.hpp>
 
 namespace Varn {
@@ -23,8 +24,9 @@ std::unique_ptr<VarnFileContent> buildContent(const std::string& name,
 // while it compares the file name with "." and "..".
 std::string stemOf(const std::string& name) {
   std::string fileName = boost::filesystem::path(name).filename().string();
-  if (fileName != "." && fileName != "..")
+  if (fileName != "." && fileName != "..") {
     fileName.erase(std::min(fileName.rfind('.'), fileName.size()));
+  }
   return fileName;
 }
 
@@ -65,5 +67,47 @@ void VarnFile::writeSectionToFile(VarnFileSectionKind kind, FILE* stream) {
   customContents_.appendMissingTokens(section, kind);
   section.writeToFile(stream);
 }
+
+const std::u16string& VarnFile::getName() const { return name_; }
+const std::string& VarnFile::getNameAscii() const { return nameAscii_; }
+const std::string& VarnFile::getNameWithoutExtension() const { return nameWithoutExtension_; }
+const std::string& VarnFile::getBaseName() const { return baseName_; }
+void VarnFile::setBaseName(const std::string& baseName) { baseName_ = baseName; }
+const std::string& VarnFile::getType() const { return type_; }
+void VarnFile::setType(const std::string& type) { type_ = type; }
+const std::string& VarnFile::getCreator() const { return creator_; }
+void VarnFile::setCreator(const std::string& creator) { creator_ = creator; }
+const std::string& VarnFile::getCodeTemplate() const { return codeTemplate_; }
+void VarnFile::setCodeTemplate(const std::string& codeTemplate) { codeTemplate_ = codeTemplate; }
+const std::string& VarnFile::getOutputDirectory() const { return outputDirectory_; }
+void VarnFile::setOutputDirectory(const std::string& directory) { outputDirectory_ = directory; }
+const std::string& VarnFile::getGroup() const { return group_; }
+void VarnFile::setGroup(const std::string& group) { group_ = group; }
+const std::string& VarnFile::getDefinedMacro() const { return definedMacro_; }
+void VarnFile::setDefinedMacro(const std::string& macro) { definedMacro_ = macro; }
+const std::vector<std::string>& VarnFile::getSystemsInFile() const { return systems_.list(); }
+void VarnFile::setSystemsInFile(const std::vector<std::string>& systems) {
+  systems_.assign(systems);
+}
+void VarnFile::addSystemToFile(const std::string& system) { systems_.add(system); }
+bool VarnFile::getFiltered() const { return filtered_; }
+void VarnFile::setFiltered(bool filtered) { filtered_ = filtered; }
+bool VarnFile::isWrittenToDisk() const { return writtenToDisk_; }
+void VarnFile::setIsWrittenToDisk(bool written) { writtenToDisk_ = written; }
+bool VarnFile::getIndent() const { return indent_; }
+void VarnFile::setIndent(bool indent) { indent_ = indent; }
+bool VarnFile::isShared() const { return shared_; }
+void VarnFile::setIsShared(bool shared) { shared_ = shared; }
+bool VarnFile::getSharedType() const { return sharedType_; }
+void VarnFile::setSharedType(bool sharedType) { sharedType_ = sharedType; }
+bool VarnFile::getDeferredIncludeCoderTypes() const { return deferredIncludeCoderTypes_; }
+void VarnFile::setDeferredIncludeCoderTypes(bool deferred) {
+  deferredIncludeCoderTypes_ = deferred;
+}
+void VarnFile::setIsNotEmpty() { notEmpty_ = true; }
+FileSection& VarnFile::kobo_getFileSection(VarnFileSectionKind kind) {
+  return getFileSection(kind);
+}
+CustomContents& VarnFile::getCustomContent() { return customContents_; }
 
 }  // namespace Varn

@@ -1,4 +1,4 @@
-#include <varn/VarnFileNameTable.hpp>
+#include "varn/VarnFileNameTable.hpp"
 
 namespace Varn {
 VarnFileNameTable::VarnFileNameTable() {

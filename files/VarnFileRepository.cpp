@@ -1,17 +1,18 @@
+#include "varn/VarnFileRepository.hpp"
+
 #include <boost/unordered_map.hpp>
 
 #include <varn/FileRepOrvBridge.hpp>
 #include <varn/VarnFileNameTable.hpp>
-#include <varn/VarnFileRepository.hpp>
 
 #include "files/RegisteredNames.hpp"
-#include "host/Diagnostics.hpp"
+#include "host/diagnostics/Diagnostics.hpp"
 #include "sections/TextPool.hpp"
 
 namespace Varn {
 namespace {
 
-// Deletes the files in the order in which they were made, which is what scripts' handles see.
+// Deletes the files in the order of creation.
 class OwnedFiles {
  public:
   OwnedFiles() = default;
@@ -38,8 +39,8 @@ class OwnedFiles {
 
 using ModuleFiles = boost::unordered_map<int, VarnModuleFile*>;
 
-// Makes sure that a map has an entry for each of some indices, so that setting them cannot fail;
-// takes the entries that it made out again unless it is told to keep them.
+// Inserts an entry for each of some indices, so that assigning them cannot fail; the destructor
+// erases the new entries unless keep() was called.
 class ReservedIndices {
  public:
   ReservedIndices(ModuleFiles& map, const std::vector<int>& indices) : map_(map) {
@@ -78,7 +79,7 @@ VarnModuleFile* findModuleFile(const ModuleFiles& map, int index) {
 struct VarnFileRepository::State {
   explicit State(VarnFileRepository& repository) : bridge(repository) {}
 
-  // The members die in the reverse of this order: the files first.
+  // Destroyed in reverse: the files first.
   RegisteredNames registeredNames;
   boost::unordered_map<std::string, int> nameIndex;
   ModuleFiles moduleSourceFiles;
@@ -86,7 +87,7 @@ struct VarnFileRepository::State {
   FileRepOrvBridge bridge;
   std::string modelName;
   VarnFileNameTable nameTable;
-  TextPool pool;
+  detail::TextPool pool;
   OwnedFiles files;
 
   template <typename FileClass>
@@ -94,7 +95,10 @@ struct VarnFileRepository::State {
     auto created = std::make_unique<FileClass>(name);
     FileClass& file = *created;
     const auto index = static_cast<int>(files.list().size());
-    file.usePool(pool);
+    for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
+      const auto sectionKind = static_cast<VarnFileSectionKind>(kind);
+      if (file.hasSection(sectionKind)) pool.serve(file.getFileSection(sectionKind));
+    }
     files.add(std::move(created));
     try {
       nameIndex[name] = index;

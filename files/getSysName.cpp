@@ -1,4 +1,4 @@
-#include <varn/getSysName.hpp>
+#include "varn/getSysName.hpp"
 
 namespace Varn {
 

@@ -6,7 +6,7 @@
 
 #include "host/VarnFilePackagingPackage.hpp"
 
-// What the host looks for when it loads the library as the module `varn_filepackaging`.
+// The exports that the host expects of the module `varn_filepackaging`.
 extern "C" {
 
 VARN_EXPORT extern const char* const varn_filepackaging_version;

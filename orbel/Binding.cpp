@@ -1,8 +1,8 @@
+#include "orbel/Binding.hpp"
+
 #include <vector>
 
-#include <orbel/Binding.hpp>
-
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 namespace orbel::binding {
 namespace {
@@ -14,9 +14,7 @@ namespace {
 void checkWord(const Member& member, const std::string& what, const std::string& word,
                TypeKind expected) {
   const auto declared = typeKind(word);
-  if (!declared) {
-    refuse(member, what + " is declared \"" + word + "\", which is no type");
-  }
+  if (!declared) refuse(member, what + " is declared \"" + word + "\", which is no type");
   if (*declared != expected) {
     refuse(member, what + " is declared \"" + word + "\", but is \"" + typeWord(expected) + "\"");
   }

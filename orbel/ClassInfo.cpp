@@ -1,10 +1,11 @@
+#include "orbel/ClassInfo.hpp"
+
 #include <utility>
 
-#include <orbel/ClassInfo.hpp>
 #include <orbel/ObjectSystem.hpp>
 #include <orbel/PackageInterface.hpp>
 
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 namespace orbel {
 namespace {
@@ -35,36 +36,28 @@ bool ClassInfo::describes(const HandleBase& /*object*/) const { return true; }
 
 // The lineage lists a class before what it derives from, so the nearest declaration is found first.
 const Method* ClassInfo::findMethod(const std::string& name) const {
-  for (const ClassInfo* const info : lineage_) {
-    if (const Method* const method = findByName(info->methods_, name)) {
-      return method;
-    }
+  for (const ClassInfo* info : lineage_) {
+    if (const Method* method = findByName(info->methods_, name)) return method;
   }
   return nullptr;
 }
 
 const Property* ClassInfo::findProperty(const std::string& name) const {
-  for (const ClassInfo* const info : lineage_) {
-    if (const Property* const property = findByName(info->properties_, name)) {
-      return property;
-    }
+  for (const ClassInfo* info : lineage_) {
+    if (const Property* property = findByName(info->properties_, name)) return property;
   }
   return nullptr;
 }
 
 const Method& ClassInfo::getMethod(const std::string& name) const {
-  const Method* const method = findMethod(name);
-  if (method == nullptr) {
-    raise("UnknownMethod", {qualifiedName_, name});
-  }
+  const Method* method = findMethod(name);
+  if (method == nullptr) raise("UnknownMethod", {qualifiedName_, name});
   return *method;
 }
 
 const Property& ClassInfo::getProperty(const std::string& name) const {
-  const Property* const property = findProperty(name);
-  if (property == nullptr) {
-    raise("UnknownProperty", {qualifiedName_, name});
-  }
+  const Property* property = findProperty(name);
+  if (property == nullptr) raise("UnknownProperty", {qualifiedName_, name});
   return *property;
 }
 
@@ -93,9 +86,7 @@ void ClassInfo::addMember(std::unique_ptr<const Property> property) {
 }
 
 void ClassInfo::addMember(std::unique_ptr<const Constructor> constructor) {
-  if (constructor_) {
-    raise("MemberExists", {qualifiedName_, constructor->name()});
-  }
+  if (constructor_) raise("MemberExists", {qualifiedName_, constructor->name()});
   constructor_ = std::move(constructor);
 }
 
@@ -106,12 +97,8 @@ void ClassInfo::refuseRepeatedName(const std::string& name) const {
 }
 
 void ClassInfo::ensureDefined() {
-  if (state_ == State::defined) {
-    return;
-  }
-  if (state_ == State::inDefinition) {
-    raise("SuperclassCycle", {qualifiedName_});
-  }
+  if (state_ == State::defined) return;
+  if (state_ == State::inDefinition) raise("SuperclassCycle", {qualifiedName_});
   state_ = State::inDefinition;
   try {
     define();
@@ -128,15 +115,13 @@ void ClassInfo::ensureDefined() {
 void ClassInfo::resolveSuperclasses() {
   lineage_.push_back(this);
   for (const DeclaredSuperclass& declared : declaredSuperclasses_) {
-    const ClassInfo* const info = ObjectSystem::instance().findClass(declared.qualifiedName);
+    const ClassInfo* info = ObjectSystem::instance().findClass(declared.qualifiedName);
     if (info == nullptr || (declared.isOfThisPackage && info->package_ != package_)) {
       raise("UnknownClass", {declared.qualifiedName});
     }
     superclasses_.push_back({info, declared.isOfThisPackage});
-    for (const ClassInfo* const ancestor : info->lineage_) {
-      if (!derivesFrom(*ancestor)) {
-        lineage_.push_back(ancestor);
-      }
+    for (const ClassInfo* ancestor : info->lineage_) {
+      if (!derivesFrom(*ancestor)) lineage_.push_back(ancestor);
     }
   }
 }
@@ -149,13 +134,9 @@ void ClassInfo::checkClassWords() const {
   };
   for (const auto& method : methods_) {
     check(*method, method->signature().result());
-    for (const std::string& word : method->signature().arguments()) {
-      check(*method, word);
-    }
+    for (const std::string& word : method->signature().arguments()) check(*method, word);
   }
-  for (const auto& property : properties_) {
-    check(*property, property->type());
-  }
+  for (const auto& property : properties_) check(*property, property->type());
 }
 
 void ClassInfo::dropDeclarations() {

@@ -1,9 +1,10 @@
-#include <orbel/Client.hpp>
+#include "orbel/Client.hpp"
+
 #include <orbel/ObjectSystem.hpp>
 
-#include "HostErrors.hpp"
-#include "HostObject.hpp"
-#include "QualifiedName.hpp"
+#include "orbel/HostErrors.hpp"
+#include "orbel/HostObject.hpp"
+#include "orbel/QualifiedName.hpp"
 
 namespace orbel {
 
@@ -14,9 +15,7 @@ std::shared_ptr<PackageInterface> Client::findPackage(const Name& name) const {
 
 std::shared_ptr<PackageInterface> Client::getPackage(const Name& name) const {
   auto package = findPackage(name);
-  if (!package) {
-    raise("UnknownPackage", {name.text()});
-  }
+  if (!package) raise("UnknownPackage", {name.text()});
   return package;
 }
 
@@ -26,31 +25,21 @@ const ClassInfo& Client::getClass(const std::string& qualifiedName) const {
 }
 
 Value Client::construct(const ClassInfo& info, Arguments arguments) const {
-  if (!info.package().isAvailableTo(*this)) {
-    raise("UnknownClass", {info.qualifiedName()});
-  }
-  if (info.isAbstract()) {
-    raise("AbstractClass", {info.qualifiedName()});
-  }
-  if (info.constructor() == nullptr) {
-    raise("NoConstructor", {info.qualifiedName()});
-  }
+  if (!info.package().isAvailableTo(*this)) raise("UnknownClass", {info.qualifiedName()});
+  if (info.isAbstract()) raise("AbstractClass", {info.qualifiedName()});
+  if (info.constructor() == nullptr) raise("NoConstructor", {info.qualifiedName()});
   const boost::intrusive_ptr<ObjectIdentity> made(new HostObject(*info.constructor(), arguments));
   info.updateInstance(*made->object());
   return Value(Handle(made));
 }
 
 void destroyObject(const Value& value) {
-  const auto* const handle = value.get<Handle>();
+  const auto* handle = value.get<Handle>();
   if (handle == nullptr) {
     raise("WrongObjectClass", {"destroyObject", "any handle class", value.className()});
   }
-  if (!handle->isValid()) {
-    raise("InvalidHandle", {"destroyObject"});
-  }
-  if (!handle->identity().ownsObject()) {
-    raise("NotOwnedByScript", {value.className()});
-  }
+  if (!handle->isValid()) raise("InvalidHandle", {"destroyObject"});
+  if (!handle->identity().ownsObject()) raise("NotOwnedByScript", {value.className()});
   handle->identity().destroyObject();
 }
 

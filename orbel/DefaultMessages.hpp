@@ -6,12 +6,11 @@
 namespace orbel {
 
 struct DefaultMessage {
-  const char* component;
   const char* identifier;
   const char* words;
 };
 
-// What the catalogue holds before a host changes anything.
+// The object system's own messages, of the component "Orbel".
 const std::vector<DefaultMessage>& defaultMessages();
 
 }  // namespace orbel

@@ -1,13 +1,14 @@
+#include "orbel/Diagnostics.hpp"
+
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
 #include <utility>
 
-#include <orbel/Diagnostics.hpp>
 #include <orbel/MessageCatalogue.hpp>
 
-#include "VisibleText.hpp"
+#include "orbel/VisibleText.hpp"
 
 namespace orbel {
 namespace {
@@ -20,18 +21,14 @@ std::string withLinePrefix(const std::string& text, const std::string& prefix) {
   std::string result = prefix;
   for (const char character : text) {
     result += character;
-    if (character == '\n') {
-      result += prefix;
-    }
+    if (character == '\n') result += prefix;
   }
   return result;
 }
 
 HostText toHostText(const std::string& text) {
   HostText result(static_cast<char*>(std::malloc(text.size() + 1)));
-  if (!result) {
-    throw std::bad_alloc();
-  }
+  if (!result) throw std::bad_alloc();
   std::memcpy(result.get(), text.c_str(), text.size() + 1);
   return result;
 }
@@ -47,11 +44,15 @@ MessageRecord::MessageRecord(std::string component, std::string identifier,
 struct HostException::Content {
   MessageRecord record;
   std::string what;
+  // Where the message starts in it.
+  std::size_t message;
 };
 
 HostException::HostException(MessageRecord record, std::string text) {
-  std::string what = fullId(record) + ": " + std::move(text);
-  content_ = std::make_shared<const Content>(Content{std::move(record), std::move(what)});
+  std::string what = fullId(record) + ": ";
+  const std::size_t message = what.size();
+  what += text;
+  content_ = std::make_shared<const Content>(Content{std::move(record), std::move(what), message});
 }
 
 HostException::~HostException() = default;
@@ -62,6 +63,10 @@ const std::string& HostException::identifier() const { return content_->record.i
 
 const std::vector<MessageArgument>& HostException::arguments() const {
   return content_->record.arguments();
+}
+
+const char* HostException::message() const noexcept {
+  return content_->what.c_str() + content_->message;
 }
 
 const char* HostException::what() const noexcept { return content_->what.c_str(); }

@@ -1,4 +1,5 @@
-#include <orbel/Handle.hpp>
+#include "orbel/Handle.hpp"
+
 #include <orbel/ObjectSystem.hpp>
 
 namespace orbel {
@@ -13,9 +14,7 @@ boost::intrusive_ptr<ObjectIdentity> ObjectIdentity::of(HandleBase& object) {
 }
 
 ObjectIdentity::~ObjectIdentity() {
-  if (object_ != nullptr) {
-    object_->identity_ = nullptr;
-  }
+  if (object_ != nullptr) object_->identity_ = nullptr;
 }
 
 void ObjectIdentity::attach(HandleBase& object) {
@@ -24,9 +23,7 @@ void ObjectIdentity::attach(HandleBase& object) {
 }
 
 const ClassInfo* ObjectIdentity::resolveClass() const {
-  if (object_ != nullptr) {
-    class_ = ObjectSystem::instance().classOf(*object_, ownsObject());
-  }
+  if (object_ != nullptr) class_ = ObjectSystem::instance().classOf(*object_, ownsObject());
   return class_;
 }
 

@@ -1,14 +1,13 @@
+#include "orbel/HandleBase.hpp"
+
 #include <orbel/ClassInfo.hpp>
-#include <orbel/HandleBase.hpp>
 #include <orbel/ObjectSystem.hpp>
 #include <orbel/Value.hpp>
 
 namespace orbel {
 
 HandleBase::~HandleBase() {
-  if (identity_ != nullptr) {
-    identity_->object_ = nullptr;
-  }
+  if (identity_ != nullptr) identity_->object_ = nullptr;
 }
 
 Value HandleBase::toHostValue() { return Value(Handle(ObjectIdentity::of(*this))); }
@@ -26,12 +25,12 @@ void HandleBase::lock() {}
 void HandleBase::unlock() {}
 
 HandleBase* HandleBase::fromHostValue(const Value& value, const std::string& qualifiedClassName) {
-  const auto* const handle = value.get<Handle>();
-  HandleBase* const object = handle ? handle->object() : nullptr;
+  const auto* handle = value.get<Handle>();
+  HandleBase* object = handle ? handle->object() : nullptr;
   if (object == nullptr || object->getFullyQualifiedKoboTypeName() == qualifiedClassName) {
     return object;
   }
-  const ClassInfo* const actual = handle->identity().classInfo();
+  const ClassInfo* actual = handle->identity().classInfo();
   return actual != nullptr && actual->derivesFrom(qualifiedClassName) ? object : nullptr;
 }
 

@@ -1,4 +1,4 @@
-#include "Heterogeneous.hpp"
+#include "orbel/Heterogeneous.hpp"
 
 namespace orbel {
 namespace {

@@ -1,4 +1,4 @@
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
-#include <new>
+#include "orbel/HostMemory.hpp"
 
-#include <orbel/HostMemory.hpp>
+#include <new>
 
 namespace orbel {
 

@@ -1,4 +1,4 @@
-#include "HostObject.hpp"
+#include "orbel/HostObject.hpp"
 
 #include <functional>
 
@@ -13,10 +13,8 @@ HostObject::HostObject(const Constructor& constructor, Arguments arguments) {
 HostObject::~HostObject() { HostObject::destroyObject(); }
 
 void HostObject::destroyObject() noexcept {
-  HandleBase* const doomed = object();
-  if (doomed == nullptr) {
-    return;
-  }
+  HandleBase* doomed = object();
+  if (doomed == nullptr) return;
   if (holds(*doomed)) {
     doomed->~HandleBase();
   } else {
@@ -25,9 +23,9 @@ void HostObject::destroyObject() noexcept {
 }
 
 bool HostObject::holds(const HandleBase& object) const {
-  const void* const address = &object;
-  const void* const begin = storage_.data();
-  const void* const end = storage_.data() + storage_.size();
+  const void* address = &object;
+  const void* begin = storage_.data();
+  const void* end = storage_.data() + storage_.size();
   return !std::less<>()(address, begin) && std::less<>()(address, end);
 }
 

@@ -24,7 +24,7 @@ class HostObject final : public ObjectIdentity {
  private:
   bool holds(const HandleBase& object) const;
 
-  // Sections fit, files go to the heap.
+  // Enough for small objects; larger ones are allocated on the heap.
   alignas(std::max_align_t) std::array<std::byte, 256> storage_;
 };
 

@@ -1,6 +1,6 @@
-#include <orbel/IndexGuard.hpp>
+#include "orbel/IndexGuard.hpp"
 
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 namespace orbel {
 

@@ -1,12 +1,13 @@
+#include "orbel/Member.hpp"
+
 #include <utility>
 
 #include <orbel/ClassInfo.hpp>
 #include <orbel/Constructor.hpp>
-#include <orbel/Member.hpp>
 #include <orbel/Method.hpp>
 #include <orbel/Property.hpp>
 
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 namespace orbel {
 namespace {
@@ -24,12 +25,10 @@ Member::Member(const ClassInfo& owner, std::string name)
     : owner_(&owner), name_(std::move(name)), qualifiedName_(owner.qualifiedName() + "." + name_) {}
 
 HandleBase& Member::objectIn(const Value& value) const {
-  const auto* const handle = value.get<Handle>();
-  HandleBase* const object = handle ? handle->object() : nullptr;
-  if (handle && object == nullptr) {
-    raise("InvalidHandle", {qualifiedName_});
-  }
-  const ClassInfo* const actual = handle ? handle->identity().classInfo() : nullptr;
+  const auto* handle = value.get<Handle>();
+  HandleBase* object = handle ? handle->object() : nullptr;
+  if (handle && object == nullptr) raise("InvalidHandle", {qualifiedName_});
+  const ClassInfo* actual = handle ? handle->identity().classInfo() : nullptr;
   if (actual == nullptr || !actual->derivesFrom(*owner_)) {
     raise("WrongObjectClass", {qualifiedName_, owner_->qualifiedName(), value.className()});
   }
@@ -38,9 +37,7 @@ HandleBase& Member::objectIn(const Value& value) const {
 
 void IncomingValue::refuse() const {
   const std::string given = value_.className();
-  if (position_ == 0) {
-    raise("WrongPropertyClass", {member_.qualifiedName(), expected_, given});
-  }
+  if (position_ == 0) raise("WrongPropertyClass", {member_.qualifiedName(), expected_, given});
   raise("WrongArgumentClass",
         {member_.qualifiedName(), static_cast<double>(position_), expected_, given});
 }
@@ -61,9 +58,7 @@ Value Property::get(const Value& object) const { return read(objectIn(object)); 
 
 void Property::set(const Value& object, const Value& value) const {
   HandleBase& target = objectIn(object);
-  if (!isWritable_) {
-    raise("PropertyReadOnly", {qualifiedName()});
-  }
+  if (!isWritable_) raise("PropertyReadOnly", {qualifiedName()});
   assign(target, value);
 }
 

@@ -1,3 +1,5 @@
+#include "orbel/MessageCatalogue.hpp"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -7,10 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include <orbel/MessageCatalogue.hpp>
-
-#include "DefaultMessages.hpp"
-#include "VisibleText.hpp"
+#include "orbel/DefaultMessages.hpp"
+#include "orbel/VisibleText.hpp"
 
 namespace orbel {
 namespace {
@@ -18,7 +18,7 @@ namespace {
 class Catalogue {
  public:
   static Catalogue& instance() {
-    // Never destroyed: an error may be raised after every other static object is gone.
+    // Never destroyed: an error may be thrown after every other static object is gone.
     static Catalogue& catalogue = *new Catalogue;
     return catalogue;
   }
@@ -26,6 +26,11 @@ class Catalogue {
   void set(const std::string& id, const std::string& words) {
     const std::lock_guard<std::mutex> lock(mutex_);
     words_.insert_or_assign(id, words);
+  }
+
+  void add(const std::string& id, const std::string& words) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    words_.emplace(id, words);
   }
 
   std::optional<std::string> find(const std::string& id) const {
@@ -37,7 +42,7 @@ class Catalogue {
  private:
   Catalogue() {
     for (const DefaultMessage& message : defaultMessages()) {
-      words_.emplace(std::string(message.component) + ":" + message.identifier, message.words);
+      words_.emplace(std::string("Orbel:") + message.identifier, message.words);
     }
   }
 
@@ -47,7 +52,7 @@ class Catalogue {
 
 std::string numberText(double number) {
   std::array<char, 512> buffer;  // the longest whole number has 309 digits
-  char* const end = buffer.data() + buffer.size();
+  char* end = buffer.data() + buffer.size();
   const bool whole = std::trunc(number) == number;
   const auto written = whole && std::isfinite(number)
                            ? std::to_chars(buffer.data(), end, number, std::chars_format::fixed)
@@ -56,7 +61,7 @@ std::string numberText(double number) {
 }
 
 std::string argumentText(const MessageArgument& argument) {
-  const auto* const text = std::get_if<std::string>(&argument);
+  const auto* text = std::get_if<std::string>(&argument);
   return text ? visibleText(*text) : numberText(std::get<double>(argument));
 }
 
@@ -76,7 +81,7 @@ const MessageArgument* placeholder(std::string_view words,
                                    const std::vector<MessageArgument>& arguments,
                                    std::size_t& length) {
   std::size_t number = 0;
-  const char* const end = words.data() + words.size();
+  const char* end = words.data() + words.size();
   const auto parsed = std::from_chars(words.data() + 1, end, number);
   if (parsed.ec != std::errc() || parsed.ptr == end || *parsed.ptr != '}' || number == 0 ||
       number > arguments.size()) {
@@ -111,6 +116,11 @@ std::string fillIn(std::string_view words, const std::vector<MessageArgument>& a
 void setMessage(const std::string& component, const std::string& identifier,
                 const std::string& words) {
   Catalogue::instance().set(component + ":" + identifier, visibleText(words));
+}
+
+void addMessage(const std::string& component, const std::string& identifier,
+                const std::string& words) {
+  Catalogue::instance().add(component + ":" + identifier, visibleText(words));
 }
 
 std::string formatMessage(const MessageRecord& record) {

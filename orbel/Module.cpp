@@ -1,12 +1,13 @@
+#include "orbel/Module.hpp"
+
 #include <dlfcn.h>
 #include <filesystem>
 #include <map>
 #include <utility>
 
-#include <orbel/Module.hpp>
 #include <orbel/ObjectSystem.hpp>
 
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 namespace orbel {
 namespace {
@@ -30,9 +31,7 @@ struct ModuleFile {
 };
 
 std::string withoutPrefixAndSuffix(std::string fileName) {
-  if (fileName.compare(0, 3, "lib") == 0) {
-    fileName.erase(0, 3);
-  }
+  if (fileName.compare(0, 3, "lib") == 0) fileName.erase(0, 3);
   return fileName.substr(0, fileName.find(".so"));
 }
 
@@ -59,7 +58,7 @@ using Library = std::unique_ptr<void, LibraryClose>;
 Library open(const ModuleFile& file) {
   Library library(dlopen(file.path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!library) {
-    const char* const reason = dlerror();
+    const char* reason = dlerror();
     raise("ModuleNotLoaded", {file.name, reason ? reason : "unknown reason"});
   }
   return library;
@@ -76,10 +75,8 @@ class Exports {
   }
 
   std::string text(const std::string& name) {
-    const auto* const pointer = static_cast<const char* const*>(find(name));
-    if (pointer == nullptr) {
-      return {};
-    }
+    const auto* pointer = static_cast<const char* const*>(find(name));
+    if (pointer == nullptr) return {};
     if (*pointer == nullptr) {
       addMissing(name + " (it is null)");
       return {};
@@ -93,10 +90,8 @@ class Exports {
 
  private:
   void* find(const std::string& name) {
-    void* const symbol = dlsym(library_, name.c_str());
-    if (symbol == nullptr) {
-      addMissing(name);
-    }
+    void* symbol = dlsym(library_, name.c_str());
+    if (symbol == nullptr) addMissing(name);
     return symbol;
   }
 
@@ -112,9 +107,7 @@ std::shared_ptr<Module> Module::load(const std::string& nameOrPath) {
   const auto started = startedModules().find(library.get());
   if (started != startedModules().end()) {
     auto module = started->second.lock();
-    if (!module || !module->isOpen()) {
-      raise("ModuleSpent", {file.name});
-    }
+    if (!module || !module->isOpen()) raise("ModuleSpent", {file.name});
     return module;
   }
   // The constructor is private.
@@ -130,7 +123,7 @@ Module::Module(std::string name, void* library, const std::string& path) : name_
   initialise_ = exports.function<void()>("OrbelInitialize_" + name_);
   terminate_ = exports.function<void()>("OrbelTerminate_" + name_);
   const std::string queryName = "QueryOrbelFcnTable_" + name_;
-  auto* const query = exports.function<const FunctionTable*()>(queryName);
+  auto* query = exports.function<const FunctionTable*()>(queryName);
   functions_ = query ? query() : nullptr;
   if (query && (functions_ == nullptr || functions_->entries == nullptr)) {
     exports.addMissing(queryName + " (it gives no table)");
@@ -138,15 +131,13 @@ Module::Module(std::string name, void* library, const std::string& path) : name_
   version_ = exports.text(name_ + "_version");
   buildDate_ = exports.text(name_ + "_build_date");
   relativePath_ = exports.text(name_ + "_relative_path");
-  if (!exports.missing().empty()) {
-    raise("ModuleIncomplete", {path, exports.missing()});
-  }
+  if (!exports.missing().empty()) raise("ModuleIncomplete", {path, exports.missing()});
 }
 
 Module::~Module() {
   try {
     close();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): a destructor has nobody to tell
+  } catch (...) {  // NOLINT(bugprone-empty-catch): destructors do not throw
   }
 }
 

@@ -1,10 +1,10 @@
+#include "orbel/ObjectSystem.hpp"
+
 #include <utility>
 
-#include <orbel/ObjectSystem.hpp>
-
-#include "Heterogeneous.hpp"
-#include "HostErrors.hpp"
-#include "QualifiedName.hpp"
+#include "orbel/Heterogeneous.hpp"
+#include "orbel/HostErrors.hpp"
+#include "orbel/QualifiedName.hpp"
 
 namespace orbel {
 
@@ -21,9 +21,7 @@ void ObjectSystem::addPackage(std::unique_ptr<PackageInfo> info) {
   const std::string& name = package->name();
   order_.reserve(order_.size() + 1);
   std::string listed = name;
-  if (!packages_.emplace(Name(name), package).second) {
-    raise("PackageExists", {name});
-  }
+  if (!packages_.emplace(Name(name), package).second) raise("PackageExists", {name});
   order_.push_back(std::move(listed));
 }
 
@@ -46,16 +44,10 @@ bool ObjectSystem::hasClass(const std::string& qualifiedName) const {
 
 const ClassInfo* ObjectSystem::classOf(const HandleBase& object, bool madeByScript) const {
   const std::string name = object.getFullyQualifiedKoboTypeName();
-  const ClassInfo* const info = findClass(name);
-  if (info == nullptr) {
-    return nullptr;
-  }
-  if (!info->lineageDescribes(object)) {
-    raise("ClassMismatch", {name});
-  }
-  if (!madeByScript && !info->exposesLibraryObjects()) {
-    raise("LibraryObjectHidden", {name});
-  }
+  const ClassInfo* info = findClass(name);
+  if (info == nullptr) return nullptr;
+  if (!info->lineageDescribes(object)) raise("ClassMismatch", {name});
+  if (!madeByScript && !info->exposesLibraryObjects()) raise("LibraryObjectHidden", {name});
   return info;
 }
 

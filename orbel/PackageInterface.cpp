@@ -1,9 +1,10 @@
+#include "orbel/PackageInterface.hpp"
+
 #include <utility>
 
 #include <orbel/Client.hpp>
-#include <orbel/PackageInterface.hpp>
 
-#include "HostErrors.hpp"
+#include "orbel/HostErrors.hpp"
 
 namespace orbel {
 
@@ -20,27 +21,21 @@ std::vector<std::string> PackageInterface::classNames() {
   ensureRegistered();
   std::vector<std::string> names;
   names.reserve(classes_.size());
-  for (const auto& info : classes_) {
-    names.push_back(info->getName());
-  }
+  for (const auto& info : classes_) names.push_back(info->getName());
   return names;
 }
 
 const ClassInfo* PackageInterface::findClass(const std::string& name) {
   ensureRegistered();
   const auto found = classesByName_.find(name);
-  if (found == classesByName_.end()) {
-    return nullptr;
-  }
+  if (found == classesByName_.end()) return nullptr;
   found->second->ensureDefined();
   return found->second;
 }
 
 const ClassInfo& PackageInterface::getClass(const std::string& name) {
-  const ClassInfo* const info = findClass(name);
-  if (info == nullptr) {
-    raise("UnknownClass", {name_ + "." + name});
-  }
+  const ClassInfo* info = findClass(name);
+  if (info == nullptr) raise("UnknownClass", {name_ + "." + name});
   return *info;
 }
 

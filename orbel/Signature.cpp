@@ -1,7 +1,7 @@
+#include "orbel/Signature.hpp"
+
 #include <algorithm>
 #include <array>
-
-#include <orbel/Signature.hpp>
 
 namespace orbel {
 namespace {
@@ -29,19 +29,15 @@ bool isQualifiedName(const std::string& word) {
 }  // namespace
 
 std::optional<TypeKind> typeKind(const std::string& word) {
-  const auto* const row =
-      std::find_if(typeWords.begin(), typeWords.end(),
-                   [&](const TypeWordRow& known) { return word == known.word; });
-  if (row != typeWords.end()) {
-    return row->kind;
-  }
+  const auto* row = std::find_if(typeWords.begin(), typeWords.end(),
+                                 [&](const TypeWordRow& known) { return word == known.word; });
+  if (row != typeWords.end()) return row->kind;
   return isQualifiedName(word) ? std::optional(TypeKind::object) : std::nullopt;
 }
 
 const char* typeWord(TypeKind kind) {
-  const auto* const row =
-      std::find_if(typeWords.begin(), typeWords.end(),
-                   [&](const TypeWordRow& known) { return kind == known.kind; });
+  const auto* row = std::find_if(typeWords.begin(), typeWords.end(),
+                                 [&](const TypeWordRow& known) { return kind == known.kind; });
   return row == typeWords.end() ? "a qualified class name" : row->word;
 }
 

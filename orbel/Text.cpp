@@ -1,8 +1,8 @@
+#include "orbel/Text.hpp"
+
 #include <iterator>
 
 #include <boost/locale/utf.hpp>
-
-#include <orbel/Text.hpp>
 
 namespace orbel {
 namespace {

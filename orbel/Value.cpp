@@ -1,7 +1,8 @@
+#include "orbel/Value.hpp"
+
 #include <type_traits>
 
 #include <orbel/Text.hpp>
-#include <orbel/Value.hpp>
 
 namespace orbel {
 namespace {
@@ -16,12 +17,12 @@ Overloaded(Cases...) -> Overloaded<Cases...>;
 }  // namespace
 
 std::string CharacterArray::toText() const {
-  const auto* const narrow = text();
+  const auto* narrow = text();
   return narrow ? *narrow : toUtf8(std::get<std::u16string>(text_));
 }
 
 std::u16string CharacterArray::toText16() const {
-  const auto* const narrow = text();
+  const auto* narrow = text();
   return narrow ? toUtf16(*narrow) : std::get<std::u16string>(text_);
 }
 
@@ -37,9 +38,7 @@ CellArray::CellArray(std::vector<Value> elements) : elements_(std::move(elements
 
 CellArray::CellArray(const std::vector<std::string>& texts) {
   elements_.reserve(texts.size());
-  for (const std::string& text : texts) {
-    elements_.emplace_back(CharacterArray(text));
-  }
+  for (const std::string& text : texts) elements_.emplace_back(CharacterArray(text));
 }
 
 bool operator==(const CellArray& left, const CellArray& right) {

@@ -1,4 +1,4 @@
-#include "VisibleText.hpp"
+#include "orbel/VisibleText.hpp"
 
 namespace orbel {
 

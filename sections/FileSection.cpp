@@ -1,8 +1,8 @@
+#include "varn/FileSection.hpp"
+
 #include <cassert>
 #include <cstring>
 #include <utility>
-
-#include <varn/FileSection.hpp>
 
 namespace Varn {
 
@@ -39,6 +39,8 @@ void FileSection::writeToFile(FILE* stream) const { store_.write(stream); }
 FileSection* FileSection::clone() const { return new FileSection(*this); }
 
 void FileSection::clearContent() { store_.clear(); }
+
+std::string_view FileSection::getContentInPlace() const { return store_.wholeInPlace(); }
 
 unsigned int FileSection::getNumberOfSectionFragments() const {
   return static_cast<unsigned int>(store_.size());

@@ -1,6 +1,9 @@
+#include "varn/detail/FragmentStore.hpp"
+
 #include <algorithm>
 #include <cassert>
 #include <iterator>
+#include <optional>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -9,17 +12,16 @@
 
 #include <boost/make_shared.hpp>
 
-#include <varn/FragmentStore.hpp>
 #include <varn/StringFileSectionFragment.hpp>
 
 #include "sections/LockedStream.hpp"
 
-namespace Varn {
+namespace Varn::detail {
 namespace {
 
 using FragmentPtr = boost::shared_ptr<FileSectionFragment>;
 
-// A page, or one fragment that came as an object.
+// A page, or one fragment that was appended as an object.
 struct Segment {
   // The position of its first fragment.
   std::size_t first;
@@ -134,9 +136,14 @@ void FragmentStore::print(std::ostream& os) const {
 }
 
 void FragmentStore::write(FILE* stream) const {
-  const LockedStream out(stream);
-  visit([&out](const TextPage& page) { out.write(page); },
-        [stream](const FileSectionFragment& fragment) { fragment.writeToFile(stream); });
+  std::optional<LockedStream> out;
+  visit(
+      [stream, &out](const TextPage& page) {
+        if (page.text().empty()) return;
+        if (!out) out.emplace(stream);
+        out->write(page);
+      },
+      [stream](const FileSectionFragment& fragment) { fragment.writeToFile(stream); });
 }
 
 std::size_t FragmentStore::sizeBeforePage() const { return rest_ ? rest_->size : 0; }
@@ -151,7 +158,7 @@ void FragmentStore::closePage() {
 }
 
 const TextPage& FragmentStore::sharedPage() const {
-  page_.leavePool(pool_);
+  page_.moveOutOf(pool_);
   return page_;
 }
 
@@ -160,4 +167,4 @@ FragmentStore::Rest& FragmentStore::rest() const {
   return *rest_;
 }
 
-}  // namespace Varn
+}  // namespace Varn::detail

@@ -1,7 +1,7 @@
+#include "varn/FunctionsSection.hpp"
+
 #include <cassert>
 #include <utility>
-
-#include <varn/FunctionsSection.hpp>
 
 namespace Varn {
 
@@ -51,6 +51,6 @@ const std::string& FunctionsSection::kobo_getFunctionName(unsigned int index) co
   return getFunctionName(index - 1);
 }
 
-FunctionsSection* FunctionsSection::clone() const { return new FunctionsSection(*this); }
+FileSection* FunctionsSection::clone() const { return new FunctionsSection(*this); }
 
 }  // namespace Varn

@@ -8,8 +8,8 @@
 
 namespace Varn {
 
-// An entry of an include list as it stands in a file: as given when it starts with an angle
-// bracket, in quotes otherwise.
+// An entry of an include list in its written form: as given when it starts with an angle bracket,
+// in quotes otherwise.
 struct IncludeForm {
   explicit IncludeForm(const std::string& listEntry)
       : entry(listEntry), isSystem(!entry.empty() && entry.front() == '<') {}

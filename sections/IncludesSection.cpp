@@ -1,7 +1,7 @@
+#include "varn/IncludesSection.hpp"
+
 #include <optional>
 #include <string_view>
-
-#include <varn/IncludesSection.hpp>
 
 #include "sections/IncludeLines.hpp"
 
@@ -17,8 +17,8 @@ std::size_t longestLines(const std::vector<std::string>& entries) {
   return length;
 }
 
-void appendUnlessThere(std::string& text, const IncludeForm& form,
-                       const std::optional<IncludeLines>& added) {
+void appendUnlessPresent(std::string& text, const IncludeForm& form,
+                         const std::optional<IncludeLines>& added) {
   if (!added || !added->contains(form)) form.appendLineTo(text);
 }
 
@@ -79,25 +79,25 @@ const std::string& IncludesSection::getContent() const {
   composedContent_.clear();
   composedContent_.reserve(base.size() + longestLines(required) + longestLines(utility));
   for (const std::string& entry : required) {
-    if (!entry.empty()) appendUnlessThere(composedContent_, IncludeForm(entry), added);
+    if (!entry.empty()) appendUnlessPresent(composedContent_, IncludeForm(entry), added);
   }
   for (const std::string& entry : utility) {
     const IncludeForm form(entry);
-    if (form.isSystem) appendUnlessThere(composedContent_, form, added);
+    if (form.isSystem) appendUnlessPresent(composedContent_, form, added);
   }
   composedContent_ += base;
   for (const std::string& entry : utility) {
     const IncludeForm form(entry);
-    if (!entry.empty() && !form.isSystem) appendUnlessThere(composedContent_, form, added);
+    if (!entry.empty() && !form.isSystem) appendUnlessPresent(composedContent_, form, added);
   }
   return composedContent_;
 }
 
 void IncludesSection::writeToFile(FILE* stream) const {
   const std::string& text = getContent();
-  static_cast<void>(std::fwrite(text.data(), text.size(), 1, stream));
+  if (!text.empty()) static_cast<void>(std::fwrite(text.data(), text.size(), 1, stream));
 }
 
-IncludesSection* IncludesSection::clone() const { return new IncludesSection(*this); }
+FileSection* IncludesSection::clone() const { return new IncludesSection(*this); }
 
 }  // namespace Varn

@@ -4,10 +4,10 @@
 #include <stdio_ext.h>
 #include <string_view>
 
-namespace Varn {
+namespace Varn::detail {
 namespace {
 
-// What the C standard asks of BUFSIZ. A smaller buffer is passed by as soon as it is full.
+// The C standard's minimum for BUFSIZ. Smaller buffers are bypassed as soon as they are full.
 constexpr std::size_t smallestBuffer = 256;
 
 }  // namespace
@@ -32,17 +32,16 @@ void LockedStream::write(const TextPage& page) const {
     if (taken == size) {
       i = end;
     } else {
-      // The piece that was not taken as a whole is lost, and no other.
+      // Only the piece that was cut short is lost.
       for (size = 0; size <= taken; ++i) size += page.length(i);
     }
     left.remove_prefix(size);
   }
 }
 
-// What fills the buffer and leaves the next one unfilled: the GNU C library then hands the buffer
-// on once, full. An empty buffer it may pass by when it is given enough to fill it. A stream
-// without a buffer has none, or not yet; one that is read, too, may begin to write in the middle of
-// it.
+// As much as fills the buffer once and not the next one: the GNU C library then flushes one full
+// buffer. Given enough to fill an empty buffer, it may bypass it. A stream may have no buffer, or
+// none yet, and one that is also read may start to write in the middle of it.
 std::size_t LockedStream::longestRun() const {
   const std::size_t size = ::__fbufsize(stream_);
   if (size < smallestBuffer || ::__flbf(stream_) != 0 || ::__freadable(stream_) != 0) return 0;
@@ -50,4 +49,4 @@ std::size_t LockedStream::longestRun() const {
   return pending == 0 ? size - 1 : 2 * size - 1 - pending;
 }
 
-}  // namespace Varn
+}  // namespace Varn::detail

@@ -4,15 +4,15 @@
 #include <cstddef>
 #include <cstdio>
 
-#include <varn/TextPage.hpp>
+#include <varn/detail/TextPage.hpp>
 
-namespace Varn {
+namespace Varn::detail {
 
-// A stream that stays locked while it takes the pieces of pages.
+// Writes pages to a stream, which it locks for its own lifetime.
 //
-// It hands on the same blocks as if each piece were written to it with one `fwrite`. What is saved
-// is the calls: neighbouring pieces are written together as long as they fill no more than one
-// buffer of the stream. A stream that hands on each piece as it comes is given one at a time.
+// Write sizes match one `fwrite` per piece. Adjacent pieces that fill no more than one buffer of
+// the stream are written with one call; an unbuffered or line-buffered stream gets one piece at a
+// time.
 class LockedStream {
  public:
   explicit LockedStream(FILE* stream);
@@ -20,16 +20,16 @@ class LockedStream {
   LockedStream& operator=(const LockedStream&) = delete;
   ~LockedStream();
 
-  // Goes on after a piece that fails; the error stays with the stream.
+  // Continues after a piece that fails; the stream keeps the error.
   void write(const TextPage& page) const;
 
  private:
-  // How many bytes may be written together.
+  // The most bytes that one call may write.
   std::size_t longestRun() const;
 
   FILE* stream_;
 };
 
-}  // namespace Varn
+}  // namespace Varn::detail
 
 #endif

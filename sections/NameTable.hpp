@@ -8,10 +8,10 @@
 
 namespace Varn {
 
-// Finds a name in a fixed set, by exact comparison, at the price of a few characters and one
-// comparison: the hash is chosen when the table is compiled so that no two names share a slot.
+// Finds a name in a fixed set by exact comparison, reading a few characters and comparing once: the
+// hash is chosen when the table is compiled so that no two names share a slot.
 //
-// A name stands for its position in the array that the table was made from. Empty names in the
+// A name is mapped to its position in the array that the table was made from. Empty names in the
 // array only hold a position and are never found. The others must differ in their length or in a
 // character at a quarter of it: first, second, ... last.
 template <std::size_t N>

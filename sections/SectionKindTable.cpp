@@ -62,13 +62,13 @@ constexpr std::array<SectionKindRow, sectionKindCount> table = {{
 }};
 // clang-format on
 
-constexpr bool rowsStandAtTheirKinds() {
+constexpr bool rowsAreAtTheirKinds() {
   for (std::size_t i = 0; i < table.size(); ++i) {
     if (static_cast<std::size_t>(table[i].kind) != i) return false;
   }
   return true;
 }
-static_assert(rowsStandAtTheirKinds());
+static_assert(rowsAreAtTheirKinds());
 
 template <std::string_view SectionKindRow::*Name>
 constexpr NameTable<sectionKindCount> makeNameTable() {

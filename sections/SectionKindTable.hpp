@@ -13,20 +13,23 @@ namespace Varn {
 // Which class of section a file has of some kind.
 enum class SectionClass : unsigned char { None, Plain, Includes, Functions };
 
-// All that is fixed about one kind of section.
+// The classes of files, in the order of the table's columns.
+enum class FileClass : unsigned char { GenericFile, ModuleFile, DataTypesFile };
+
+// The fixed properties of one kind of section.
 struct SectionKindRow {
   VarnFileSectionKind kind;
   std::string_view hostName;
   std::string_view orvName;
   void (VarnFileContentBuilder::*buildStep)();
-  // In a generic file, a module file and a data types file.
+  // By FileClass.
   SectionClass inFileClass[3];
 };
 
 constexpr std::size_t sectionKindCount = 22;
 
-// The one place where the kinds are listed: the row of a kind stands at the kind's value, and the
-// rows are in the order of the builder steps.
+// The only list of the kinds. The row of a kind is at the kind's value, and the rows are in the
+// order of the builder steps.
 extern const std::array<SectionKindRow, sectionKindCount> sectionKindTable;
 
 // The kind that the template engine calls `name`, or -1.

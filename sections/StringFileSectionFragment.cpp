@@ -1,8 +1,10 @@
+#include "varn/StringFileSectionFragment.hpp"
+
 #include <utility>
 
-#include <varn/StringFileSectionFragment.hpp>
-
 namespace Varn {
+
+StringFileSectionFragment::StringFileSectionFragment() = default;
 
 StringFileSectionFragment::StringFileSectionFragment(const char* text) : content_(text) {}
 
@@ -10,6 +12,11 @@ StringFileSectionFragment::StringFileSectionFragment(const std::string& text) : 
 
 StringFileSectionFragment::StringFileSectionFragment(std::string&& text)
     : content_(std::move(text)) {}
+
+StringFileSectionFragment::StringFileSectionFragment(const StringFileSectionFragment&) = default;
+
+StringFileSectionFragment& StringFileSectionFragment::operator=(const StringFileSectionFragment&) =
+    default;
 
 StringFileSectionFragment::~StringFileSectionFragment() = default;
 

@@ -1,3 +1,5 @@
+#include "varn/detail/TextPage.hpp"
+
 #include <algorithm>
 #include <cassert>
 #include <cstring>
@@ -10,15 +12,14 @@
 #include <boost/smart_ptr/intrusive_ref_counter.hpp>
 
 #include <varn/StringFileSectionFragment.hpp>
-#include <varn/TextPage.hpp>
 
 #include "sections/TextPool.hpp"
 
-namespace Varn {
+namespace Varn::detail {
 namespace {
 
-// Most sections hold a few short pieces: a page is small at first and grows with them, by half or a
-// little more, until pages are large enough for their number not to matter.
+// Most sections hold a few short pieces: a page starts small and grows by half or a little more, up
+// to a size at which the number of pages no longer matters.
 constexpr std::size_t firstCapacity = 48;
 constexpr std::size_t smallestGrowth = 512;
 constexpr std::size_t largestCapacity = std::size_t{64} * 1024;
@@ -29,9 +30,9 @@ std::size_t capacityAfter(std::size_t capacity) {
 
 }  // namespace
 
-// The head of the memory that holds the pieces.
+// The header of the memory that holds the pieces.
 struct TextPage::Block : boost::intrusive_ref_counter<Block> {
-  // The pieces that were asked for as fragments: the first ones, and the bytes they take.
+  // The first pieces as fragments, made on demand, and the bytes that they occupy.
   struct Fragments {
     std::deque<StringFileSectionFragment> pieces;
     std::size_t textSize = 0;
@@ -40,15 +41,15 @@ struct TextPage::Block : boost::intrusive_ref_counter<Block> {
   // A block with at least `capacity` bytes for texts and lengths.
   static boost::intrusive_ptr<Block> make(std::size_t capacity);
   static boost::intrusive_ptr<Block> makeIn(TextPool& pool, std::size_t capacity);
-  // A block is longer than its head, so its memory is given back without a size. It comes from the
-  // global operator new; see make().
+  // A block is longer than its header: unsized deallocation. make() allocates with the global
+  // operator new.
   // NOLINTNEXTLINE(misc-new-delete-overloads)
   static void operator delete(void* memory) noexcept { ::operator delete(memory); }
 
   explicit Block(std::size_t size) noexcept : capacity(static_cast<Length>(size)) {}
 
   char* texts() { return reinterpret_cast<char*>(this + 1); }
-  // Length i stands at -1 - i.
+  // Length i is at -1 - i.
   Length* lengths() { return reinterpret_cast<Length*>(texts() + capacity); }
 
   const Length capacity;
@@ -66,7 +67,7 @@ boost::intrusive_ptr<TextPage::Block> TextPage::Block::make(std::size_t capacity
 
 boost::intrusive_ptr<TextPage::Block> TextPage::Block::makeIn(TextPool& pool,
                                                               std::size_t capacity) {
-  const TextPool::Memory memory = pool.take(sizeof(Block) + capacity);
+  const TextPool::Memory memory = pool.allocate(sizeof(Block) + capacity);
   return boost::intrusive_ptr<Block>(::new (memory.start) Block(memory.size - sizeof(Block)));
 }
 
@@ -92,7 +93,7 @@ bool TextPage::append(const char* text, std::size_t length, TextPool* pool) {
   assert(length <= maxLength);
   const std::size_t size = sizeWith(length);
   const bool fits = block_ && size <= block_->capacity && block_->use_count() == 1;
-  if (!fits && !makeRoom(size, pool)) return false;
+  if (!fits && !reserve(size, pool)) return false;
   std::memcpy(block_->texts() + extent_.textSize, text, length);
   extent_.textSize += static_cast<Length>(length);
   ++extent_.pieceCount;
@@ -109,12 +110,12 @@ TextPage TextPage::next(std::size_t length) const {
   return page;
 }
 
-void TextPage::leavePool(TextPool* pool) {
-  if (extent_.isPooled) moveTo(Block::make(sizeWith(0)), false, pool);
+void TextPage::moveOutOf(TextPool* pool) {
+  if (extent_.isPooled) relocate(Block::make(sizeWith(0)), false, pool);
 }
 
 void TextPage::clear(TextPool* pool) {
-  dropBlock(pool);
+  releaseBlock(pool);
   extent_ = Extent{};
 }
 
@@ -144,38 +145,38 @@ std::size_t TextPage::sizeWith(std::size_t length) const {
 }
 
 // Not inlined, so that append() is short enough to be.
-[[gnu::noinline]] bool TextPage::makeRoom(std::size_t size, TextPool* pool) {
+[[gnu::noinline]] bool TextPage::reserve(std::size_t size, TextPool* pool) {
   if (block_ && (block_->use_count() != 1 || block_->capacity >= largestCapacity)) return false;
-  // A text that has left the pool stays out: it may have fragments.
+  // Text that was moved out of the pool stays out: it may have fragments.
   const bool mayUsePool = pool != nullptr && (!block_ || extent_.isPooled);
   if (mayUsePool && sizeof(Block) + size <= TextPool::largestSize) {
-    moveTo(Block::makeIn(*pool, size), true, pool);
+    relocate(Block::makeIn(*pool, size), true, pool);
   } else {
     const std::size_t capacity = block_ ? capacityAfter(block_->capacity) : firstCapacity;
-    moveTo(Block::make(std::max(capacity, size)), false, pool);
+    relocate(Block::make(std::max(capacity, size)), false, pool);
   }
   return true;
 }
 
-void TextPage::moveTo(boost::intrusive_ptr<Block> block, bool isPooled, TextPool* pool) {
+void TextPage::relocate(boost::intrusive_ptr<Block> block, bool isPooled, TextPool* pool) {
   if (block_) {
     const std::size_t count = pieceCount();
     std::memcpy(block->texts(), block_->texts(), extent_.textSize);
     std::memcpy(block->lengths() - count, block_->lengths() - count, count * sizeof(Length));
     block->fragments = std::move(block_->fragments);
-    dropBlock(pool);
+    releaseBlock(pool);
   }
   block_ = std::move(block);
   extent_.isPooled = isPooled;
 }
 
-void TextPage::dropBlock(TextPool* pool) {
+void TextPage::releaseBlock(TextPool* pool) {
   if (!extent_.isPooled) {
     block_.reset();
     return;
   }
   const std::size_t size = sizeof(Block) + block_->capacity;
-  pool->giveBack({block_.detach(), size});
+  pool->deallocate({block_.detach(), size});
 }
 
-}  // namespace Varn
+}  // namespace Varn::detail

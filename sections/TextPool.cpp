@@ -8,10 +8,10 @@
 
 #include <sys/mman.h>
 
-namespace Varn {
+namespace Varn::detail {
 namespace {
 
-// A pool grows by as much as it has, within bounds; from some size on by a huge page at a time.
+// A pool doubles within bounds; a large one grows by one huge page at a time.
 constexpr std::size_t smallestChunk = std::size_t{4} * 1024;
 constexpr std::size_t largestChunk = std::size_t{64} * 1024;
 constexpr std::size_t hugePage = std::size_t{2} * 1024 * 1024;
@@ -24,7 +24,7 @@ std::size_t sizeClass(std::size_t size) {
 
 }  // namespace
 
-TextPool::Memory TextPool::take(std::size_t size) {
+TextPool::Memory TextPool::allocate(std::size_t size) {
   assert(size <= largestSize);
   const std::size_t index = sizeClass(size);
   size = sizes[index];
@@ -39,7 +39,7 @@ TextPool::Memory TextPool::take(std::size_t size) {
   return {start, size};
 }
 
-void TextPool::giveBack(Memory memory) {
+void TextPool::deallocate(Memory memory) {
   FreeBlock*& head = free_[sizeClass(memory.size)];
   head = ::new (memory.start) FreeBlock{head};
 }
@@ -49,7 +49,7 @@ void TextPool::addChunk() {
   const std::size_t size = isHuge ? hugePage : std::clamp(size_, smallestChunk, largestChunk);
   const std::align_val_t alignment{isHuge ? hugePage : alignof(std::max_align_t)};
   Chunk chunk(static_cast<char*>(::operator new(size, alignment)), DeleteAligned{alignment});
-  // It is advice: without it the memory is as good, and slower to touch.
+  // Best effort: failure only costs speed.
   if (isHuge) static_cast<void>(::madvise(chunk.get(), size, MADV_HUGEPAGE));
   chunks_.push_back(std::move(chunk));
   next_ = chunks_.back().get();
@@ -57,4 +57,4 @@ void TextPool::addChunk() {
   size_ += size;
 }
 
-}  // namespace Varn
+}  // namespace Varn::detail

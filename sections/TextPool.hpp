@@ -7,16 +7,16 @@
 #include <new>
 #include <vector>
 
-namespace Varn {
+#include <varn/FileSection.hpp>
 
-// Memory for the short texts of all sections of a repository: blocks of a few sizes, cut one after
-// the other from large chunks, so that the sections of a file lie side by side, taking a block
-// costs next to nothing, and all of them end with the pool, without a look at any. The chunks of a
-// large pool ask the system for huge pages, since to touch new memory page by page would cost more
-// than to fill it.
+namespace Varn::detail {
+
+// The arena for the short texts of all sections of a repository: blocks of a few size classes, cut
+// from large chunks. The sections of a file are adjacent in memory, allocation is a pointer bump,
+// and destroying the pool visits no block. Large pools ask for huge pages, because the first touch
+// of new memory costs more than filling it.
 //
-// Blocks that are given back are taken again by whoever needs one of their size; the chunks stay
-// until the pool ends. A pool is used by one thread at a time.
+// Deallocated blocks are reused for their size class; chunks are freed with the pool.
 class TextPool {
  public:
   // In bytes, ascending.
@@ -33,11 +33,14 @@ class TextPool {
   TextPool& operator=(const TextPool&) = delete;
   ~TextPool() = default;
 
-  // A block of the smallest size that holds `size` bytes, which is at most largestSize, aligned for
-  // every type. Throws std::bad_alloc.
-  Memory take(std::size_t size);
-  // `memory` was taken and is of no more use.
-  void giveBack(Memory memory);
+  // A block of the smallest class that holds `size` bytes, at most largestSize, aligned for every
+  // type. Throws std::bad_alloc.
+  Memory allocate(std::size_t size);
+  // `memory` is what allocate() returned.
+  void deallocate(Memory memory);
+
+  // From now on `section` allocates its short texts here. The pool must outlive it.
+  void serve(FileSection& section) { section.store_.usePool(*this); }
 
  private:
   struct FreeBlock {
@@ -53,13 +56,13 @@ class TextPool {
 
   std::array<FreeBlock*, sizes.size()> free_{};
   std::vector<Chunk> chunks_;
-  // Of all chunks together.
+  // The bytes of all chunks.
   std::size_t size_ = 0;
-  // What is left of the last chunk.
+  // The unused rest of the last chunk.
   char* next_ = nullptr;
   std::size_t left_ = 0;
 };
 
-}  // namespace Varn
+}  // namespace Varn::detail
 
 #endif

@@ -1,12 +1,6 @@
-#include <varn/UniqueNames.hpp>
+#include "varn/detail/UniqueNames.hpp"
 
-namespace Varn {
-
-UniqueNames& UniqueNames::operator=(const UniqueNames& source) {
-  UniqueNames copy(source);
-  swap(copy);
-  return *this;
-}
+namespace Varn::detail {
 
 void UniqueNames::add(const std::string& name) {
   const auto [position, isNew] = known_.insert(name);
@@ -31,4 +25,4 @@ void UniqueNames::swap(UniqueNames& other) noexcept {
   known_.swap(other.known_);
 }
 
-}  // namespace Varn
+}  // namespace Varn::detail

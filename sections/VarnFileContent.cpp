@@ -1,7 +1,10 @@
-#include <cassert>
-#include <utility>
+#include "varn/VarnFileContent.hpp"
 
-#include <varn/VarnFileContent.hpp>
+#include <cassert>
+#include <functional>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "sections/SectionKindTable.hpp"
 
@@ -17,7 +20,7 @@ void VarnFileContent::EmptyFileSection::addContent(const std::string& /*text*/) 
 void VarnFileContent::EmptyFileSection::addFragment(
     boost::shared_ptr<FileSectionFragment> /*fragment*/) {}
 
-VarnFileContent::EmptyFileSection* VarnFileContent::EmptyFileSection::clone() const {
+FileSection* VarnFileContent::EmptyFileSection::clone() const {
   return new EmptyFileSection(*this);
 }
 
@@ -28,20 +31,27 @@ const std::string& VarnFileContent::EmptyFileSection::getSectionFragment(
 
 VarnFileContent::VarnFileContent() = default;
 
-VarnFileContent::VarnFileContent(std::size_t plainSections)
-    : plainSectionCount_(static_cast<std::uint8_t>(plainSections)) {
+// Delegates, so that the destructor runs when a constructor below throws.
+VarnFileContent::VarnFileContent(std::size_t plainSections) : VarnFileContent() {
   assert(plainSections <= sectionKindCount);
-  plainSections_ = std::make_unique<FileSection[]>(plainSections);
+  plainSections_ = std::allocator<FileSection>().allocate(plainSections);
+  plainCapacity_ = static_cast<std::uint8_t>(plainSections);
 }
 
-VarnFileContent::VarnFileContent(const VarnFileContent& source) {
+VarnFileContent::VarnFileContent(const VarnFileContent& source) : VarnFileContent() {
   for (const SectionKindRow& row : sectionKindTable) {
     if (!source.hasSection(row.kind)) continue;
     setSection(row.kind, std::unique_ptr<FileSection>(source.getSection(row.kind).clone()));
   }
 }
 
-VarnFileContent::~VarnFileContent() = default;
+VarnFileContent::~VarnFileContent() {
+  for (FileSection*& section : sections_) destroy(std::exchange(section, nullptr));
+  for (FileSection* section : replaced_) destroy(section);
+  if (plainSections_ != nullptr) {
+    std::allocator<FileSection>().deallocate(plainSections_, plainCapacity_);
+  }
+}
 
 FileSection& VarnFileContent::getSection(VarnFileSectionKind kind) {
   assert(static_cast<unsigned int>(kind) < slotCount);
@@ -73,24 +83,35 @@ void VarnFileContent::clearContents() {
   }
 }
 
-void VarnFileContent::usePool(TextPool& pool) {
-  for (FileSection* section : sections_) {
-    if (section != nullptr) section->store_.usePool(pool);
-  }
-}
-
 void VarnFileContent::setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section) {
   assert(static_cast<unsigned int>(kind) < sectionKindCount);
-  otherSections_.push_back(std::move(section));
-  sections_[static_cast<std::size_t>(kind)] = otherSections_.back().get();
+  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
+  if (slot != nullptr) replaced_.push_back(slot);
+  slot = section.release();
 }
 
 void VarnFileContent::addPlainSection(VarnFileSectionKind kind) {
   assert(static_cast<unsigned int>(kind) < sectionKindCount);
-  if (usedPlainSections_ == plainSectionCount_) {
+  if (plainCount_ == plainCapacity_) {
     setSection(kind, std::make_unique<FileSection>());
+    return;
+  }
+  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
+  if (slot != nullptr) replaced_.push_back(slot);
+  slot = ::new (plainSections_ + plainCount_) FileSection;
+  ++plainCount_;
+}
+
+bool VarnFileContent::isPlain(const FileSection* section) const {
+  const std::less<> before;
+  return !before(section, plainSections_) && before(section, plainSections_ + plainCount_);
+}
+
+void VarnFileContent::destroy(FileSection* section) noexcept {
+  if (isPlain(section)) {
+    section->FileSection::~FileSection();
   } else {
-    sections_[static_cast<std::size_t>(kind)] = &plainSections_[usedPlainSections_++];
+    delete section;
   }
 }
 

@@ -1,7 +1,10 @@
-#include <varn/VarnFileContentBuilder.hpp>
+#include "varn/VarnFileContentBuilder.hpp"
 
 namespace Varn {
 
+VarnFileContentBuilder::VarnFileContentBuilder() = default;
+VarnFileContentBuilder::VarnFileContentBuilder(const VarnFileContentBuilder&) = default;
+VarnFileContentBuilder& VarnFileContentBuilder::operator=(const VarnFileContentBuilder&) = default;
 VarnFileContentBuilder::~VarnFileContentBuilder() = default;
 
 void VarnFileContentBuilder::buildContent() {}

@@ -1,8 +1,9 @@
+#include "varn/VarnFileContentCreator.hpp"
+
 #include <memory>
 
 #include <varn/VarnFileContent.hpp>
 #include <varn/VarnFileContentBuilder.hpp>
-#include <varn/VarnFileContentCreator.hpp>
 
 #include "sections/SectionKindTable.hpp"
 

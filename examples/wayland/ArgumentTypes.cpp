@@ -24,12 +24,8 @@ bool isUntypedNewId(const Argument& argument) {
 }
 
 std::string objectType(const Argument& argument, Side side) {
-  if (side == Side::ServerRequest && argument.type == ArgumentType::NewId) {
-    return "uint32_t ";
-  }
-  if (side == Side::ServerRequest || side == Side::ServerEvent) {
-    return "struct wl_resource *";
-  }
+  if (side == Side::ServerRequest && argument.type == ArgumentType::NewId) return "uint32_t ";
+  if (side == Side::ServerRequest || side == Side::ServerEvent) return "struct wl_resource *";
   return argument.interface.empty() ? "void *" : fmt::format("struct {} *", argument.interface);
 }
 
@@ -57,12 +53,8 @@ const ArgumentTypeFacts* findArgumentType(const std::string& name) {
 std::string signatureOf(const Message& message) {
   std::string signature = message.since > 1 ? std::to_string(message.since) : std::string();
   for (const Argument& argument : message.arguments) {
-    if (argument.nullable) {
-      signature += '?';
-    }
-    if (isUntypedNewId(argument)) {
-      signature += "su";
-    }
+    if (argument.nullable) signature += '?';
+    if (isUntypedNewId(argument)) signature += "su";
     signature += factsOf(argument.type).letter;
   }
   return signature;
@@ -71,9 +63,7 @@ std::string signatureOf(const Message& message) {
 std::vector<std::string> signatureInterfaces(const Message& message) {
   std::vector<std::string> interfaces;
   for (const Argument& argument : message.arguments) {
-    if (isUntypedNewId(argument)) {
-      interfaces.resize(interfaces.size() + 2);
-    }
+    if (isUntypedNewId(argument)) interfaces.resize(interfaces.size() + 2);
     interfaces.push_back(argument.interface);
   }
   return interfaces;
@@ -82,12 +72,8 @@ std::vector<std::string> signatureInterfaces(const Message& message) {
 std::vector<std::string> cParameters(const Message& message, Side side) {
   std::vector<std::string> parameters;
   for (const Argument& argument : message.arguments) {
-    if (isUntypedNewId(argument)) {
-      addInterfaceParameters(message, side, parameters);
-    }
-    if (argument.type == ArgumentType::NewId && side == Side::ClientRequest) {
-      continue;
-    }
+    if (isUntypedNewId(argument)) addInterfaceParameters(message, side, parameters);
+    if (argument.type == ArgumentType::NewId && side == Side::ClientRequest) continue;
     const char* cType = factsOf(argument.type).cType;
     parameters.push_back((cType == nullptr ? objectType(argument, side) : cType) + argument.name);
   }
@@ -96,9 +82,7 @@ std::vector<std::string> cParameters(const Message& message, Side side) {
 
 std::string freeParameterName(const Message& message, std::string wanted) {
   const auto taken = [&](const Argument& argument) { return argument.name == wanted; };
-  while (std::any_of(message.arguments.begin(), message.arguments.end(), taken)) {
-    wanted += '_';
-  }
+  while (std::any_of(message.arguments.begin(), message.arguments.end(), taken)) wanted += '_';
   return wanted;
 }
 

@@ -76,9 +76,7 @@ constexpr std::array<const char*, 4> commonFunctions = {"add_listener", "set_use
 class NamesInUse {
  public:
   explicit NamesInUse(const Protocol& protocol) : file_(protocol.file) {
-    for (const std::string_view name : foreignNames) {
-      addExclusive(std::string(name), noLine);
-    }
+    for (const std::string_view name : foreignNames) addExclusive(std::string(name), noLine);
   }
 
   void add(const std::string& name, int line) { add(name, {line, false}); }
@@ -90,9 +88,7 @@ class NamesInUse {
   // For the name of an interface, a message or an argument, which has a scope of its own.
   void requireUsable(const std::string& name, int line) const {
     const auto found = uses_.find(name);
-    if (found != uses_.end() && found->second.exclusive) {
-      reject(name, line, found->second.line);
-    }
+    if (found != uses_.end() && found->second.exclusive) reject(name, line, found->second.line);
   }
 
  private:
@@ -105,9 +101,7 @@ class NamesInUse {
 
   void add(const std::string& name, Use use) {
     const auto [earlier, isNew] = uses_.emplace(name, use);
-    if (!isNew) {
-      reject(name, use.line, earlier->second.line);
-    }
+    if (!isNew) reject(name, use.line, earlier->second.line);
   }
 
   [[noreturn]] void reject(const std::string& name, int line, int earlier) const {
@@ -162,9 +156,7 @@ void addInterface(const Interface& interface, NamesInUse& names) {
   for (const char* function : commonFunctions) {
     names.add(interface.name + "_" + function, interface.line);
   }
-  if (hasDestroyFunction(interface)) {
-    names.add(interface.name + "_destroy", interface.line);
-  }
+  if (hasDestroyFunction(interface)) names.add(interface.name + "_destroy", interface.line);
   addMessages(interface, names);
   addEnumerations(interface, names);
 }
@@ -191,9 +183,7 @@ bool isIdentifier(const std::string& name) {
 
 bool isEnumerationValue(const std::string& value) {
   const std::string digits = value.substr(!value.empty() && value.front() == '-' ? 1 : 0);
-  if (digits.empty() || !isDigit(digits.front())) {
-    return false;
-  }
+  if (digits.empty() || !isDigit(digits.front())) return false;
   errno = 0;
   char* end = nullptr;
   const long long number = std::strtoll(value.c_str(), &end, 0);
@@ -264,12 +254,8 @@ void checkNames(const Protocol& protocol) {
     names.addExclusive(interfaceSymbol(interface), protocol.line);
     names.add("tag " + interface, protocol.line);
   }
-  for (const Interface& interface : protocol.interfaces) {
-    addInterface(interface, names);
-  }
-  for (const std::string& interface : foreign) {
-    names.requireUsable(interface, protocol.line);
-  }
+  for (const Interface& interface : protocol.interfaces) addInterface(interface, names);
+  for (const std::string& interface : foreign) names.requireUsable(interface, protocol.line);
   for (const Interface& interface : protocol.interfaces) {
     names.requireUsable(interface.name, interface.line);
     requireUsable(interface.requests, names);

@@ -145,9 +145,7 @@ class ClientHeader : public ProtocolFile {
     file().setAttribute("UtilityIncludes", enumerationsHeaderName(protocol));
     file().addForwardDeclaration(openExternC);
     file().add("FcnPrototypes", text.prototypes);
-    for (const std::string& interface : foreignInterfaces(protocol)) {
-      addObject(interface);
-    }
+    for (const std::string& interface : foreignInterfaces(protocol)) addObject(interface);
   }
 
   void addInterface(const Interface& interface, const SharedText& documentation) override {
@@ -159,9 +157,7 @@ class ClientHeader : public ProtocolFile {
       file().add("Functions", addListenerFunction(interface));
     }
     file().add("Functions", commonFunctions(interface));
-    if (hasDestroyFunction(interface)) {
-      file().add("Functions", destroyFunction(interface));
-    }
+    if (hasDestroyFunction(interface)) file().add("Functions", destroyFunction(interface));
     for (std::size_t i = 0; i < interface.requests.size(); ++i) {
       const Message& request = interface.requests[i];
       file().fillCustomSection(

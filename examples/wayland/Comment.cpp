@@ -30,13 +30,9 @@ constexpr std::array<DirectionMarks, 4> directionMarks = {{
 std::size_t directionMarkAt(std::string_view text) {
   for (const DirectionMarks& marks : directionMarks) {
     const std::size_t length = marks.lead.size() + 1;
-    if (text.size() < length || text.substr(0, length - 1) != marks.lead) {
-      continue;
-    }
+    if (text.size() < length || text.substr(0, length - 1) != marks.lead) continue;
     const auto last = static_cast<unsigned char>(text[length - 1]);
-    if (last >= marks.first && last <= marks.last) {
-      return length;
-    }
+    if (last >= marks.first && last <= marks.last) return length;
   }
   return 0;
 }
@@ -56,9 +52,7 @@ std::string harmless(std::string_view line) {
     }
     const bool control = static_cast<unsigned char>(line[i]) < ' ' || line[i] == '\x7F';
     const char next = control ? ' ' : line[i];
-    if (!result.empty() && opensOrCloses(result.back(), next)) {
-      result += ' ';
-    }
+    if (!result.empty() && opensOrCloses(result.back(), next)) result += ' ';
     result += next;
     ++i;
   }
@@ -68,9 +62,7 @@ std::string harmless(std::string_view line) {
 std::string_view trimmed(std::string_view line) {
   constexpr std::string_view blanks = " \t\r\v\f";
   const std::size_t first = line.find_first_not_of(blanks);
-  if (first == std::string_view::npos) {
-    return {};
-  }
+  if (first == std::string_view::npos) return {};
   return line.substr(first, line.find_last_not_of(blanks) - first + 1);
 }
 
@@ -84,9 +76,7 @@ std::vector<std::string> linesOf(std::string_view text) {
     }
     text.remove_prefix(std::min(end + 1, text.size()));
   }
-  if (!lines.empty() && lines.back().empty()) {
-    lines.pop_back();
-  }
+  if (!lines.empty() && lines.back().empty()) lines.pop_back();
   return lines;
 }
 
@@ -94,9 +84,7 @@ std::vector<std::string> linesOf(std::string_view text) {
 
 std::string blockComment(const std::string& text, const std::string& indent) {
   const std::vector<std::string> lines = linesOf(text);
-  if (lines.empty()) {
-    return {};
-  }
+  if (lines.empty()) return {};
   std::string comment = indent + "/*\n";
   for (const std::string& line : lines) {
     comment += fmt::format("{} *{}{}\n", indent, line.empty() ? "" : " ", line);

@@ -89,9 +89,7 @@ WrittenSize GeneratedFile::write(FILE* stream, const std::string& path) const {
     } else {
       bridge_->writeSection(index_, section, stream);
     }
-    if (std::ferror(stream) != 0) {
-      throw std::system_error(errno, std::generic_category(), path);
-    }
+    if (std::ferror(stream) != 0) throw std::system_error(errno, std::generic_category(), path);
     const long bytes = std::ftell(stream) - start;
     written.sections += bytes != 0 ? 1 : 0;
     written.bytes += bytes;

@@ -22,9 +22,7 @@ constexpr const char* reportPath = "standard output";
 void makeFolder(const std::string& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
-  if (error) {
-    throw std::system_error(error, folder);
-  }
+  if (error) throw std::system_error(error, folder);
 }
 
 std::vector<std::unique_ptr<ProtocolFile>> makeFiles(Varn::VarnFileRepository& repository,
@@ -40,18 +38,12 @@ std::vector<std::unique_ptr<ProtocolFile>> makeFiles(Varn::VarnFileRepository& r
 
 void walk(const Protocol& protocol, const std::vector<std::unique_ptr<ProtocolFile>>& files) {
   const ProtocolText text = commonText(protocol);
-  for (const auto& file : files) {
-    file->begin(protocol, text);
-  }
+  for (const auto& file : files) file->begin(protocol, text);
   for (const Interface& interface : protocol.interfaces) {
     const SharedText documentation = interfaceDocumentation(interface);
-    for (const auto& file : files) {
-      file->addInterface(interface, documentation);
-    }
+    for (const auto& file : files) file->addInterface(interface, documentation);
   }
-  for (const auto& file : files) {
-    file->finish(protocol);
-  }
+  for (const auto& file : files) file->finish(protocol);
 }
 
 }  // namespace
@@ -81,9 +73,7 @@ std::vector<std::string> GenerationRun::add(const Protocol& protocol) {
     file->file().setAttribute("OutputDirectory", folder_);
     Varn::FileRepErrorStatus status;
     repository_.checkForDuplicateEntry(file->file().name(), &status);
-    if (status.hadError()) {
-      warnings.push_back(status.getMessage());
-    }
+    if (status.hadError()) warnings.push_back(status.getMessage());
   }
   walk(protocol, files);
   std::move(files.begin(), files.end(), std::back_inserter(files_));
@@ -107,9 +97,7 @@ void GenerationRun::write() {
 
 void GenerationRun::report(FILE* stream) {
   std::size_t width = 0;
-  for (const auto& file : files_) {
-    width = std::max(width, file->file().name().size());
-  }
+  for (const auto& file : files_) width = std::max(width, file->file().name().size());
   report_.add("Banner", fmt::format("{:<{}}  sections     bytes\n", "file", width));
   WrittenSize total;
   for (std::size_t i = 0; i < sizes_.size(); ++i) {
@@ -122,9 +110,7 @@ void GenerationRun::report(FILE* stream) {
               fmt::format("{:<{}}  {:>8}  {:>8}\n", fmt::format("{} files", sizes_.size()), width,
                           total.sections, total.bytes));
   report_.write(stream, reportPath);
-  if (std::fflush(stream) != 0) {
-    throw std::system_error(errno, std::generic_category(), reportPath);
-  }
+  if (std::fflush(stream) != 0) throw std::system_error(errno, std::generic_category(), reportPath);
 }
 
 }  // namespace wayland

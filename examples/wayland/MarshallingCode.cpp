@@ -99,9 +99,7 @@ class MarshallingCode : public ProtocolFile {
  private:
   // What the interface says for its messages: the array, or NULL when there are none.
   std::string addMessages(const std::string& array, const std::vector<Message>& messages) {
-    if (messages.empty()) {
-      return "NULL";
-    }
+    if (messages.empty()) return "NULL";
     std::string rows;
     for (const Message& message : messages) {
       rows += fmt::format("\t{{ \"{}\", \"{}\", {} }},\n", message.name, signatureOf(message),
@@ -114,9 +112,7 @@ class MarshallingCode : public ProtocolFile {
   }
 
   std::string addTypes(const Message& message) {
-    if (!refersToInterfaces(message)) {
-      return "no_interfaces";
-    }
+    if (!refersToInterfaces(message)) return "no_interfaces";
     std::string array = fmt::format("types_{}", typeArrays_++);
     std::string rows;
     for (const std::string& interface : signatureInterfaces(message)) {

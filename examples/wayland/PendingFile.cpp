@@ -27,12 +27,8 @@ PendingFile::PendingFile(const std::string& folder, const std::string& name)
     : path_(folder + "/" + name) {
   std::string temporary = folder + "/." + name + ".XXXXXX";
   const int descriptor = mkstemp(temporary.data());
-  if (descriptor == -1) {
-    fail(path_);
-  }
-  if (fchmod(descriptor, newFileMode()) == 0) {
-    stream_ = fdopen(descriptor, "wb");
-  }
+  if (descriptor == -1) fail(path_);
+  if (fchmod(descriptor, newFileMode()) == 0) stream_ = fdopen(descriptor, "wb");
   if (stream_ == nullptr) {
     const int error = errno;
     ::close(descriptor);
@@ -49,24 +45,16 @@ PendingFile::PendingFile(PendingFile&& source) noexcept
       stream_(std::exchange(source.stream_, nullptr)) {}
 
 PendingFile::~PendingFile() {
-  if (stream_ != nullptr) {
-    std::fclose(stream_);
-  }
-  if (!temporaryPath_.empty()) {
-    unlink(temporaryPath_.c_str());
-  }
+  if (stream_ != nullptr) std::fclose(stream_);
+  if (!temporaryPath_.empty()) unlink(temporaryPath_.c_str());
 }
 
 void PendingFile::close() {
-  if (std::fclose(std::exchange(stream_, nullptr)) != 0) {
-    fail(path_);
-  }
+  if (std::fclose(std::exchange(stream_, nullptr)) != 0) fail(path_);
 }
 
 void PendingFile::commit() {
-  if (std::rename(temporaryPath_.c_str(), path_.c_str()) != 0) {
-    fail(path_);
-  }
+  if (std::rename(temporaryPath_.c_str(), path_.c_str()) != 0) fail(path_);
   temporaryPath_.clear();
 }
 

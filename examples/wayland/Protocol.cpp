@@ -7,9 +7,7 @@ namespace wayland {
 
 std::vector<std::string> foreignInterfaces(const Protocol& protocol) {
   std::set<std::string> known;
-  for (const Interface& interface : protocol.interfaces) {
-    known.insert(interface.name);
-  }
+  for (const Interface& interface : protocol.interfaces) known.insert(interface.name);
   std::vector<std::string> foreign;
   const auto collect = [&](const std::vector<Message>& messages) {
     for (const Message& message : messages) {

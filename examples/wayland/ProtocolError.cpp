@@ -12,9 +12,7 @@ namespace {
 // as 0xC2 and a byte of 0x80 to 0x9F.
 std::size_t controlAt(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
-  if (first < ' ' || first == 0x7F) {
-    return 1;
-  }
+  if (first < ' ' || first == 0x7F) return 1;
   const auto second = static_cast<unsigned char>(text.size() > 1 ? text[1] : 0);
   return first == 0xC2 && second >= 0x80 && second <= 0x9F ? 2 : 0;
 }

@@ -145,9 +145,7 @@ Argument Reader::readArgument(const xml_node& node) const {
   }
   readReferences(node, argument);
   for (const xml_node& child : xml_.children(node, {"description"})) {
-    if (argument.summary.empty()) {
-      argument.summary = readDescription(child).summary;
-    }
+    if (argument.summary.empty()) argument.summary = readDescription(child).summary;
   }
   return argument;
 }
@@ -269,9 +267,7 @@ bool leadsSomewhere(const std::string& reference, const Interface& owner,
   const std::size_t dot = reference.find('.');
   const std::string interface = dot == std::string::npos ? owner.name : reference.substr(0, dot);
   const std::string name = dot == std::string::npos ? reference : reference.substr(dot + 1);
-  if (targets.count(interface) == 0) {
-    return isIdentifier(interface) && isIdentifier(name);
-  }
+  if (targets.count(interface) == 0) return isIdentifier(interface) && isIdentifier(name);
   return targets.count(interface + "." + name) != 0;
 }
 

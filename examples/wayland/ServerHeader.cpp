@@ -32,9 +32,7 @@ std::string eventFunctionText(const Interface& interface, const Message& event) 
   std::vector<std::string> parameters = cParameters(event, Side::ServerEvent);
   parameters.insert(parameters.begin(), "struct wl_resource *" + self);
   std::vector<std::string> arguments = {self, eventOpcode(interface, event)};
-  for (const Argument& argument : event.arguments) {
-    arguments.push_back(argument.name);
-  }
+  for (const Argument& argument : event.arguments) arguments.push_back(argument.name);
   return fmt::format("\n{}static inline void\n{}({})\n{{\n\twl_resource_post_event({});\n}}\n",
                      blockComment(describe(event)), eventFunction(interface, event),
                      fmt::join(parameters, ",\n\t\t"), fmt::join(arguments, ", "));
@@ -67,9 +65,7 @@ class ServerHeader : public ProtocolFile {
     file().fillCustomSection("InterfaceIndex", indexLine(interface));
     file().add("ExternData", fmt::format("extern const struct wl_interface {};\n",
                                          interfaceSymbol(interface.name)));
-    if (!interface.requests.empty()) {
-      file().add("Typedefs", implementation(interface));
-    }
+    if (!interface.requests.empty()) file().add("Typedefs", implementation(interface));
     for (std::size_t i = 0; i < interface.events.size(); ++i) {
       const Message& event = interface.events[i];
       file().fillCustomSection("EventOpcodes",

@@ -25,18 +25,14 @@ struct CloseFile {
 
 std::string readFile(const std::string& path) {
   const std::unique_ptr<FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-  if (!file) {
-    failReading(path);
-  }
+  if (!file) failReading(path);
   std::string text;
   std::array<char, 65536> buffer{};
   std::size_t count = 0;
   while ((count = std::fread(buffer.data(), 1, buffer.size(), file.get())) != 0) {
     text.append(buffer.data(), count);
   }
-  if (std::ferror(file.get()) != 0) {
-    failReading(path);
-  }
+  if (std::ferror(file.get()) != 0) failReading(path);
   return text;
 }
 
@@ -79,9 +75,7 @@ void XmlDocument::refuseOtherEncodings() const {
 
 pugi::xml_node XmlDocument::root(const char* name) const {
   const std::vector<pugi::xml_node> elements = children(document_, {name});
-  if (elements.size() != 1) {
-    reject(elements.back(), fmt::format("a second <{}> in one file", name));
-  }
+  if (elements.size() != 1) reject(elements.back(), fmt::format("a second <{}> in one file", name));
   return elements.front();
 }
 
@@ -98,9 +92,7 @@ void XmlDocument::reject(const pugi::xml_node& node, const std::string& reason) 
 
 std::string XmlDocument::require(const pugi::xml_node& node, const char* attribute) const {
   const pugi::xml_attribute found = node.attribute(attribute);
-  if (!found) {
-    reject(node, fmt::format("<{}> has no attribute '{}'", node.name(), attribute));
-  }
+  if (!found) reject(node, fmt::format("<{}> has no attribute '{}'", node.name(), attribute));
   return found.value();
 }
 
@@ -108,12 +100,8 @@ std::vector<pugi::xml_node> XmlDocument::children(const pugi::xml_node& node,
                                                   std::initializer_list<const char*> names) const {
   std::vector<pugi::xml_node> elements;
   for (const pugi::xml_node& child : node.children()) {
-    if (isText(child)) {
-      reject(child, fmt::format("text directly in <{}>", node.name()));
-    }
-    if (!isElement(child)) {
-      continue;
-    }
+    if (isText(child)) reject(child, fmt::format("text directly in <{}>", node.name()));
+    if (!isElement(child)) continue;
     const std::string name = child.name();
     if (std::find(names.begin(), names.end(), name) == names.end()) {
       reject(child, fmt::format("unexpected element <{}>", name));
@@ -129,9 +117,7 @@ std::string XmlDocument::text(const pugi::xml_node& node) const {
     if (isElement(child)) {
       reject(child, fmt::format("<{}> in the text of <{}>", child.name(), node.name()));
     }
-    if (isText(child)) {
-      text += child.value();
-    }
+    if (isText(child)) text += child.value();
   }
   return text;
 }

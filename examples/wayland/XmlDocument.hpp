@@ -10,7 +10,7 @@
 
 namespace wayland {
 
-// One XML file in memory, as UTF-8. Nodes are good as long as the document lives.
+// One XML file in memory, as UTF-8. Nodes are valid until the document is destroyed.
 class XmlDocument {
  public:
   // Throws std::system_error when the file cannot be read, ProtocolError when it is

@@ -5,8 +5,8 @@
 
 namespace Varn::mi {
 
-// What the class definitions of this package share: their objects belong to a repository or a file,
-// and scripts hold handles to them.
+// Base of the class definitions of this package. A repository or a file owns their objects; scripts
+// hold handles to them.
 template <class T>
 class ExposedClass : public orbel::HandleClass<T> {
  public:

@@ -9,8 +9,8 @@
 
 namespace Varn::mi {
 
-// What the classes of files that scripts can make share: they derive from "Varn.VarnFile", are made
-// from a name, and have getters of sections.
+// Base of the definitions of file classes with a constructor: they derive from "Varn.VarnFile", are
+// made from a name, and have getters of sections.
 template <class T>
 class FileClass : public ExposedClass<T> {
  public:

@@ -8,7 +8,7 @@
 
 namespace orbel {
 
-// The values that a script passes to a call: a view, valid as long as the values are.
+// A view of the values that a script passes to a call, valid while they are.
 class Arguments {
  public:
   Arguments() = default;

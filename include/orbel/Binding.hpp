@@ -14,7 +14,7 @@
 #include <orbel/Conversion.hpp>
 #include <orbel/Export.hpp>
 
-// How a C++ callable becomes a member that scripts use. Class definitions use HandleClass, which is
+// Turns C++ callables into members that scripts use. Class definitions use HandleClass, which is
 // built on this.
 namespace orbel::binding {
 
@@ -42,7 +42,7 @@ auto shapeOf() {
   }
 }
 
-// Raise "SignatureMismatch" when the type words do not fit the C++ types, `arguments` being those
+// Throw "SignatureMismatch" when the type words do not fit the C++ types, `arguments` being those
 // of the callable without the object.
 ORBEL_EXPORT void checkSignature(const Member& member, const Signature& signature, TypeKind result,
                                  std::initializer_list<TypeKind> arguments);
@@ -50,7 +50,7 @@ ORBEL_EXPORT void checkSignature(const Constructor& constructor,
                                  std::initializer_list<TypeKind> arguments);
 
 // Calls its first argument with the others, which an initialiser list makes from left to right: the
-// error of the leftmost unfit argument is the one that is raised.
+// error of the leftmost unfit argument is the one that is thrown.
 struct InOrder {
   template <class F, class... X>
   explicit InOrder(const F& function, const X&... arguments) {

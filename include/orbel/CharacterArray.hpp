@@ -20,8 +20,8 @@ class ORBEL_EXPORT CharacterArray {
   std::string toText() const;
   std::u16string toText16() const;
 
-  // The 8-bit text itself when the array was made from 8-bit text, else null. Valid as long as the
-  // array is neither changed nor destroyed.
+  // The 8-bit text itself when the array was made from 8-bit text, else null. Valid until the array
+  // is changed or destroyed.
   const std::string* text() const { return std::get_if<std::string>(&text_); }
 
   // In characters of the text that it was made from.

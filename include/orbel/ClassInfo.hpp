@@ -16,8 +16,8 @@ namespace orbel {
 
 class PackageInterface;
 
-// A class as the host knows it. A module makes one for each class and hands it over to the host
-// with ClassRegistrar::addClass; it lives as long as the host. Modules derive from HandleClass,
+// A class as the host knows it. A module makes one for each class and passes ownership with
+// ClassRegistrar::addClass; the host never destroys it. Modules derive from HandleClass,
 // which binds a C++ class.
 //
 // The order of the virtual operations is part of the contract with modules.
@@ -36,7 +36,7 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
   virtual void joinPackage(const PackageInterface& package);
 
   // Declares superclasses, properties, methods and constructor. The host calls it when the class is
-  // first needed and never again after it succeeded; when it raises, the declarations are dropped
+  // first needed and never again after it succeeded; when it throws, the declarations are dropped
   // and the class stays undefined.
   virtual void define() = 0;
 
@@ -54,8 +54,8 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
   // by default.
   virtual bool describes(const HandleBase& object) const;
 
-  // All that follows is for a class that was found through a package or a client, and is thereby
-  // defined.
+  // The operations below require a class that was found through a package or a client, which
+  // defines it.
 
   struct Superclass {
     const ClassInfo* info;
@@ -75,7 +75,7 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
   // The method or property, inherited ones included; null when there is none.
   const Method* findMethod(const std::string& name) const;
   const Property* findProperty(const std::string& name) const;
-  // The same, but raise "UnknownMethod" or "UnknownProperty".
+  // The same, but throw "UnknownMethod" or "UnknownProperty".
   const Method& getMethod(const std::string& name) const;
   const Property& getProperty(const std::string& name) const;
 
@@ -91,10 +91,10 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
  protected:
   ClassInfo() = default;
 
-  // For define(). Each raises "MemberExists" for a name declared before in this class.
+  // For define(). Each throws "MemberExists" for a name declared before in this class.
 
   // `isOfThisPackage`: the superclass is looked up in this class's own package only. An unknown
-  // superclass raises "UnknownClass" once the declarations are complete.
+  // superclass throws "UnknownClass" once the declarations are complete.
   void addSuperclass(const std::string& qualifiedName, bool isOfThisPackage);
   void addMember(std::unique_ptr<const Method> method);
   void addMember(std::unique_ptr<const Property> property);

@@ -13,7 +13,7 @@ class ORBEL_EXPORT ClassRegistrar {
  public:
   virtual ~ClassRegistrar() = default;
 
-  // Raises "ClassExists" for a name that the package has already; the class is then released.
+  // Throws "ClassExists" for a name that the package has already; the class is then released.
   virtual void addClass(std::unique_ptr<ClassInfo> info) = 0;
 };
 

@@ -23,25 +23,25 @@ class ORBEL_EXPORT Client {
 
   // Null when there is no such package, or it was released for this client.
   std::shared_ptr<PackageInterface> findPackage(const Name& name) const;
-  // The same, but raises "UnknownPackage".
+  // The same, but throws "UnknownPackage".
   std::shared_ptr<PackageInterface> getPackage(const Name& name) const;
 
-  // The class of a qualified name, defined. Raises "UnknownPackage" or "UnknownClass".
+  // The class of a qualified name, defined. Throws "UnknownPackage" or "UnknownClass".
   const ClassInfo& getClass(const std::string& qualifiedName) const;
 
-  // A handle to a new object, which dies with its last handle. Raises "UnknownClass" when the
+  // A handle to a new object, destroyed with its last handle. Throws "UnknownClass" when the
   // class's package was released for this client, "AbstractClass", "NoConstructor", or what the
-  // constructor raises.
+  // constructor throws.
   Value construct(const ClassInfo& info, Arguments arguments) const;
 
  private:
   friend class PackageInterface;
 
-  // Packages live as long as the process.
+  // Packages are never destroyed.
   std::set<const PackageInterface*> released_;
 };
 
-// Destroys the object that `value` refers to, now; every handle to it becomes invalid. Raises
+// Destroys the object that `value` refers to, now; every handle to it becomes invalid. Throws
 // "WrongObjectClass" for what is no handle, "InvalidHandle" for an object that has died, and
 // "NotOwnedByScript" for an object that no script made.
 ORBEL_EXPORT void destroyObject(const Value& value);

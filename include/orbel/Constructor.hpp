@@ -11,13 +11,13 @@
 
 namespace orbel {
 
-// Room in a host object for the library's object. It outlives that object.
+// Memory in a host object for the library's object. It outlives that object.
 struct ObjectStorage {
   void* memory;
   std::size_t size;  // in bytes; aligned for any fundamental type
 };
 
-// How scripts make objects of a class.
+// The constructor that scripts call.
 class ORBEL_EXPORT Constructor : public Member {
  public:
   Constructor(const ClassInfo& owner, std::vector<std::string> signature);
@@ -26,8 +26,8 @@ class ORBEL_EXPORT Constructor : public Member {
   const std::vector<std::string>& signature() const { return signature_; }
 
   // A new object: in `storage` when it is large enough, else on the heap. The caller owns it: it
-  // ends an object in storage by a call of its destructor, one on the heap by delete. Raises
-  // "WrongArgumentCount" or "WrongArgumentClass", and lets through what the C++ constructor raises.
+  // calls the destructor of an object in storage, and deletes one on the heap. Throws
+  // "WrongArgumentCount" or "WrongArgumentClass", and propagates what the C++ constructor throws.
   HandleBase* construct(ObjectStorage storage, Arguments arguments) const;
 
  private:

@@ -15,9 +15,10 @@
 
 namespace orbel {
 
-// How C++ types pass to and from scripts. A type without a specialisation here cannot be bound.
+// Conversions between C++ types and script values. A type without a specialisation here cannot be
+// bound.
 //
-// Argument<A> holds the converted value for the length of a call; its constructor raises the host's
+// Argument<A> holds the converted value for the length of a call; its constructor throws the host's
 // error for a value that does not fit. Result<R> makes the host value of what a call returned.
 // `kind` is the type that a declared signature must show.
 template <class A>
@@ -57,9 +58,7 @@ class Argument<bool> {
  public:
   static constexpr TypeKind kind = TypeKind::logical;
   explicit Argument(const IncomingValue& incoming) : logical_(incoming.value().get<bool>()) {
-    if (logical_ == nullptr) {
-      incoming.refuse();
-    }
+    if (logical_ == nullptr) incoming.refuse();
   }
   bool get() const { return *logical_; }
 
@@ -105,9 +104,7 @@ class Argument<T&> {
   static constexpr TypeKind kind = TypeKind::object;
   explicit Argument(const IncomingValue& incoming)
       : object_(dynamic_cast<T*>(&objectArgument(incoming))) {
-    if (object_ == nullptr) {
-      incoming.refuse();
-    }
+    if (object_ == nullptr) incoming.refuse();
   }
   T& get() const { return *object_; }
 

@@ -14,8 +14,8 @@ namespace orbel {
 // One value that a message mentions: a text or a number.
 using MessageArgument = std::variant<std::string, double>;
 
-// What happened, apart from the words for it: the component that reports, the identifier of the
-// message within that component, and the values it mentions in the order the message expects.
+// A message without its text: the component that reports, the identifier of the message within that
+// component, and its arguments in the order that the text expects.
 // Reporters derive one record type per identifier, so that the arguments are checked by the
 // compiler.
 class ORBEL_EXPORT MessageRecord {
@@ -45,8 +45,9 @@ class ORBEL_EXPORT HostException : public std::exception {
   const std::string& identifier() const;
   const std::vector<MessageArgument>& arguments() const;
 
-  // The full message ID ("component:identifier"), ": ", and the catalogue's words with the
-  // arguments filled in.
+  // The catalogue's words with the arguments filled in.
+  const char* message() const noexcept;
+  // The full message ID ("component:identifier"), ": ", and message().
   const char* what() const noexcept override;
 
  private:
@@ -62,7 +63,7 @@ struct ORBEL_EXPORT DiagnosticDeleter {
 };
 using DiagnosticPtr = std::unique_ptr<Diagnostic, DiagnosticDeleter>;
 
-// Gives memory that the host handed out back to it. Null is allowed.
+// Frees memory that the host allocated. Null is allowed.
 ORBEL_EXPORT void releaseMemory(void* memory) noexcept;
 
 struct MemoryRelease {
@@ -80,7 +81,7 @@ ORBEL_EXPORT DiagnosticPtr createDiagnostic(const MessageRecord& record,
 [[noreturn]] ORBEL_EXPORT void throwDiagnostic(DiagnosticPtr diagnostic, const char* text);
 
 // The message as text, `linePrefix` in front of every line. With `withId` the full message ID
-// stands before the words. A NUL byte inside an argument is shown as the two characters "\0".
+// precedes the words. A NUL byte inside an argument is shown as the two characters "\0".
 ORBEL_EXPORT HostText renderDiagnostic(const Diagnostic& diagnostic, bool withId,
                                        const std::string& linePrefix);
 

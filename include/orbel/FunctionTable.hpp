@@ -12,7 +12,7 @@ struct FunctionEntry {
   Value (*call)(Arguments arguments);
 };
 
-// What a module's QueryOrbelFcnTable_<name> returns. The list ends with an entry without a name.
+// The result of a module's QueryOrbelFcnTable_<name>. The list ends with an entry without a name.
 struct FunctionTable {
   const FunctionEntry* entries;
 };

@@ -13,8 +13,8 @@ namespace orbel {
 
 class ClassInfo;
 
-// What every handle to one object shares: where the object is, for as long as it lives. It is made
-// when the object is first shown to a script and goes with the last handle.
+// Shared by all handles to one object: the address of the object until it is destroyed. It is made
+// when the object is first shown to a script and destroyed with the last handle.
 class ORBEL_EXPORT ObjectIdentity
     : public boost::intrusive_ref_counter<ObjectIdentity, boost::thread_unsafe_counter> {
  public:
@@ -25,7 +25,7 @@ class ORBEL_EXPORT ObjectIdentity
   ObjectIdentity& operator=(const ObjectIdentity&) = delete;
   virtual ~ObjectIdentity();
 
-  // Null once the object has died.
+  // Null once the object is destroyed.
   HandleBase* object() const { return object_; }
 
   // The class of the living object, looked up by the name that the object gives; null before
@@ -33,7 +33,7 @@ class ORBEL_EXPORT ObjectIdentity
   // first successful look-up is kept.
   const ClassInfo* classInfo() const { return class_ != nullptr ? class_ : resolveClass(); }
 
-  // Whether the object was made by a script, so that it dies with its last handle at the latest.
+  // Whether a script made the object, which is then destroyed with its last handle at the latest.
   virtual bool ownsObject() const { return false; }
 
   // Destroys the object if it is owned here and still lives.
@@ -58,7 +58,7 @@ class Handle {
  public:
   explicit Handle(boost::intrusive_ptr<ObjectIdentity> identity) : identity_(std::move(identity)) {}
 
-  // Null once the object has died.
+  // Null once the object is destroyed.
   HandleBase* object() const { return identity_->object(); }
   bool isValid() const { return object() != nullptr; }
   ObjectIdentity& identity() const { return *identity_; }

@@ -12,7 +12,7 @@ class ObjectIdentity;
 class Value;
 
 // Base of every object that host scripts can hold. A script never owns the object through it: it
-// holds a host handle, which refers to the object and becomes invalid when the object dies.
+// holds a host handle, which refers to the object and becomes invalid when the object is destroyed.
 //
 // An object that was never shown to a script carries one null pointer and nothing else.
 //
@@ -25,7 +25,7 @@ class ORBEL_EXPORT HandleBase {
   // The class name that scripts see, qualified with its package: "Package.Class".
   virtual std::string getFullyQualifiedKoboTypeName() const = 0;
 
-  // A host handle to this very object; equal for equal objects.
+  // A host handle to this object; equal for equal objects.
   virtual Value toHostValue();
 
   // Called by the host around a script's assignment to a property. `valueSize` is the number of
@@ -38,8 +38,8 @@ class ORBEL_EXPORT HandleBase {
   // Whether the host stores the object together with the model it belongs to. False by default.
   virtual bool isSavedWithModel() const;
 
-  // Bracket a stretch in which the host wants the object left alone. The defaults do nothing: an
-  // object is driven by one thread at a time.
+  // Called by the host around operations during which the object must not change. The defaults do
+  // nothing: an object is used by one thread at a time.
   virtual void lock();
   virtual void unlock();
 

@@ -44,7 +44,7 @@ class HandleClass : public ClassInfo {
   }
 
  protected:
-  // A method with its signature in type words: the result, this class, then the arguments. Raises
+  // A method with its signature in type words: the result, this class, then the arguments. Throws
   // "SignatureMismatch" when the words do not fit the C++ types. `guard`, if any, is called with
   // the object (const) and the converted arguments before `function` is; it refuses the call by
   // raising.

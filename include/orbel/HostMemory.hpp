@@ -7,8 +7,8 @@
 
 namespace orbel {
 
-// Base of what a module makes and then hands over to the host for good: it is allocated by the
-// host, which is therefore free to release it whatever run-time library the module was built with.
+// Base of objects that a module makes and passes to the host: the host allocates their memory, and
+// can therefore free it whatever run-time library the module uses.
 class ORBEL_EXPORT HostMemory {
  public:
   static void* operator new(std::size_t size);

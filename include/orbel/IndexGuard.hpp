@@ -9,7 +9,7 @@
 
 namespace orbel {
 
-// Raises "IndexOutOfRange" unless 1 <= `index` <= `count`.
+// Throws "IndexOutOfRange" unless 1 <= `index` <= `count`.
 ORBEL_EXPORT void checkIndex(std::uint32_t index, std::size_t count);
 
 // A guard (HandleClass::addMethod) for methods that take a one-based index as their only argument.

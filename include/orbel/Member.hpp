@@ -12,7 +12,7 @@ namespace orbel {
 
 class ClassInfo;
 
-// What a class declares under a name. It belongs to its class and lives as long as that.
+// A named declaration of a class: method, property or constructor. Owned by its class.
 class ORBEL_EXPORT Member {
  public:
   Member(const ClassInfo& owner, std::string name);
@@ -25,7 +25,7 @@ class ORBEL_EXPORT Member {
   // "Package.Class.member".
   const std::string& qualifiedName() const { return qualifiedName_; }
 
-  // The object that `value` refers to, which is of the owning class or derived from it. Raises
+  // The object that `value` refers to, which is of the owning class or derived from it. Throws
   // "WrongObjectClass" for any other value and "InvalidHandle" for an object that has died.
   HandleBase& objectIn(const Value& value) const;
 
@@ -35,11 +35,11 @@ class ORBEL_EXPORT Member {
   std::string qualifiedName_;
 };
 
-// One value on its way into a call, with all that an error has to name.
+// One value that is passed to a call, with the context that an error names.
 class ORBEL_EXPORT IncomingValue {
  public:
-  // `position` counts the arguments from 1, the object itself not included; 0 stands for the value
-  // that a property is set to. `expected` is the type word. Everything is kept by reference.
+  // `position` counts the arguments from 1, the object itself not included; 0 is the value that a
+  // property is set to. `expected` is the type word. Everything is kept by reference.
   IncomingValue(const Value& value, const Member& member, std::size_t position,
                 const std::string& expected)
       : value_(value), member_(member), position_(position), expected_(expected) {}
@@ -48,7 +48,7 @@ class ORBEL_EXPORT IncomingValue {
   const Member& member() const { return member_; }
   const std::string& expected() const { return expected_; }
 
-  // Raises "WrongArgumentClass" or "WrongPropertyClass".
+  // Throws "WrongArgumentClass" or "WrongPropertyClass".
   [[noreturn]] void refuse() const;
 
  private:

@@ -8,12 +8,16 @@
 
 namespace orbel {
 
-// The words behind message identifiers. Placeholders "{1}", "{2}", ... stand for the arguments, in
-// the order of the message record; "{{" and "}}" stand for the braces themselves. The catalogue is
+// The texts of messages, by identifier. Placeholders "{1}", "{2}", ... are replaced by the
+// arguments, in the order of the message record; "{{" and "}}" are escaped braces. The catalogue is
 // process-wide; a host replaces entries to speak another language.
 
 // Sets the words of the message `component`:`identifier`, replacing any that were there.
 ORBEL_EXPORT void setMessage(const std::string& component, const std::string& identifier,
+                             const std::string& words);
+
+// The same for a module's own messages, without replacing words that a host has set already.
+ORBEL_EXPORT void addMessage(const std::string& component, const std::string& identifier,
                              const std::string& words);
 
 // The words of the message with its arguments filled in. A message that is not in the catalogue

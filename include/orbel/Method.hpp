@@ -21,8 +21,8 @@ class ORBEL_EXPORT Method : public Member {
   // one result, whether or not the caller asked for one: a missing value for "void", an empty array
   // of the declared class for no object.
   //
-  // Raises "WrongObjectClass", "InvalidHandle", "WrongArgumentCount" or "WrongArgumentClass" before
-  // anything happens, and lets through what the member itself raises.
+  // Throws "WrongObjectClass", "InvalidHandle", "WrongArgumentCount" or "WrongArgumentClass" before
+  // anything happens, and propagates what the member itself throws.
   Value invoke(Arguments arguments) const;
 
  private:

@@ -27,14 +27,14 @@ class ORBEL_EXPORT Module {
   // N: libN.so in the folder of the host's own library, else wherever the dynamic linker looks. A
   // module that is loaded already is returned as it is.
   //
-  // Raises "ModuleNotLoaded" (with the linker's reason), "ModuleIncomplete" (naming every export
+  // Throws "ModuleNotLoaded" (with the linker's reason), "ModuleIncomplete" (naming every export
   // that is missing), "ModuleSpent" for a module that was closed or failed to initialise before,
-  // and lets through what the initialisation raises.
+  // and propagates what the initialisation throws.
   static std::shared_ptr<Module> load(const std::string& nameOrPath);
 
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;
-  // Closes the module; what its termination raises is lost.
+  // Closes the module; what its termination throws is lost.
   ~Module();
 
   // Terminates the module, if that was not done yet.

@@ -6,7 +6,7 @@
 
 namespace orbel {
 
-// A name identifier: what packages are registered and looked up under. Case matters.
+// The identifier of a package. Case-sensitive.
 class Name {
  public:
   explicit Name(std::string text) : text_(std::move(text)) {}

@@ -18,7 +18,7 @@ class ObjectArray {
   ObjectArray(std::string className, std::vector<Handle> elements)
       : className_(std::move(className)), elements_(std::move(elements)), rows_(1) {}
 
-  // 0-by-0: the empty result that stands for no object.
+  // 0-by-0: the result for no object.
   static ObjectArray none(std::string className) {
     ObjectArray array(std::move(className), {});
     array.rows_ = 0;

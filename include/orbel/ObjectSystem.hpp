@@ -25,7 +25,7 @@ class ORBEL_EXPORT ObjectSystem {
   ObjectSystem(const ObjectSystem&) = delete;
   ObjectSystem& operator=(const ObjectSystem&) = delete;
 
-  // Takes ownership. Defines nothing. Raises "PackageExists" for a name that is taken.
+  // Takes ownership. Defines nothing. Throws "PackageExists" for a name that is taken.
   void addPackage(std::unique_ptr<PackageInfo> info);
 
   // The package, released or not; null when there is none.
@@ -40,11 +40,11 @@ class ORBEL_EXPORT ObjectSystem {
   bool hasClass(const std::string& qualifiedName) const;
 
   // The class of an object by the name that the object gives; null when there is no such class.
-  // Raises "ClassMismatch" when the object's C++ type is not the class's, and "LibraryObjectHidden"
+  // Throws "ClassMismatch" when the object's C++ type is not the class's, and "LibraryObjectHidden"
   // when the class keeps library objects from scripts and the object is none that a script made.
   const ClassInfo* classOf(const HandleBase& object, bool madeByScript) const;
 
-  // On whose behalf scripts use packages.
+  // The client of host scripts.
   Client& publicClient() { return publicClient_; }
 
  private:

@@ -9,7 +9,7 @@
 
 namespace orbel {
 
-// A package of classes, made by a module and handed over with ObjectSystem::addPackage.
+// A package of classes, made by a module and owned by the host after ObjectSystem::addPackage.
 //
 // The order of the virtual operations is part of the contract with modules.
 class ORBEL_EXPORT PackageInfo : public HostMemory {
@@ -23,8 +23,8 @@ class ORBEL_EXPORT PackageInfo : public HostMemory {
   // Empty by default.
   virtual std::string getDescription() const;
 
-  // Adds the classes to `registrar`, which lives as long as the host. The host asks once, at the
-  // latest when a script first uses one of the classes. If it raises, the classes added so far
+  // Adds the classes to `registrar`, which is never destroyed. The host asks once, at the
+  // latest when a script first uses one of the classes. If it throws, the classes added so far
   // stay.
   virtual void registerClasses(ClassRegistrar& registrar) = 0;
 

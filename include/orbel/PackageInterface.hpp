@@ -15,8 +15,8 @@ namespace orbel {
 
 class Client;
 
-// A package as the host keeps it. Its classes are asked for when one of them is first looked for,
-// and each is defined when it is first found.
+// A registered package. Its classes are registered when one of them is first looked up, and each is
+// defined when it is first found.
 class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
  public:
   explicit PackageInterface(std::unique_ptr<PackageInfo> info);
@@ -30,10 +30,10 @@ class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
   // The simple names, in the order of registration. Defines nothing.
   std::vector<std::string> classNames();
 
-  // The class with the simple name `name`, defined; null when there is none. Lets through what
-  // registration and definition raise.
+  // The class with the simple name `name`, defined; null when there is none. Propagates what
+  // registration and definition throw.
   const ClassInfo* findClass(const std::string& name);
-  // The same, but raises "UnknownClass".
+  // The same, but throws "UnknownClass".
   const ClassInfo& getClass(const std::string& name);
 
   // Withdraws the package from `client`, which no longer finds it or makes objects of its classes.

@@ -17,10 +17,10 @@ class ORBEL_EXPORT Property : public Member {
   const std::string& type() const { return type_; }
   bool isWritable() const { return isWritable_; }
 
-  // Raises "WrongObjectClass" or "InvalidHandle" for an unfit `object`.
+  // Throws "WrongObjectClass" or "InvalidHandle" for an unfit `object`.
   Value get(const Value& object) const;
 
-  // Converts `value`, then sets the property between the object's two property hooks. Raises, with
+  // Converts `value`, then sets the property between the object's two property hooks. Throws, with
   // nothing changed, "PropertyReadOnly", an error about `object` as get() does, or an error about
   // `value` ("WrongPropertyClass", "MustBeCellArray", "MustBeString").
   void set(const Value& object, const Value& value) const;

@@ -10,7 +10,7 @@
 
 namespace orbel {
 
-// What the host's type words tell apart.
+// The types that the host's type words distinguish.
 enum class TypeKind {
   nothing,     // "void", as a result only
   text,        // "char vector" or "char"

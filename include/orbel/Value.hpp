@@ -16,12 +16,12 @@
 
 namespace orbel {
 
-// No value: what a script passes for nothing, and the result of a method without one.
+// No value: an omitted argument, or the result of a method without one.
 struct Missing {
   friend bool operator==(Missing, Missing) { return true; }
 };
 
-// Whatever passes between a script and an object. A value owns its content; a handle in it does
+// A value that passes between a script and an object. A value owns its content; a handle in it does
 // not own the object that it refers to, unless a script made that object.
 class ORBEL_EXPORT Value {
  public:

@@ -27,7 +27,7 @@ class VARN_EXPORT CustomContents {
   CustomContents& operator=(const CustomContents& source);
   ~CustomContents();
 
-  // Declares the custom section `name` and attaches it to `builtin`; doing so again is harmless.
+  // Declares the custom section `name` and attaches it to `builtin`. Idempotent.
   // Throws orbel::HostException "CustomContentPreviousAssociation" (custom section, requested
   // built-in section, current one) when it is attached to another one. A failure changes nothing.
   void addCustomSection(const std::string& name, VarnFileSectionKind builtin);
@@ -38,16 +38,16 @@ class VARN_EXPORT CustomContents {
   void addContentToSection(const std::string& name, const char* text);
   void addContentToSection(const std::string& name, const std::string& text);
 
-  // Hands out the text of the custom section `name` and marks it retrieved. An unknown name gives
-  // an empty text. Throws orbel::HostException "CustomContentSectionAlreadyRetrieved" (custom
-  // section, `requester`, custom section) when it was handed out before. The reference is good
-  // until the section is appended to or dies.
+  // Returns the text of the custom section `name` and marks it retrieved. An unknown name gives an
+  // empty text. Throws orbel::HostException "CustomContentSectionAlreadyRetrieved" (custom section,
+  // `requester`, custom section) when it was retrieved before. The reference is valid until the
+  // section is appended to or destroyed.
   const std::string& getCustomSectionContent(const std::string& name, const std::string& requester);
 
-  bool isCustomSection(const std::string& name) const;
+  bool isCustomSection(const std::string& name);
 
-  // Says that the engine's own text refers to the custom section `name`, which need not exist yet:
-  // appendMissingTokens() then leaves it alone.
+  // Declares that the engine's own text refers to the custom section `name`, which need not exist
+  // yet: appendMissingTokens() then skips it.
   void setCustomTokenInUse(const std::string& name);
 
   // Appends to `builtinSection` the text of each custom section attached to `builtin`, in the order
@@ -60,7 +60,7 @@ class VARN_EXPORT CustomContents {
 
   bool sectionTokenInUse(const SectionPtr& section) const;
 
-  // Both maps hold the same sections: each stands once in the list of its built-in section.
+  // Both maps hold the same sections; each is once in the list of its built-in section.
   boost::unordered_map<int, std::vector<SectionPtr>> sectionsByBuiltin_;
   boost::unordered_map<std::string, SectionPtr> sectionsByName_;
   boost::unordered_set<std::string> tokensInUse_;

@@ -10,10 +10,9 @@
 namespace Varn {
 
 // A section that the template engine declares by name and attaches to a built-in section. Its text
-// is handed out once: to the engine that asks for it by name, or to the end of the built-in
-// section.
+// is retrieved once: by the engine, by name, or to be appended to the built-in section.
 //
-// It is shared by the CustomContents that know it.
+// It is shared by the CustomContents that hold it.
 class VARN_EXPORT CustomSection : public FileSection {
  public:
   // An empty section called `name`, attached to `builtin`, not retrieved yet.
@@ -23,20 +22,20 @@ class VARN_EXPORT CustomSection : public FileSection {
   CustomSection& operator=(const CustomSection&) = delete;
   ~CustomSection() override;
 
-  VarnFileSectionKind getBuiltinSection() const { return builtinSection_; }
+  VarnFileSectionKind getBuiltinSection();
 
-  // Whether the text is appended to the built-in section when nobody places it: true but for
-  // sections attached to the documentation.
-  bool isRequired() const { return required_; }
+  // Whether the text is appended to the built-in section if nobody retrieves it: true unless
+  // attached to the documentation.
+  bool isRequired() const;
 
-  // Whether the text has been handed out. There is no way back.
-  bool isRetrieved() const { return retrieved_; }
-  void setIsRetrieved() { retrieved_ = true; }
+  // Whether the text has been retrieved. This is never reset.
+  bool isRetrieved() const;
+  void setIsRetrieved();
 
   // The name followed by "_InUse".
-  std::string getSectionToken() const;
+  std::string getSectionToken();
 
-  CustomSection* clone() const override;
+  FileSection* clone() const override;
 
  private:
   std::string name_;

@@ -3,17 +3,24 @@
 
 #include <string>
 
+#include <varn/Export.hpp>
+
 namespace Varn {
 
-// What the check for duplicate file names found. A fresh status reports nothing.
-class FileRepErrorStatus {
+// The result of the check for duplicate file names. A new status reports nothing.
+class VARN_EXPORT FileRepErrorStatus {
  public:
-  bool hadError() const { return hadError_; }
-  void setHadError(bool hadError) { hadError_ = hadError; }
-  bool isWarning() const { return isWarning_; }
-  void setIsWarning(bool isWarning) { isWarning_ = isWarning; }
-  const std::string& getMessage() const { return message_; }
-  void setMessage(const std::string& message) { message_ = message; }
+  FileRepErrorStatus();
+  FileRepErrorStatus(const FileRepErrorStatus&);
+  FileRepErrorStatus& operator=(const FileRepErrorStatus&);
+  ~FileRepErrorStatus();
+
+  bool hadError() const;
+  void setHadError(bool hadError);
+  bool isWarning() const;
+  void setIsWarning(bool isWarning);
+  const std::string& getMessage() const;
+  void setMessage(const std::string& message);
 
  private:
   // Assigned first: the only member whose assignment can fail.

@@ -15,8 +15,8 @@ namespace Varn {
 class VarnFile;
 class VarnFileRepository;
 
-// The template engine's way to the files of a repository: a file is named by its index, an
-// attribute or a section by its name.
+// Gives the template engine access to the files of a repository: a file is addressed by its index,
+// an attribute or a section by its name.
 //
 // String attributes: "Name", "NameWithoutExtension" (both read only), "BaseName", "Type",
 // "Creator", "CodeTemplate", "OutputDirectory", "Group", "DefinedMacro". Every section name is also
@@ -37,21 +37,21 @@ class VarnFileRepository;
 class VARN_EXPORT FileRepOrvBridge {
  public:
   explicit FileRepOrvBridge(VarnFileRepository& repository);
-  FileRepOrvBridge(const FileRepOrvBridge&) = default;
-  FileRepOrvBridge& operator=(const FileRepOrvBridge&) = default;
+  FileRepOrvBridge(const FileRepOrvBridge&);
+  FileRepOrvBridge& operator=(const FileRepOrvBridge&);
   virtual ~FileRepOrvBridge();
 
-  VarnFile& getFileFromIndex(int index) const;
+  VarnFile& getFileFromIndex(int index);
 
-  // The value's characters, good until the value changes; for a section, until its text is asked
-  // for again. A value with a NUL in it reads as ended there.
+  // The value's characters, valid until the value changes; for a section, until its text is read
+  // again. A NUL in the value ends it.
   const char* getStringAttribute(int index, const std::string& name) const;
   bool getBooleanAttribute(int index, const std::string& name) const;
   // A reference into the file.
   const std::vector<std::string>& getStringArrayAttribute(int index, const std::string& name) const;
 
   // Sets a string attribute, or adds `value` to a string array. `value` must not be null. A "Group"
-  // that is not empty stays what it is. The include lists of a file whose includes section is of a
+  // that is not empty is never changed. The include lists of a file whose includes section is of a
   // foreign class throw std::bad_cast.
   void setAttribute(int index, const std::string& name, const char* value);
   // Sets a boolean. "IsEmpty" only ever goes from true to false: setting it to true does nothing.
@@ -67,8 +67,8 @@ class VARN_EXPORT FileRepOrvBridge {
   // section that the file's class lacks discards it.
   void addSectionContent(int index, const std::string& sectionName,
                          boost::shared_ptr<FileSectionFragment> fragment);
-  // Appends `text`, up to its first NUL, as one fragment of the section's own: the way for text
-  // that no other section shares. `text` must not be null.
+  // Appends `text`, up to its first NUL, as one fragment: faster for text that no other section
+  // shares. `text` must not be null.
   void addSectionContent(int index, const std::string& sectionName, const char* text);
 
   // Declares a custom section attached to the built-in section. Throws orbel::HostException
@@ -78,14 +78,13 @@ class VARN_EXPORT FileRepOrvBridge {
   void addCustomSection(int index, const std::string& builtinSectionName,
                         const std::string& customSectionName);
 
-  // Appends to the section the custom sections attached to it that nobody has placed.
+  // Appends to the section the required custom sections attached to it that were not retrieved.
   void appendMissingTokens(int index, const std::string& sectionName);
 
   void clearSection(int index, const std::string& sectionName) const;
 
-  // Does the same as appendMissingTokens(), then writes the section to `stream`, which stays the
-  // caller's. A section that the file's class lacks writes nothing, and its custom sections are
-  // left alone.
+  // Calls appendMissingTokens(), then writes the section to `stream`, which the caller owns. For a
+  // section that the file's class lacks, does nothing.
   void writeSection(int index, const std::string& sectionName, FILE* stream) const;
 
  private:

@@ -11,18 +11,17 @@
 #include <orbel/HandleBase.hpp>
 #include <varn/Export.hpp>
 #include <varn/FileSectionFragment.hpp>
-#include <varn/FragmentStore.hpp>
+#include <varn/detail/FragmentStore.hpp>
 
 namespace Varn {
 
 // An ordered run of text fragments: what one file holds of one kind of C text. Its bytes are the
 // texts of its fragments, one after the other, with nothing added.
 //
-// A section is made by a content builder or as a clone, and belongs to the content or the caller
-// that asked for it. It is used by one thread at a time, as are all sections of one repository.
+// A section is made by a content builder or as a clone, and is owned by that content or by the
+// caller of clone().
 //
-// Appending takes constant time whatever the section holds, and text is put together only when
-// somebody asks for it.
+// Appending takes constant time whatever the section holds; text is concatenated only on request.
 class VARN_EXPORT FileSection : public orbel::HandleBase {
  public:
   FileSection();
@@ -41,7 +40,7 @@ class VARN_EXPORT FileSection : public orbel::HandleBase {
   // Writes the fragments' texts to `os` as they are, whatever formatting `os` is set to.
   virtual void printToStream(std::ostream& os) const;
 
-  // The whole text, put together at every call. The reference is good until the next getContent()
+  // The whole text, concatenated at every call. The reference is valid until the next getContent()
   // or addFragment() on this section, or its destruction.
   virtual const std::string& getContent() const;
 
@@ -52,32 +51,31 @@ class VARN_EXPORT FileSection : public orbel::HandleBase {
   // Appends `fragment`, which must not be null, and shares it from now on.
   virtual void addFragment(boost::shared_ptr<FileSectionFragment> fragment);
 
-  // Writes the fragments to `stream` in order: each that came as an object with its own
-  // writeToFile(), and text that came as characters so that the stream hands on the same blocks as
-  // with one `fwrite` for each fragment. The stream stays the caller's, who also checks it for
-  // errors.
+  // Writes the fragments to `stream` in order: objects with their own writeToFile(), text with the
+  // same write sizes as one `fwrite` per fragment. The caller owns the stream and checks it for
+  // errors. A section without text does not touch the stream, which may then be null.
   virtual void writeToFile(FILE* stream) const;
 
   // A new section of the same class that shares this one's fragments. The caller owns it.
   virtual FileSection* clone() const;
 
-  // Drops every fragment. Text that getContent() has handed out stays as it was.
+  // Drops every fragment. Text that getContent() has returned stays valid.
   virtual void clearContent();
 
  protected:
   virtual unsigned int getNumberOfSectionFragments() const;
-  // The text of fragment `index`, counted from 0, good as long as a section holds the fragment.
+  // The text of fragment `index`, counted from 0, valid while a section holds the fragment.
   // `index` must be below getNumberOfSectionFragments().
   virtual const std::string& getSectionFragment(unsigned int index) const;
 
-  // The text of FileSection::getContent(), good until the section changes, and not put together
-  // when it need not be.
-  std::string_view getContentInPlace() const { return store_.wholeInPlace(); }
+  // The text of FileSection::getContent(), valid until the section changes. Copies nothing when the
+  // text is contiguous.
+  std::string_view getContentInPlace() const;
 
  private:
-  friend class VarnFileContent;
+  friend class detail::TextPool;
 
-  FragmentStore store_;
+  detail::FragmentStore store_;
 };
 
 }  // namespace Varn

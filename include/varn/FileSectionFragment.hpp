@@ -9,20 +9,20 @@
 namespace Varn {
 
 // One piece of generated text. Sections, their copies and their clones share fragments, so the text
-// of a fragment must never change while a section holds it, and giving it must not change a
+// of a fragment must not change while a section holds it, and the operations must not change a
 // section.
 class VARN_EXPORT FileSectionFragment {
  public:
-  FileSectionFragment() = default;
-  FileSectionFragment(const FileSectionFragment&) = default;
-  FileSectionFragment& operator=(const FileSectionFragment&) = default;
+  FileSectionFragment();
+  FileSectionFragment(const FileSectionFragment&);
+  FileSectionFragment& operator=(const FileSectionFragment&);
   virtual ~FileSectionFragment();
 
-  // The fragment's text, valid as long as the fragment lives.
+  // The fragment's text, valid until the fragment is destroyed.
   virtual const std::string& getContent() const = 0;
 
-  // Writes the fragment's text to `stream`, which stays the caller's. The stream's error indicator
-  // tells about failures; they are not reported here.
+  // Writes the fragment's text to `stream`, which the caller owns. Failures set the stream's error
+  // indicator and are not reported here.
   virtual void writeToFile(FILE* stream) const = 0;
 };
 

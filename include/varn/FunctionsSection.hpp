@@ -42,7 +42,7 @@ class VARN_EXPORT FunctionsSection : public FileSection {
   const std::string& kobo_getFunction(unsigned int index) const;
   const std::string& kobo_getFunctionName(unsigned int index) const;
 
-  FunctionsSection* clone() const override;
+  FileSection* clone() const override;
 
  private:
   std::vector<std::string> functionNames_;

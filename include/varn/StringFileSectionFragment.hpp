@@ -11,19 +11,19 @@ namespace Varn {
 // A piece of literal text.
 class VARN_EXPORT StringFileSectionFragment : public FileSectionFragment {
  public:
-  StringFileSectionFragment() = default;
+  StringFileSectionFragment();
   // The text up to the first NUL; `text` must not be null.
   StringFileSectionFragment(const char* text);  // NOLINT(google-explicit-constructor)
-  // The whole text, NUL bytes included; the second form takes it over without copying.
+  // The whole text, NUL bytes included.
   StringFileSectionFragment(const std::string& text);  // NOLINT(google-explicit-constructor)
   StringFileSectionFragment(std::string&& text);       // NOLINT(google-explicit-constructor)
-  // A fragment whose text could be moved away would break the sections that share it: only copies.
-  StringFileSectionFragment(const StringFileSectionFragment&) = default;
-  StringFileSectionFragment& operator=(const StringFileSectionFragment&) = default;
+  // No moves: a moved-from fragment would change the sections that share it.
+  StringFileSectionFragment(const StringFileSectionFragment&);
+  StringFileSectionFragment& operator=(const StringFileSectionFragment&);
   ~StringFileSectionFragment() override;
 
   const std::string& getContent() const override;
-  // One `fwrite` of the text that getContent() answers.
+  // One `fwrite` of what getContent() returns.
   void writeToFile(FILE* stream) const override;
 
  private:

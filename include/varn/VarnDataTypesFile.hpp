@@ -18,20 +18,20 @@ class VARN_EXPORT VarnDataTypesFile : public VarnFile {
 
   std::string getFullyQualifiedKoboTypeName() const override;
 
-  // The section of one kind each, good as long as the file lives; the forms with the prefix are for
-  // host scripts.
-  FileSection& getIncludesSection() { return getFileSection(INCLUDES_SECTION); }
-  const FileSection& getIncludesSection() const { return getFileSection(INCLUDES_SECTION); }
-  FileSection& kobo_getIncludesSection() { return getFileSection(INCLUDES_SECTION); }
-  const FileSection& kobo_getIncludesSection() const { return getFileSection(INCLUDES_SECTION); }
-  FileSection& getDefinesSection() { return getFileSection(DEFINES_SECTION); }
-  const FileSection& getDefinesSection() const { return getFileSection(DEFINES_SECTION); }
-  FileSection& kobo_getDefinesSection() { return getFileSection(DEFINES_SECTION); }
-  const FileSection& kobo_getDefinesSection() const { return getFileSection(DEFINES_SECTION); }
-  FileSection& getTypedefsSection() { return getFileSection(TYPEDEFS_SECTION); }
-  const FileSection& getTypedefsSection() const { return getFileSection(TYPEDEFS_SECTION); }
-  FileSection& kobo_getTypedefsSection() { return getFileSection(TYPEDEFS_SECTION); }
-  const FileSection& kobo_getTypedefsSection() const { return getFileSection(TYPEDEFS_SECTION); }
+  // The section of one kind each, valid until the file is destroyed; the forms with the prefix are
+  // for host scripts.
+  FileSection& getIncludesSection();
+  const FileSection& getIncludesSection() const;
+  FileSection& kobo_getIncludesSection();
+  const FileSection& kobo_getIncludesSection() const;
+  FileSection& getDefinesSection();
+  const FileSection& getDefinesSection() const;
+  FileSection& kobo_getDefinesSection();
+  const FileSection& kobo_getDefinesSection() const;
+  FileSection& getTypedefsSection();
+  const FileSection& getTypedefsSection() const;
+  FileSection& kobo_getTypedefsSection();
+  const FileSection& kobo_getTypedefsSection() const;
 };
 
 }  // namespace Varn

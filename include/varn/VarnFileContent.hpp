@@ -14,14 +14,14 @@
 
 namespace Varn {
 
-// The sections of one file, by kind. It owns them. Which kinds there are is decided once, by the
-// builder that makes the content; a kind that is not there is answered by an empty section that
-// accepts text and discards it, so that generator code may address any kind of any file.
+// The sections of one file, by kind. It owns them. The builder that makes the content decides which
+// kinds it has; for any other kind it returns an empty section that accepts text and discards it,
+// so that generator code may address any kind of any file.
 //
 // The content imposes no order of writing.
 class VARN_EXPORT VarnFileContent {
  public:
-  // The stand-in for the kinds that a content lacks: always empty.
+  // Returned for the kinds that a content lacks: always empty.
   class VARN_EXPORT EmptyFileSection : public FileSection {
    public:
     EmptyFileSection();
@@ -33,7 +33,7 @@ class VARN_EXPORT VarnFileContent {
     void addContent(const std::string& text) override;
     // Releases `fragment` and keeps nothing of it.
     void addFragment(boost::shared_ptr<FileSectionFragment> fragment) override;
-    EmptyFileSection* clone() const override;
+    FileSection* clone() const override;
 
    protected:
     // An empty text for every index.
@@ -45,16 +45,17 @@ class VARN_EXPORT VarnFileContent {
 
   // No sections.
   VarnFileContent();
-  // The same with memory for `plainSections` that addPlainSection() will add, at most one for each
+  // The same, with memory for `plainSections` calls of addPlainSection(): at most one for each
   // kind.
   explicit VarnFileContent(std::size_t plainSections);
   // Clones of the source's sections, each of its own class, sharing their fragments.
   VarnFileContent(const VarnFileContent& source);
-  // Handles and references to sections stay good as long as the content lives: it is not assigned.
+  // Not assigned: references to sections stay valid until the content is destroyed.
   VarnFileContent& operator=(const VarnFileContent&) = delete;
+  // Destroys the sections in the order of their kinds.
   virtual ~VarnFileContent();
 
-  // The section of `kind`, or the discarding empty section. Good as long as the content lives.
+  // The section of `kind`, or the discarding empty section. Valid until the content is destroyed.
   // Precondition: `kind` is 0..22.
   FileSection& getSection(VarnFileSectionKind kind);
   const FileSection& getSection(VarnFileSectionKind kind) const;
@@ -69,29 +70,27 @@ class VARN_EXPORT VarnFileContent {
   // Empties every section; lists of includes and names of functions stay.
   void clearContents();
 
-  // For builders: put `section`, or a new FileSection, in the slot of `kind`. A section that was
-  // there is no longer reached, and lives as long as the content. Precondition: `kind` is 0..21.
+  // For builders: put `section`, or a new FileSection, in the slot of `kind`. A section that it
+  // replaces is unreachable from then on, and destroyed with the content. Precondition: `kind` is
+  // 0..21.
   void setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section);
   void addPlainSection(VarnFileSectionKind kind);
 
  private:
-  friend class VarnFile;
-
-  // The sections that are there keep their short texts in `pool`, which must outlive them.
-  void usePool(TextPool& pool);
+  bool isPlain(const FileSection* section) const;
+  void destroy(FileSection* section) noexcept;
 
   // One slot more than there are kinds; the last is never filled.
   static constexpr std::size_t slotCount = 23;
 
-  // Null for the kinds that are not there.
+  // Owned; null for the kinds that the content lacks.
   std::array<FileSection*, slotCount> sections_{};
-  // Most sections of a file are plain ones. They lie side by side and come and go together; the
-  // first ones are in use.
-  std::unique_ptr<FileSection[]> plainSections_;
-  std::uint8_t plainSectionCount_ = 0;
-  std::uint8_t usedPlainSections_ = 0;
-  // The sections that came one by one.
-  std::vector<std::unique_ptr<FileSection>> otherSections_;
+  // Most sections of a file are plain ones: they are adjacent, in memory for `plainCapacity_`.
+  FileSection* plainSections_ = nullptr;
+  std::uint8_t plainCapacity_ = 0;
+  std::uint8_t plainCount_ = 0;
+  // Owned, out of reach.
+  std::vector<FileSection*> replaced_;
   EmptyFileSection emptySection_;
 };
 

@@ -12,9 +12,9 @@ class VarnFileContent;
 // step does nothing and there is no content.
 class VARN_EXPORT VarnFileContentBuilder {
  public:
-  VarnFileContentBuilder() = default;
-  VarnFileContentBuilder(const VarnFileContentBuilder&) = default;
-  VarnFileContentBuilder& operator=(const VarnFileContentBuilder&) = default;
+  VarnFileContentBuilder();
+  VarnFileContentBuilder(const VarnFileContentBuilder&);
+  VarnFileContentBuilder& operator=(const VarnFileContentBuilder&);
   virtual ~VarnFileContentBuilder();
 
   // Starts a new content, without sections.
@@ -43,8 +43,8 @@ class VARN_EXPORT VarnFileContentBuilder {
   virtual void buildDocumentationSection();
   virtual void buildUserBottomSection();
 
-  // The content under construction, or null. The builder does not own it: it belongs to whoever
-  // runs the steps, and once that has deleted it the next step must be buildContent().
+  // The content under construction, or null. It is owned by the caller of the steps, not by the
+  // builder; after it is deleted the next step must be buildContent().
   virtual VarnFileContent* getFileContent();
 };
 

@@ -10,8 +10,8 @@
 
 namespace Varn {
 
-// The names of a model's well-known files. Copies are independent; an assignment that fails leaves
-// the table as it was.
+// The names of a model's well-known files. Copies are independent; a failed assignment leaves the
+// table unchanged.
 class VARN_EXPORT VarnFileNameTable {
  public:
   // Every file has the empty name.
@@ -24,8 +24,8 @@ class VARN_EXPORT VarnFileNameTable {
   void addFileNameToTable(FileType type, const std::string& name);
   void addFileNameToTable(const std::string& typeName, const std::string& name);
 
-  // The name of the file of `type`; one that has none has the name of UndefinedFile, which is
-  // empty. Good as long as the table lives.
+  // The name of the file of `type`, or of UndefinedFile, which is empty, when it has none. Valid
+  // until the table is destroyed.
   const std::string& getFileNameFromTable(FileType type) const;
   const std::string& getFileNameFromTable(const std::string& typeName) const;
 

@@ -15,14 +15,14 @@ class VARN_EXPORT VarnFilePackagingManager {
  public:
   // `repository` must not be null.
   explicit VarnFilePackagingManager(VarnFileRepository* repository);
-  // The bridge refers to this very object: it is neither copied nor moved.
+  // The bridge refers to this object: it is neither copied nor moved.
   VarnFilePackagingManager(const VarnFilePackagingManager&) = delete;
   VarnFilePackagingManager& operator=(const VarnFilePackagingManager&) = delete;
   ~VarnFilePackagingManager();
 
-  VarnFileRepository* getFileRepository() const { return repository_; }
+  VarnFileRepository* getFileRepository() const;
 
-  VarnFilePackagingOrvBridge& orvBridge() { return *bridge_; }
+  VarnFilePackagingOrvBridge& orvBridge();
 
  private:
   std::unique_ptr<VarnFilePackagingOrvBridge> bridge_;

@@ -16,10 +16,10 @@ class VarnFile;
 class VarnFilePackagingManager;
 class VarnFileRepository;
 
-// The template engine's way to files by packaging key, such as "mdl_hdr". It carries the default
-// packaging table, which relates keys to a file name and a section name.
+// Gives the template engine files by packaging key, such as "mdl_hdr". It holds the default
+// packaging table, which maps keys to a file name and a section name.
 //
-// It belongs to its manager. A copy refers to the same manager and repository, and must outlive
+// Its manager owns it. A copy refers to the same manager and repository, and must outlive
 // neither.
 class VARN_EXPORT VarnFilePackagingOrvBridge {
  public:
@@ -29,7 +29,7 @@ class VARN_EXPORT VarnFilePackagingOrvBridge {
   VarnFilePackagingOrvBridge& operator=(const VarnFilePackagingOrvBridge& source);
   ~VarnFilePackagingOrvBridge();
 
-  // Enters the rows of the default table; a key that is there keeps its row.
+  // Inserts the rows of the default table; a present key keeps its row.
   void constructDefaultFilePackagingTable();
 
   // Finds or makes the file of `key`, applies the key's attributes to it, and returns the index of
@@ -41,13 +41,14 @@ class VARN_EXPORT VarnFilePackagingOrvBridge {
   std::size_t getFileRecIndexForKey(const std::string& key);
 
   // Group "model", Creator "Plexar", and Type "SystemHeader", or "SystemBody".
-  static void setModelHeaderAttributes(VarnFile* file);
-  static void setModelSourceAttributes(VarnFile* file);
+  void setModelHeaderAttributes(VarnFile* file);
+  void setModelSourceAttributes(VarnFile* file);
 
  private:
   // A file name and a section name.
   using FileRecord = std::pair<std::string, std::string>;
-  using AttributeSetter = boost::function<void(VarnFile*)>;
+  // A member of the bridge that holds it, which a copy calls on itself.
+  using AttributeSetter = boost::function<void(VarnFilePackagingOrvBridge*, VarnFile*)>;
 
   VarnFilePackagingManager* manager_;
   boost::unordered_map<std::string, FileRecord> packagingTable_;

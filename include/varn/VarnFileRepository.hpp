@@ -18,28 +18,27 @@ namespace Varn {
 
 class FileRepOrvBridge;
 
-// All files generated for one model, in memory. It makes and owns every file, and with it goes
-// everything in them. One repository serves one code-generation run, driven by one thread at a
-// time.
+// All files generated for one model, in memory. It makes and owns every file. One repository serves
+// one code-generation run.
 //
 // A file's index is its position in the order of creation and never changes. The cost of a call
 // does not depend on the number of files.
 //
-// The memory of short texts that are cleared serves the other sections of the repository, and is
-// given back with it.
+// The memory of short texts that are cleared is reused by the sections of the repository and freed
+// with it.
 class VARN_EXPORT VarnFileRepository : public orbel::HandleBase {
  public:
   VarnFileRepository();
-  // Files, indices and the bridge refer to this very object: it is neither copied nor moved.
+  // The bridge and handles refer to this object: it is neither copied nor moved.
   VarnFileRepository(const VarnFileRepository&) = delete;
   VarnFileRepository& operator=(const VarnFileRepository&) = delete;
   ~VarnFileRepository() override;
 
   std::string getFullyQualifiedKoboTypeName() const override;
 
-  // Make a file. No name is refused: a file of a name that is there already hides the earlier one
-  // from look-ups by name, and both stay in the list. See checkForDuplicateEntry(). References are
-  // good as long as the repository lives; when a call fails there is no new file.
+  // Make a file. No name is refused: a second file of the same name hides the first from look-ups
+  // by name, and both stay in the list. See checkForDuplicateEntry(). References are valid until
+  // the repository is destroyed. A failed call makes no file.
   VarnGenericFile& createGenericFile(const std::string& name);
   VarnDataTypesFile& createDataTypesFile(const std::string& name);
 
@@ -49,11 +48,11 @@ class VARN_EXPORT VarnFileRepository : public orbel::HandleBase {
   VarnGenericFile& createModelHeaderFile();
   VarnGenericFile& createModelTypesFile();
 
-  // A module file that each of `indices` reaches from now on, in place of the file that it reached
-  // before. Headers and sources have indices of their own.
+  // A module file under each of `indices`, replacing the file that an index had before. Headers and
+  // sources have separate indices.
   VarnModuleFile& createModuleHeaderFile(const std::string& name, const std::vector<int>& indices);
   VarnModuleFile& createModuleSourceFile(const std::string& name, const std::vector<int>& indices);
-  // Null for an index that reaches no file.
+  // Null for an index without a file.
   VarnModuleFile* getModuleHeaderFileByIndex(int index) const;
   VarnModuleFile* getModuleSourceFileByIndex(int index) const;
 
@@ -71,7 +70,7 @@ class VARN_EXPORT VarnFileRepository : public orbel::HandleBase {
   // name was new.
   bool findDuplicateFileEntry(const std::string& name, std::string& registeredName);
 
-  // The files in the order of creation; they stay the repository's.
+  // The files in the order of creation, owned by the repository.
   const std::vector<VarnFile*>& getFileList() const;
   // A copy of the list, for host scripts.
   std::vector<VarnFile*> getFileList_kobo() const;
@@ -85,7 +84,7 @@ class VARN_EXPORT VarnFileRepository : public orbel::HandleBase {
   const std::string& getFileNameFromTable(FileType type) const;
   const std::string& getFileNameFromTable(const std::string& typeName) const;
 
-  // The bridge through which the template engine addresses the files by index. It belongs to the
+  // The bridge through which the template engine addresses the files by index, owned by the
   // repository.
   FileRepOrvBridge& orvBridge();
 

@@ -20,8 +20,8 @@ class Diagnostic(OrvError):
     values that the message mentions, in its order.
     """
 
-    def __init__(self, identifier: str, arguments: tuple[object, ...], message: str) -> None:
-        super().__init__(message)
+    def __init__(self, message: str, identifier: str, arguments: tuple[object, ...]) -> None:
+        super().__init__(f"{identifier}: {message}")
         self.identifier = identifier
         self.arguments = arguments
 

@@ -33,15 +33,14 @@ const auto someFragment = boost::make_shared<StringFileSectionFragment>("x");
 // Everything that the bridge reads of a file, section texts by their names included.
 std::string stateOf(const FileRepOrvBridge& bridge, int index) {
   std::string state;
-  for (const char* name : stringNames) {
-    state += bridge.getStringAttribute(index, name) + "|"s;
-  }
+  for (const char* name : stringNames) state += bridge.getStringAttribute(index, name) + "|"s;
   for (const char* name : arrayNames) {
     for (const auto& entry : bridge.getStringArrayAttribute(index, name)) state += entry + ',';
     state += '|';
   }
-  for (const std::string& name : booleanNames)
+  for (const std::string& name : booleanNames) {
     state += bridge.getBooleanAttribute(index, name) ? '1' : '0';
+  }
   for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
     const auto name = getOrvSectionNameFromEnum(static_cast<VarnFileSectionKind>(kind));
     if (!name.empty()) state += bridge.getStringAttribute(index, name) + "|"s;

@@ -96,7 +96,7 @@ TEST(CustomSection, AClonesStateIsItsOwn) {
   CustomSection section("A_InUse", DOCUMENTATION_SECTION);
   section.addContent("text");
   section.setIsRetrieved();
-  const std::unique_ptr<CustomSection> clone(section.clone());
+  const std::unique_ptr<CustomSection> clone(dynamic_cast<CustomSection*>(section.clone()));
   clone->addContent(" more");
   EXPECT_EQ("text|text more", section.getContent() + '|' + clone->getContent());
   EXPECT_TRUE(clone->isRetrieved() && !clone->isRequired());

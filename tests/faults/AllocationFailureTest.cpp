@@ -60,7 +60,6 @@ struct World {
   IncludesSection& includes = dynamic_cast<IncludesSection&>(file.getIncludesSection());
   FunctionsSection& functions = dynamic_cast<FunctionsSection&>(file.getFunctionsSection());
   CustomContents otherContents{"a file with a long name, which is in the messages"};
-  UniqueNames names, otherNames;
   VarnFileNameTable table, otherTable;
   VarnFilePackagingOrvBridge otherPackaging = manager.orvBridge();
   FileRepErrorStatus status, otherStatus;
@@ -77,7 +76,6 @@ struct World {
     for (const char* name : {"A", "B", "C"}) bridge.addCustomSection(0, "Enums", name);
     file.getCustomContent().addContentToSection("A", longText);
     otherContents.addCustomSection("D", BANNER_SECTION);
-    for (const char* name : {"x", "y", longText}) otherNames.add(name);
     otherStatus.setHadError(true);
     otherStatus.setMessage(longText);
     otherTable.addFileNameToTable(ModelDataFile, longText);
@@ -110,7 +108,6 @@ std::string stateOf(World& world) {
   }
   os << world.repository.findFileIndexByName(longText) << world.functions.getNumberOfFunctionNames()
      << world.registered << world.status.hadError() << world.status.getMessage()
-     << testing::PrintToString(world.names.list())
      << world.table.getFileNameFromTable(ModelDataFile)
      << world.table.getFileNameFromTable(ModelTypesFile) << world.otherContents.isCustomSection("A")
      << world.otherContents.isCustomSection("D")
@@ -181,7 +178,6 @@ const Operation operations[] = {
     {"write includes", [](World& w) { w.bridge.writeSection(0, "Includes", w.sink); }},
     {"assigned contents", [](World& w) { w.otherContents = w.file.getCustomContent(); }},
     {"assigned status", [](World& w) { w.status = w.otherStatus; }},
-    {"assigned names", [](World& w) { w.names = w.otherNames; }},
     {"assigned table", [](World& w) { w.table = w.otherTable; }},
     {"assigned packaging", [](World& w) { w.otherPackaging = w.manager.orvBridge(); }},
 };

@@ -160,7 +160,7 @@ TEST(Class, SetsListsOfTexts) {
 
 TEST(Class, ScriptsOwnWhatTheyMake) {
   const int before = sample::Item::alive;
-  for (const char* const name : {"Item", "Box"}) {
+  for (const char* name : {"Item", "Box"}) {
     const std::vector<Value> arguments(name == std::string("Box") ? 1 : 0, text("made"));
     Value made = make(name, arguments);
     Value copy = made;
@@ -185,29 +185,16 @@ TEST(Class, ScriptsOwnWhatTheyMake) {
             "own.");
 }
 
-TEST(Class, HandlesOutliveLibraryObjects) {
+TEST(Class, AHandleGivesItsObjectWhileItLives) {
   Value first;
-  Value second;
   {
     sample::Box library("b");
     first = library.add("x").toHostValue();
-    second = call("first", {library.toHostValue()});
-    EXPECT_EQ(first, second);
-    EXPECT_EQ(raisedText([&] { orbel::destroyObject(first); }),
-              "Orbel:NotOwnedByScript: The object of class Sample.Item belongs to the library that "
-              "made it: a script cannot destroy it.");
     EXPECT_EQ(orbel::HandleBase::fromHostValue(first, "Sample.Item"), &library.first());
     EXPECT_EQ(orbel::HandleBase::fromHostValue(library.toHostValue(), "Sample.Item"), &library);
     EXPECT_EQ(orbel::HandleBase::fromHostValue(first, "Sample.Box"), nullptr);
   }
   EXPECT_EQ(orbel::HandleBase::fromHostValue(first, "Sample.Item"), nullptr);
-  EXPECT_EQ(raisedText([&] { get(second, "Label"); }),
-            "Orbel:InvalidHandle: The object given to Sample.Item.Label no longer exists.");
-  sample::Box other("o");
-  EXPECT_EQ(raisedText([&] {
-              call("isSameAs", {other.toHostValue(), first});
-            }),
-            "Orbel:InvalidHandle: The object given to Sample.Item.isSameAs no longer exists.");
 }
 
 TEST(Class, RefusesObjectsThatAreNotWhatTheyClaim) {

@@ -12,11 +12,7 @@ namespace {
 using namespace std::string_literals;
 using orbel::MessageRecord;
 
-MessageRecord duplicate(const std::string& given) {
-  return MessageRecord("Pyx:codeGen", "DuplicateFileEntry", {given, "model.c"});
-}
-
-TEST(Diagnostics, ContextStandsInFrontAndTextReplacesTheWords) {
+TEST(Diagnostics, ContextPrecedesTheWordsAndTextReplacesTheWords) {
   const MessageRecord record("Test", "None", {});
   EXPECT_EQ(raisedText([&] {
               orbel::throwDiagnostic(orbel::createDiagnostic(record, "reading"), "no luck");
@@ -25,13 +21,14 @@ TEST(Diagnostics, ContextStandsInFrontAndTextReplacesTheWords) {
 }
 
 TEST(Diagnostics, RendersThePrefixOnEveryLine) {
-  const auto diagnostic = orbel::createDiagnostic(duplicate("MODEL\n.c\0"s), "");
-  const std::string words =
-      "-->The file name \"MODEL\n-->.c\\0\" was already given as \"model.c\". Names that differ "
-      "only in letter case are one file on some file systems.";
-  EXPECT_EQ(orbel::renderDiagnostic(*diagnostic, false, "-->").get(), words);
-  EXPECT_EQ(orbel::renderDiagnostic(*diagnostic, true, "-->").get(),
-            "-->Pyx:codeGen:DuplicateFileEntry: " + words.substr(3));
+  orbel::setMessage("Test", "Lines", "{1} is twice");
+  orbel::addMessage("Test", "Lines", "does not replace it");
+  const MessageRecord record("Test", "Lines", {"MODEL\n.c\0"s});
+  const auto diagnostic = orbel::createDiagnostic(record, "");
+  EXPECT_STREQ(orbel::renderDiagnostic(*diagnostic, false, "-->").get(),
+               "-->MODEL\n-->.c\\0 is twice");
+  EXPECT_STREQ(orbel::renderDiagnostic(*diagnostic, true, "-->").get(),
+               "-->Test:Lines: MODEL\n-->.c\\0 is twice");
 }
 
 TEST(MessageCatalogue, FillsInWhatTheWordsName) {

@@ -72,9 +72,7 @@ TEST(Package, AFailedDefinitionLeavesNothingBehind) {
   bool fail = true;
   const auto package = add("Retry", {{"A", [&](Declared& info) {
                                         info.addProperty("P", &sample::Item::label);
-                                        if (fail) {
-                                          info.addProperty("P", &sample::Item::label);
-                                        }
+                                        if (fail) info.addProperty("P", &sample::Item::label);
                                       }}});
   EXPECT_EQ(raisedText([&] { package->getClass("A"); }),
             "Orbel:MemberExists: The class Retry.A declares \"P\" twice.");

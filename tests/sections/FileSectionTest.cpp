@@ -8,8 +8,10 @@
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
+#include <varn/FileRepOrvBridge.hpp>
 #include <varn/FileSection.hpp>
 #include <varn/FunctionsSection.hpp>
+#include <varn/IncludesSection.hpp>
 #include <varn/StringFileSectionFragment.hpp>
 #include <varn/VarnFileRepository.hpp>
 
@@ -33,6 +35,10 @@ class ForeignFragment : public FileSectionFragment {
  private:
   std::string text_;
 };
+
+std::unique_ptr<FunctionsSection> cloneOf(const FunctionsSection& section) {
+  return std::unique_ptr<FunctionsSection>(dynamic_cast<FunctionsSection*>(section.clone()));
+}
 
 std::string printed(const FileSection& section) {
   std::ostringstream os;
@@ -62,7 +68,7 @@ TEST(FileSection, FragmentTextStaysWhileAnySectionHoldsIt) {
   section->addContent("second");
   const std::string& text = section->getFunction(1);
   for (int i = 0; i < 100; ++i) section->addContent("what holds it grows");
-  const std::unique_ptr<FunctionsSection> clone(section->clone());
+  const auto clone = cloneOf(*section);
   for (int i = 0; i < 1000; ++i) section->addContent("more text than one page holds");
   section.reset();
   EXPECT_EQ("second", text);
@@ -86,6 +92,19 @@ TEST(FileSection, UsesAForeignFragmentThroughItsOperationsAndSharesIt) {
   EXPECT_EQ(1, fragment.use_count());
 }
 
+TEST(FileSection, WithoutTextDoesNotTouchTheStream) {
+  FileSection section;
+  section.writeToFile(nullptr);
+  section.addContent("");
+  section.writeToFile(nullptr);
+  IncludesSection().writeToFile(nullptr);
+  VarnFileRepository repository;
+  repository.createDataTypesFile("types.h");
+  for (const char* name : {"Typedefs", "Includes", "Functions"}) {
+    repository.orvBridge().writeSection(0, name, nullptr);
+  }
+}
+
 struct Writing {
   Buffering buffering;
   // What was written before.
@@ -94,7 +113,7 @@ struct Writing {
   std::size_t failing;
 };
 
-// The stream hands on the same blocks as with one fwrite for each fragment.
+// Write sizes match one fwrite per fragment.
 void expectTheSameBlocks(const FileSection& section, const std::vector<std::string>& fragments,
                          const Writing& how) {
   const std::string pending(how.pending, 'p');
@@ -115,7 +134,7 @@ void expectTheSameBlocks(const FileSection& section, const std::vector<std::stri
       << how.pending << ", failing " << how.failing;
 }
 
-TEST(FileSection, HandsOnTheSameBlocksAsOneWriteForEachFragment) {
+TEST(FileSection, WriteSizesMatchOneWriteForEachFragment) {
   for (const std::size_t size : {256U, 257U, 1000U}) {
     for (const std::size_t filled : {size - 1, size, size + 1, 2 * size - 1, 2 * size}) {
       for (const std::size_t pending : {std::size_t{0}, std::size_t{100}, size}) {
@@ -165,7 +184,7 @@ class RandomRun {
     } else if (action < 18) {
       const auto& [sourceOwn, source, sourceFragments] = sections_[below(sections_.size())];
       if (source == section || !own) return;
-      own.reset(source->clone());
+      own = cloneOf(*source);
       section = own.get();
       fragments = sourceFragments;
     } else {

@@ -28,14 +28,15 @@ TEST(FunctionsSection, CountsBodiesAndNamesApart) {
   section.addContent("3;");
   EXPECT_EQ("f f |1;|2;|3;", functionsOf(section));
   EXPECT_EQ("2;", section.getFunction(1));
-  const std::unique_ptr<FunctionsSection> clone(section.clone());
+  const std::unique_ptr<FunctionsSection> clone(dynamic_cast<FunctionsSection*>(section.clone()));
   section.clearContent();
   EXPECT_EQ("f f ", functionsOf(section)) << "the names stay";
   clone->addFunction("g", "4;");
   EXPECT_EQ("f f g |1;|2;|3;|4;", functionsOf(*clone));
   // Its own names as arguments, while their list grows.
-  for (int i = 0; i < 5; ++i)
+  for (int i = 0; i < 5; ++i) {
     clone->addFunction(clone->getFunctionName(2), clone->getFunctionName(0));
+  }
   EXPECT_EQ("f f g g g g g g |1;|2;|3;|4;|f|f|f|f|f", functionsOf(*clone));
 }
 

@@ -1,5 +1,6 @@
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -94,15 +95,18 @@ TEST(VarnFileContent, CopiesCloneAndClearingKeepsLists) {
                                           copy.getSection(FUNCTIONS_SECTION).getContent());
 }
 
-class CountedSection : public FileSection {
+// Records its end.
+class RecordedSection : public FileSection {
  public:
-  explicit CountedSection(int& alive) : alive_(alive) { ++alive_; }
-  CountedSection(const CountedSection&) = delete;
-  CountedSection& operator=(const CountedSection&) = delete;
-  ~CountedSection() override { --alive_; }
+  RecordedSection(VarnFileSectionKind kind, std::vector<int>& destroyed)
+      : kind_(kind), destroyed_(destroyed) {}
+  RecordedSection(const RecordedSection&) = delete;
+  RecordedSection& operator=(const RecordedSection&) = delete;
+  ~RecordedSection() override { destroyed_.push_back(kind_); }
 
  private:
-  int& alive_;
+  VarnFileSectionKind kind_;
+  std::vector<int>& destroyed_;
 };
 
 // Writes the name of each step down.
@@ -134,35 +138,40 @@ TEST(VarnFileContentCreator, RunsTheStepsInTheOrderOfTheKinds) {
       recorder.steps);
 }
 
-// Counts the sections that are alive; the functions' step may fail.
-class CountingBuilder : public VarnSGenericFileContentBuilder {
+// Makes some sections in another order than that of their kinds; the last step may fail.
+class RecordingBuilder : public VarnSGenericFileContentBuilder {
  public:
-  void buildBannerSection() override { build(BANNER_SECTION); }
-  void buildUserTopSection() override { build(USERTOP_SECTION); }
+  void buildBannerSection() override { build(USERTOP_SECTION); }
+  void buildUserTopSection() override { build(BANNER_SECTION); }
   void buildFunctionsSection() override {
-    if (fails) throw std::runtime_error("no functions");
+    build(FUNCTIONS_SECTION);
     build(FUNCTIONS_SECTION);
   }
-  void buildUserBottomSection() override { build(USERBOTTOM_SECTION); }
+  void buildUserBottomSection() override {
+    if (fails) throw std::runtime_error("no bottom");
+  }
 
   bool fails = false;
-  int alive = 0;
+  std::vector<int> destroyed;
 
  private:
   void build(VarnFileSectionKind kind) {
-    getFileContent()->setSection(kind, std::make_unique<CountedSection>(alive));
+    getFileContent()->setSection(kind, std::make_unique<RecordedSection>(kind, destroyed));
   }
 };
 
-TEST(VarnFileContentCreator, DeletesTheUnfinishedContentWhenAStepFails) {
-  CountingBuilder builder;
+TEST(VarnFileContentCreator, DeletesSectionsInTheOrderOfKindsAndReplacedOnesLast) {
+  const std::vector<int> order{BANNER_SECTION, USERTOP_SECTION, FUNCTIONS_SECTION,
+                               FUNCTIONS_SECTION};
+  RecordingBuilder builder;
   ContentPtr content(VarnFileContentCreator::createFileContent(builder));
-  EXPECT_EQ(4, builder.alive);
+  EXPECT_TRUE(builder.destroyed.empty());
   content.reset();
-  EXPECT_EQ(0, builder.alive);
+  EXPECT_EQ(order, builder.destroyed);
+  builder.destroyed.clear();
   builder.fails = true;
   EXPECT_THROW(VarnFileContentCreator::createFileContent(builder), std::runtime_error);
-  EXPECT_EQ(0, builder.alive);
+  EXPECT_EQ(order, builder.destroyed) << "of the unfinished content";
   VarnModuleFileContentBuilder unstarted;
   unstarted.buildIncludesSection();
   EXPECT_EQ(nullptr, unstarted.getFileContent());

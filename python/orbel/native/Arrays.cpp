@@ -26,9 +26,7 @@ bool isStringArray(PyObject* object) {
 
 py::object newStringArray(const StringArray& strings) {
   py::list texts;
-  for (const std::string& text : strings.elements()) {
-    texts.append(checked(newText(text)));
-  }
+  for (const std::string& text : strings.elements()) texts.append(checked(newText(text)));
   return stringArrayClass(texts);
 }
 

@@ -10,9 +10,7 @@ namespace {
 
 std::string join(const std::vector<std::string>& words) {
   std::string text;
-  for (const std::string& word : words) {
-    text += (text.empty() ? "" : ", ") + word;
-  }
+  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
   return text;
 }
 
@@ -59,9 +57,7 @@ std::string propertyDocumentation(const Property& property) {
 
 std::string parameterList(const std::vector<std::string>& words, std::size_t first) {
   std::map<std::string, int> total;
-  for (std::size_t i = first; i < words.size(); ++i) {
-    ++total[parameterName(words[i])];
-  }
+  for (std::size_t i = first; i < words.size(); ++i) ++total[parameterName(words[i])];
   std::map<std::string, int> used;
   std::string text;
   for (std::size_t i = first; i < words.size(); ++i) {
@@ -77,13 +73,9 @@ const Property* firstTextProperty(const ClassInfo& info) {
   const auto found = std::find_if(own.begin(), own.end(), [](const auto& property) {
     return typeKind(property->type()) == TypeKind::text;
   });
-  if (found != own.end()) {
-    return found->get();
-  }
+  if (found != own.end()) return found->get();
   for (const auto& superclass : info.superclasses()) {
-    if (const Property* const inherited = firstTextProperty(*superclass.info)) {
-      return inherited;
-    }
+    if (const Property* inherited = firstTextProperty(*superclass.info)) return inherited;
   }
   return nullptr;
 }

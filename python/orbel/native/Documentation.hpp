@@ -6,7 +6,7 @@
 
 #include <orbel/ClassInfo.hpp>
 
-// What help() shows of a class and its members, from their definitions.
+// The text that help() shows for a class and its members, from their definitions.
 namespace orbel::python {
 
 std::string classDocumentation(const ClassInfo& info);

@@ -3,8 +3,6 @@
 #include <cmath>
 #include <new>
 
-#include <orbel/Diagnostics.hpp>
-
 #include "python/orbel/native/Text.hpp"
 
 namespace orbel::python {
@@ -13,30 +11,25 @@ namespace {
 namespace py = pybind11;
 
 py::object argumentOf(const MessageArgument& argument) {
-  if (const auto* const text = std::get_if<std::string>(&argument)) {
-    return checked(newText(*text));
-  }
+  if (const auto* text = std::get_if<std::string>(&argument)) return checked(newText(*text));
   const double number = std::get<double>(argument);
   const bool whole = std::isfinite(number) && std::trunc(number) == number;
   return checked(whole ? PyLong_FromDouble(number) : PyFloat_FromDouble(number));
 }
 
-void setHostError(const HostException& error) {
+}  // namespace
+
+void setHostError(const HostException& error, const char* module, const char* name) {
   const std::string identifier = error.component() + ":" + error.identifier();
-  const std::string what = error.what();
-  const std::string prefix = identifier + ": ";
-  const bool hasPrefix = what.compare(0, prefix.size(), prefix) == 0;
-  const auto message = checked(newText(hasPrefix ? what.substr(prefix.size()) : what));
   py::tuple arguments(error.arguments().size());
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     arguments[i] = argumentOf(error.arguments()[i]);
   }
-  const py::object type = py::module_::import("orbel._error").attr("Error");
-  const py::object raised = type(message, checked(newText(identifier)), arguments);
+  const py::object type = py::module_::import(module).attr(name);
+  const py::object raised =
+      type(checked(newText(error.message())), checked(newText(identifier)), arguments);
   PyErr_SetObject(type.ptr(), raised.ptr());
 }
-
-}  // namespace
 
 void raisePython(PyObject* type, const std::string& message) {
   PyErr_SetObject(type, checked(newText(message)).ptr());
@@ -50,7 +43,7 @@ void setPythonError() noexcept {
     throw;
   } catch (const HostException& error) {
     guarded(false, [&] {
-      setHostError(error);
+      setHostError(error, "orbel._error", "Error");
       return true;
     });
   } catch (py::error_already_set& error) {

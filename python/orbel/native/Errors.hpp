@@ -5,6 +5,8 @@
 
 #include <pybind11/pybind11.h>
 
+#include <orbel/Diagnostics.hpp>
+
 namespace orbel::python {
 
 // Throws the Python exception `type` with the 8-bit text `message`.
@@ -15,11 +17,13 @@ namespace orbel::python {
 
 // `result`, a new reference, unless the call that gave it failed: then that exception is thrown.
 inline pybind11::object checked(PyObject* result) {
-  if (result == nullptr) {
-    raisePending();
-  }
+  if (result == nullptr) raisePending();
   return pybind11::reinterpret_steal<pybind11::object>(result);
 }
+
+// Sets the Python exception `name` of `module`, whose constructor takes the message, the full
+// message ID and the arguments.
+void setHostError(const HostException& error, const char* module, const char* name);
 
 // For a catch-all handler: sets the Python exception for the C++ exception that is being handled;
 // orbel.Error for HostException.

@@ -15,7 +15,7 @@ namespace orbel::python {
 namespace {
 
 constexpr int deepestNesting = 64;
-// Lists within lists may hold one list many times over: what they come to is bounded.
+// Nested lists may hold one list many times: the total number of elements is bounded.
 constexpr std::size_t mostNestedElements = 1'000'000;
 
 // A list whose elements are being converted, and the lists around it.
@@ -26,8 +26,8 @@ struct Nesting {
   int depth;
 };
 
-// A value on its way: where it goes, in which lists it stands, and how many elements the lists
-// within lists have had so far.
+// A value being converted: its destination, the lists around it, and the number of elements of
+// nested lists so far.
 struct Position {
   const Place& place;
   const Nesting* nesting;
@@ -51,9 +51,7 @@ std::string text(PyObject* string, const Position& position) {
     return {PyBytes_AS_STRING(string), static_cast<std::size_t>(PyBytes_GET_SIZE(string))};
   }
   auto converted = textOf(string);
-  if (!converted) {
-    position.refuse("has a lone surrogate, which no host text holds");
-  }
+  if (!converted) position.refuse("has a lone surrogate, which no host text holds");
   return *std::move(converted);
 }
 
@@ -69,20 +67,14 @@ Value number(PyObject* integer, const Position& position) {
 // Making an error object may start a collection, and with it code of a script that changes the
 // list: nothing of the list is remembered from one element to the next.
 Value cells(PyObject* list, const Position& position) {
-  const Nesting* const outer = position.nesting;
+  const Nesting* outer = position.nesting;
   for (const Nesting* around = outer; around != nullptr; around = around->outer) {
-    if (around->list == list) {
-      position.refuse("is a list that contains itself");
-    }
+    if (around->list == list) position.refuse("is a list that contains itself");
   }
   Nesting nesting{list, 0, outer, outer ? outer->depth + 1 : 1};
-  if (nesting.depth > deepestNesting) {
-    position.refuse("is a list nested too deep");
-  }
+  if (nesting.depth > deepestNesting) position.refuse("is a list nested too deep");
   std::vector<Value> elements;
-  if (outer == nullptr) {
-    elements.reserve(sizeOf(list));
-  }
+  if (outer == nullptr) elements.reserve(sizeOf(list));
   for (; nesting.element < sizeOf(list); ++nesting.element) {
     if (outer != nullptr && ++position.nestedElements > mostNestedElements) {
       position.refuse("holds more than 1000000 elements in lists within lists");
@@ -99,7 +91,7 @@ Value strings(PyObject* texts, const Position& position) {
   std::vector<std::string> elements;
   elements.reserve(sizeOf(texts));
   for (; nesting.element < sizeOf(texts); ++nesting.element) {
-    PyObject* const item = PyTuple_GET_ITEM(texts, static_cast<Py_ssize_t>(nesting.element));
+    PyObject* item = PyTuple_GET_ITEM(texts, static_cast<Py_ssize_t>(nesting.element));
     const Position inside{position.place, &nesting, position.nestedElements};
     if (!PyUnicode_Check(item) && !PyBytes_Check(item)) {
       inside.refuse("cannot be of the type " + std::string(Py_TYPE(item)->tp_name));
@@ -113,27 +105,13 @@ Value convert(PyObject* object, const Position& position) {
   if (PyUnicode_Check(object) || PyBytes_Check(object)) {
     return Value(CharacterArray(text(object, position)));
   }
-  if (PyBool_Check(object)) {
-    return Value(object == Py_True);
-  }
-  if (PyLong_Check(object)) {
-    return number(object, position);
-  }
-  if (PyFloat_Check(object)) {
-    return Value(PyFloat_AS_DOUBLE(object));
-  }
-  if (object == Py_None) {
-    return {};
-  }
-  if (PyTuple_Check(object) && isStringArray(object)) {
-    return strings(object, position);
-  }
-  if (PyList_Check(object) || PyTuple_Check(object)) {
-    return cells(object, position);
-  }
-  if (const Object* const known = asObject(object)) {
-    return known->value;
-  }
+  if (PyBool_Check(object)) return Value(object == Py_True);
+  if (PyLong_Check(object)) return number(object, position);
+  if (PyFloat_Check(object)) return Value(PyFloat_AS_DOUBLE(object));
+  if (object == Py_None) return {};
+  if (PyTuple_Check(object) && isStringArray(object)) return strings(object, position);
+  if (PyList_Check(object) || PyTuple_Check(object)) return cells(object, position);
+  if (const Object* known = asObject(object)) return known->value;
   position.refuse("cannot be of the type " + std::string(Py_TYPE(object)->tp_name));
 }
 

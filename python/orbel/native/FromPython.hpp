@@ -11,7 +11,7 @@
 
 namespace orbel::python {
 
-// Where a value is going, for the words of a TypeError. The callee is kept by reference.
+// The destination of a value, as a TypeError names it. The callee is kept by reference.
 class Place {
  public:
   // The argument `position`, counted from 1.
@@ -35,7 +35,7 @@ class Place {
 //   float                 double                  an orbel.Object      handle
 //
 // Subclasses of these count as what they derive from, and none of their own code runs. Anything
-// else, an int outside its range, a text with a lone surrogate that stands for no byte (Text.hpp),
+// else, an int outside its range, a text with a lone surrogate that is no escaped byte (Text.hpp),
 // and a list that contains itself, nests more than 64 deep or holds more than a million elements in
 // lists within lists is a TypeError that names `place`.
 Value fromPython(PyObject* object, const Place& place);

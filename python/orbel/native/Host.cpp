@@ -21,9 +21,7 @@ namespace py = pybind11;
 
 py::list textList(const std::vector<std::string>& texts) {
   py::list list;
-  for (const std::string& text : texts) {
-    list.append(checked(newText(text)));
-  }
+  for (const std::string& text : texts) list.append(checked(newText(text)));
   return list;
 }
 
@@ -60,7 +58,7 @@ PackageInterface& package(const py::handle& name) {
 }
 
 py::object findClass(const py::handle& packageName, const py::handle& name) {
-  const ClassInfo* const info = package(packageName).findClass(requireText(name, "find_class"));
+  const ClassInfo* info = package(packageName).findClass(requireText(name, "find_class"));
   return info ? py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(typeOf(*info)))
               : py::none();
 }
@@ -80,9 +78,9 @@ py::object wrap(const py::handle& capsule, const py::handle& owner) {
     raisePython(PyExc_TypeError, std::string("orbel.wrap needs a capsule named \"") + name +
                                      "\", not " + Py_TYPE(capsule.ptr())->tp_name);
   }
-  auto* const object = static_cast<HandleBase*>(PyCapsule_GetPointer(capsule.ptr(), name));
+  auto* object = static_cast<HandleBase*>(PyCapsule_GetPointer(capsule.ptr(), name));
   const Value value = object->toHostValue();
-  const auto* const handle = value.get<Handle>();
+  const auto* handle = value.get<Handle>();
   if (handle == nullptr) {
     raisePython(PyExc_TypeError, "orbel.wrap was given an object that has no handle");
   }
@@ -90,7 +88,7 @@ py::object wrap(const py::handle& capsule, const py::handle& owner) {
 }
 
 Object& requireObject(const py::handle& object, const char* caller) {
-  Object* const known = asObject(object.ptr());
+  Object* known = asObject(object.ptr());
   if (known == nullptr) {
     raisePython(PyExc_TypeError, std::string(caller) + " needs an orbel.Object, not " +
                                      Py_TYPE(object.ptr())->tp_name);

@@ -17,7 +17,7 @@ namespace {
 
 namespace py = pybind11;
 
-// What an instance of the class of the classes holds.
+// An instance of the metaclass.
 struct HostClass {
   PyHeapTypeObject type;
   const ClassInfo* info;
@@ -32,10 +32,8 @@ PyObject* refuseSubclass(PyTypeObject* /*type*/, PyObject* /*arguments*/, PyObje
 
 PyObject* getTextSignature(PyObject* type, void* /*closure*/) {
   return guarded<PyObject*>(nullptr, [&]() -> PyObject* {
-    const ClassInfo* const info = classInfoOf(reinterpret_cast<PyTypeObject*>(type));
-    if (info->constructor() == nullptr || info->isAbstract()) {
-      Py_RETURN_NONE;
-    }
+    const ClassInfo* info = classInfoOf(reinterpret_cast<PyTypeObject*>(type));
+    if (info->constructor() == nullptr || info->isAbstract()) Py_RETURN_NONE;
     return newText("(" + parameterList(info->constructor()->signature(), 0) + ")");
   });
 }
@@ -50,13 +48,9 @@ py::tuple basesOf(const ClassInfo& info) {
         std::any_of(superclasses.begin(), superclasses.end(), [&](const auto& other) {
           return other.info != superclass.info && other.info->derivesFrom(*superclass.info);
         });
-    if (!isImplied) {
-      bases.append(py::handle(reinterpret_cast<PyObject*>(typeOf(*superclass.info))));
-    }
+    if (!isImplied) bases.append(py::handle(reinterpret_cast<PyObject*>(typeOf(*superclass.info))));
   }
-  if (bases.empty()) {
-    bases.append(py::handle(reinterpret_cast<PyObject*>(objectType())));
-  }
+  if (bases.empty()) bases.append(py::handle(reinterpret_cast<PyObject*>(objectType())));
   return py::tuple(bases);
 }
 
@@ -75,12 +69,8 @@ py::object makeClass(const ClassInfo& info) {
 // The names in Python of the members, in the order of declaration: methods, then properties.
 py::list memberNames(const ClassInfo& info) {
   py::list names;
-  for (const auto& method : info.methods()) {
-    names.append(checked(newText(method->name())));
-  }
-  for (const auto& property : info.properties()) {
-    names.append(checked(newText(property->name())));
-  }
+  for (const auto& method : info.methods()) names.append(checked(newText(method->name())));
+  for (const auto& property : info.properties()) names.append(checked(newText(property->name())));
   return py::module_::import("orbel._names").attr("python_names")(names);
 }
 
@@ -91,12 +81,8 @@ void addMembers(PyTypeObject* type, const ClassInfo& info) {
     py::setattr(reinterpret_cast<PyObject*>(type), *name, member);
     ++name;
   };
-  for (const auto& method : info.methods()) {
-    add(newMethod(*method));
-  }
-  for (const auto& property : info.properties()) {
-    add(newProperty(type, *property));
-  }
+  for (const auto& method : info.methods()) add(newMethod(*method));
+  for (const auto& property : info.properties()) add(newProperty(type, *property));
 }
 
 [[noreturn]] void raiseUnknownClass(const std::string& name) {
@@ -109,28 +95,20 @@ PyTypeObject* typeOf(const ClassInfo& info) {
   // Never destroyed, like the host's classes.
   static auto& types = *new std::unordered_map<const ClassInfo*, PyTypeObject*>;
   const auto known = types.find(&info);
-  if (known != types.end()) {
-    return known->second;
-  }
+  if (known != types.end()) return known->second;
   py::object made = makeClass(info);
-  auto* const type = reinterpret_cast<PyTypeObject*>(made.ptr());
+  auto* type = reinterpret_cast<PyTypeObject*>(made.ptr());
   addMembers(type, info);
   type->tp_flags |= Py_TPFLAGS_IMMUTABLETYPE;
   // A finaliser that ran meanwhile may have asked for the same class.
   const auto [entry, added] = types.emplace(&info, type);
-  if (added) {
-    static_cast<void>(made.release());
-  }
+  if (added) static_cast<void>(made.release());
   return entry->second;
 }
 
 PyTypeObject* typeOf(const Handle& handle) {
-  if (const ClassInfo* const info = handle.identity().classInfo()) {
-    return typeOf(*info);
-  }
-  if (handle.isValid()) {
-    raiseUnknownClass(handle.object()->getFullyQualifiedKoboTypeName());
-  }
+  if (const ClassInfo* info = handle.identity().classInfo()) return typeOf(*info);
+  if (handle.isValid()) raiseUnknownClass(handle.object()->getFullyQualifiedKoboTypeName());
   return objectType();
 }
 
@@ -141,7 +119,7 @@ const ClassInfo* classInfoOf(PyTypeObject* type) {
 }
 
 std::string displayName(PyTypeObject* type) {
-  const ClassInfo* const info = classInfoOf(type);
+  const ClassInfo* info = classInfoOf(type);
   return info ? info->qualifiedName() : "orbel.Object";
 }
 

@@ -6,8 +6,8 @@
 #include <orbel/Method.hpp>
 #include <orbel/Property.hpp>
 
-// What stands in a Python class for the members of a host class. They are looked up once, when the
-// class is made; a call goes from the interpreter straight to the host's method or property.
+// The descriptors of a Python class for the members of a host class. They are looked up once, when
+// the class is made; a call goes from the interpreter straight to the host's method or property.
 namespace orbel::python {
 
 // Callable with the object first; an attribute of an object, it is bound to it.

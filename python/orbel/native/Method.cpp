@@ -28,7 +28,7 @@ const Method& methodOf(PyObject* object) {
 }
 
 Object& requireObject(const Method& method, PyObject* const* arguments, std::size_t count) {
-  Object* const object = count == 0 ? nullptr : asObject(arguments[0]);
+  Object* object = count == 0 ? nullptr : asObject(arguments[0]);
   if (object == nullptr) {
     raisePython(PyExc_TypeError, method.qualifiedName() + " needs an object of the class " +
                                      method.owner().qualifiedName() + ", but was given " +
@@ -61,7 +61,7 @@ PyObject* bind(PyObject* method, PyObject* object, PyObject* /*type*/) {
 }
 
 void deallocate(PyObject* object) {
-  PyTypeObject* const type = Py_TYPE(object);
+  PyTypeObject* type = Py_TYPE(object);
   type->tp_free(object);
   Py_DECREF(type);
 }
@@ -104,7 +104,7 @@ PyObject* hostSignature(PyObject* object, void* /*closure*/) {
 
 pybind11::object newMethod(const Method& method) {
   auto made = checked(theMethodType->tp_alloc(theMethodType, 0));
-  auto* const object = reinterpret_cast<MethodObject*>(made.ptr());
+  auto* object = reinterpret_cast<MethodObject*>(made.ptr());
   object->vectorcall = call;
   object->method = &method;
   return made;

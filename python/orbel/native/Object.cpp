@@ -27,10 +27,8 @@ PyTypeObject* theObjectType = nullptr;
 Object& self(PyObject* object) { return *reinterpret_cast<Object*>(object); }
 
 PyObject* allocate(PyTypeObject* type, const Handle& handle, PyObject* owner) {
-  PyObject* const object = type->tp_alloc(type, 0);
-  if (object == nullptr) {
-    return nullptr;
-  }
+  PyObject* object = type->tp_alloc(type, 0);
+  if (object == nullptr) return nullptr;
   new (&self(object).value) Value(handle);
   Py_XINCREF(owner);
   self(object).owner = owner;
@@ -39,7 +37,7 @@ PyObject* allocate(PyTypeObject* type, const Handle& handle, PyObject* owner) {
 
 PyObject* construct(PyTypeObject* type, PyObject* arguments, PyObject* keywords) {
   return guarded<PyObject*>(nullptr, [&] {
-    const ClassInfo* const info = classInfoOf(type);
+    const ClassInfo* info = classInfoOf(type);
     if (info == nullptr) {
       raisePython(PyExc_TypeError, std::string(type->tp_name) + " is no class of a host package");
     }
@@ -64,11 +62,9 @@ int clear(PyObject* object) {
 
 // The value goes before the owner: what it refers to may live in what the owner keeps.
 void deallocate(PyObject* object) {
-  PyTypeObject* const type = Py_TYPE(object);
+  PyTypeObject* type = Py_TYPE(object);
   PyObject_GC_UnTrack(object);
-  if (self(object).weakReferences != nullptr) {
-    PyObject_ClearWeakRefs(object);
-  }
+  if (self(object).weakReferences != nullptr) PyObject_ClearWeakRefs(object);
   self(object).value.~Value();
   Py_CLEAR(self(object).owner);
   type->tp_free(object);
@@ -78,10 +74,8 @@ void deallocate(PyObject* object) {
 // The first text property tells objects of a class apart for people; without one, the place in
 // memory does.
 std::optional<std::string> distinctiveText(const Object& object) {
-  const Property* const property = firstTextProperty(*object.handle().identity().classInfo());
-  if (property == nullptr) {
-    return std::nullopt;
-  }
+  const Property* property = firstTextProperty(*object.handle().identity().classInfo());
+  if (property == nullptr) return std::nullopt;
   const auto value = checked(toPython(property->get(object.value), nullptr));
   return property->name() + "=" + std::string(pybind11::repr(value));
 }
@@ -89,26 +83,20 @@ std::optional<std::string> distinctiveText(const Object& object) {
 PyObject* represent(PyObject* object) {
   return guarded<PyObject*>(nullptr, [&] {
     const std::string name = "<" + displayName(Py_TYPE(object));
-    if (!self(object).handle().isValid()) {
-      return newText(name + ", no longer exists>");
-    }
-    if (const auto text = distinctiveText(self(object))) {
-      return newText(name + " " + *text + ">");
-    }
+    if (!self(object).handle().isValid()) return newText(name + ", no longer exists>");
+    if (const auto text = distinctiveText(self(object))) return newText(name + " " + *text + ">");
     return PyUnicode_FromFormat("%s at %p>", name.c_str(), self(object).handle().object());
   });
 }
 
 Py_hash_t hash(PyObject* object) {
   const auto value = std::hash<const void*>()(&self(object).handle().identity());
-  return static_cast<Py_hash_t>(value >> 4U);  // never -1, which would stand for an error
+  return static_cast<Py_hash_t>(value >> 4U);  // never -1, which signals an error
 }
 
 PyObject* compare(PyObject* left, PyObject* right, int operation) {
-  const Object* const other = asObject(right);
-  if (other == nullptr || (operation != Py_EQ && operation != Py_NE)) {
-    Py_RETURN_NOTIMPLEMENTED;
-  }
+  const Object* other = asObject(right);
+  if (other == nullptr || (operation != Py_EQ && operation != Py_NE)) Py_RETURN_NOTIMPLEMENTED;
   const bool equal = self(left).handle() == other->handle();
   return PyBool_FromLong((operation == Py_EQ) == equal ? 1 : 0);
 }

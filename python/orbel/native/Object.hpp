@@ -7,9 +7,9 @@
 
 namespace orbel::python {
 
-// How an object of a host class looks in Python: a host handle, and what has to stay alive for the
-// object to stay alive. Objects are equal, and hash equal, when they refer to the same host object,
-// living or not.
+// The Python object for an object of a host class: a host handle, and a reference to the object
+// that owns the host object. Objects are equal, and hash equal, when they refer to the same host
+// object, living or not.
 struct Object {
   PyObject_HEAD Value value;  // always a Handle
   PyObject* owner;            // null when nothing is kept alive
@@ -18,10 +18,10 @@ struct Object {
   const Handle& handle() const { return *value.get<Handle>(); }
 };
 
-// The base of all classes that stand for host classes, without members of its own.
+// The base of all classes made for host classes, without members of its own.
 PyTypeObject* objectType();
 
-// `object` as what it is, when it is an Object, else null.
+// `object` as an Object, or null.
 inline Object* asObject(PyObject* object) {
   return PyObject_TypeCheck(object, objectType()) ? reinterpret_cast<Object*>(object) : nullptr;
 }
@@ -30,8 +30,8 @@ inline Object* asObject(PyObject* object) {
 // null) alive. Null with a Python exception set when memory runs out.
 PyObject* newObject(const Handle& handle, PyObject* owner);
 
-// What objects that are obtained from `object` have to keep alive (borrowed, may be null): the
-// object itself when a script made it, else what it keeps alive itself.
+// The owner of objects that are obtained from `object` (borrowed, may be null): the object itself
+// when a script made it, else its own owner.
 PyObject* ownerOfResults(Object& object);
 
 // For Module.cpp: makes the type and adds it to `module`.

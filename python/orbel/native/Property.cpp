@@ -34,7 +34,7 @@ int assign(PyObject* object, PyObject* value, void* closure) {
   });
 }
 
-// What a descriptor refers to, for as long as the process lives, like the host's classes.
+// The state of a descriptor. Never freed, like the host's classes.
 struct Definition {
   std::string name;
   std::string documentation;

@@ -12,11 +12,9 @@ std::string bytesOf(PyObject* bytes) {
 }
 
 std::optional<std::string> escapedTextOf(PyObject* string) {
-  if (!PyErr_ExceptionMatches(PyExc_UnicodeEncodeError)) {
-    raisePending();
-  }
+  if (!PyErr_ExceptionMatches(PyExc_UnicodeEncodeError)) raisePending();
   PyErr_Clear();
-  PyObject* const bytes = PyUnicode_AsEncodedString(string, "utf-8", escape);
+  PyObject* bytes = PyUnicode_AsEncodedString(string, "utf-8", escape);
   if (bytes == nullptr && PyErr_ExceptionMatches(PyExc_UnicodeEncodeError)) {
     PyErr_Clear();
     return std::nullopt;
@@ -32,14 +30,12 @@ PyObject* newText(std::string_view text) {
 
 std::optional<std::string> textOf(PyObject* string) {
   Py_ssize_t size = 0;
-  const char* const data = PyUnicode_AsUTF8AndSize(string, &size);
+  const char* data = PyUnicode_AsUTF8AndSize(string, &size);
   return data ? std::string(data, static_cast<std::size_t>(size)) : escapedTextOf(string);
 }
 
 std::string requireText(const pybind11::handle& object, const char* caller) {
-  if (PyBytes_Check(object.ptr())) {
-    return bytesOf(object.ptr());
-  }
+  if (PyBytes_Check(object.ptr())) return bytesOf(object.ptr());
   if (!PyUnicode_Check(object.ptr())) {
     raisePython(PyExc_TypeError, std::string(caller) + " needs a str, but was given " +
                                      Py_TYPE(object.ptr())->tp_name);

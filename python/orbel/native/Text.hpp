@@ -16,7 +16,7 @@ namespace orbel::python {
 // A new str; null with a Python exception set when memory runs out.
 PyObject* newText(std::string_view text);
 
-// The text of a str; nothing when it has a surrogate that stands for no byte, since no 8-bit text
+// The text of a str; nothing when it has a surrogate that is no escaped byte, since no 8-bit text
 // corresponds to it.
 std::optional<std::string> textOf(PyObject* string);
 

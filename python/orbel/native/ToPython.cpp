@@ -21,7 +21,7 @@ class Converter {
   PyObject* operator()(double number) const { return PyFloat_FromDouble(number); }
 
   PyObject* operator()(const CharacterArray& characters) const {
-    const std::string* const text = characters.text();
+    const std::string* text = characters.text();
     return text ? newText(*text) : newText(characters.toText());
   }
 
@@ -43,9 +43,7 @@ class Converter {
   }
 
   PyObject* operator()(const ObjectArray& objects) const {
-    if (objects.rows() == 0) {
-      Py_RETURN_NONE;
-    }
+    if (objects.rows() == 0) Py_RETURN_NONE;
     py::tuple elements(objects.elements().size());
     for (std::size_t i = 0; i < elements.size(); ++i) {
       elements[i] = checked((*this)(objects.elements()[i]));

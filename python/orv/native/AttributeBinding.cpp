@@ -59,8 +59,7 @@ py::tuple attributeTable() {
 
 void bindAttributes(py::module_& module, RepositoryClass& repository) {
   module.attr("ATTRIBUTES") = attributeTable();
-  repository.def("get_attribute", &getAttribute)
-      .def("set_attribute", &setAttribute);
+  repository.def("get_attribute", &getAttribute).def("set_attribute", &setAttribute);
 }
 
 }  // namespace orv

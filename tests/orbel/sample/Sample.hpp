@@ -65,9 +65,7 @@ class Box : public Item {
   }
   Item* find(const std::string& label) const {
     for (const auto& item : items_) {
-      if (item->label() == label) {
-        return item.get();
-      }
+      if (item->label() == label) return item.get();
     }
     return nullptr;
   }
@@ -75,9 +73,7 @@ class Box : public Item {
   const std::string& labelAt(std::uint32_t index) const { return items_[index - 1]->label(); }
   std::vector<Item*> list() {
     std::vector<Item*> result{this};
-    for (const auto& item : items_) {
-      result.push_back(item.get());
-    }
+    for (const auto& item : items_) result.push_back(item.get());
     return result;
   }
   Item& first() { return *items_.front(); }

@@ -1,11 +1,55 @@
-#include "host/Diagnostics.hpp"
+#include "host/diagnostics/Diagnostics.hpp"
 
 #include <utility>
+
+#include <orbel/MessageCatalogue.hpp>
 
 namespace Varn {
 namespace {
 
+struct Text {
+  const char* identifier;
+  const char* words;
+};
+
 constexpr const char* codeGen = "Pyx:codeGen";
+
+// What the messages say unless the host replaces their words.
+constexpr Text texts[] = {
+    {"CustomContentPreviousAssociation",
+     "The custom section \"{1}\" cannot be attached to the built-in section \"{2}\": it is already "
+     "attached to \"{3}\". The section of forward declarations shows as \"\"."},
+    {"CustomContentSectionDoesNotExist",
+     "The file \"{1}\" has no custom section \"{2}\". Declare the section before adding content to "
+     "it."},
+    {"CustomContentSectionAlreadyRetrieved",
+     "The content of the custom section \"{1}\" cannot be given to \"{2}\": the content of \"{3}\" "
+     "was retrieved before, and it can be placed only once."},
+    {"CustomContentInvalidBuiltin",
+     "The custom section \"{1}\" cannot be attached to \"{2}\": there is no built-in section of "
+     "that name."},
+    {"InvalidFileIndex",
+     "The repository has no file with the index {1}. A file's index is its position in the file "
+     "list, counted from 0."},
+    {"InvalidFileAttribute",
+     "\"{1}\" is not the name of a file attribute or section that can be used here."},
+    {"DuplicateFileEntry",
+     "The file name \"{1}\" was already given as \"{2}\". Names that differ only in letter case "
+     "are "
+     "one file on some file systems."},
+};
+
+bool addTexts() {
+  for (const Text& text : texts) orbel::addMessage(codeGen, text.identifier, text.words);
+  return true;
+}
+
+orbel::DiagnosticPtr createDiagnostic(const orbel::MessageRecord& record) {
+  // With the first message, since a library that reports nothing needs no words.
+  static const bool isAdded = addTexts();
+  static_cast<void>(isAdded);
+  return orbel::createDiagnostic(record, "");
+}
 
 }  // namespace
 
@@ -39,11 +83,11 @@ DuplicateFileEntry::DuplicateFileEntry(const std::string& name, const std::strin
     : MessageRecord(codeGen, "DuplicateFileEntry", {name, registeredName}) {}
 
 void raise(const orbel::MessageRecord& record) {
-  orbel::throwDiagnostic(orbel::createDiagnostic(record, ""), nullptr);
+  orbel::throwDiagnostic(createDiagnostic(record), nullptr);
 }
 
 std::string renderWarning(const orbel::MessageRecord& record) {
-  orbel::DiagnosticPtr diagnostic = orbel::createDiagnostic(record, "");
+  orbel::DiagnosticPtr diagnostic = createDiagnostic(record);
   const orbel::HostText rendered = orbel::renderDiagnostic(*diagnostic, false, "-->");
   std::string text(rendered.get());
   orbel::discardDiagnostic(std::move(diagnostic));

@@ -1,5 +1,5 @@
-#ifndef VARN_HOST_DIAGNOSTICS_HPP
-#define VARN_HOST_DIAGNOSTICS_HPP
+#ifndef VARN_HOST_DIAGNOSTICS_DIAGNOSTICS_HPP
+#define VARN_HOST_DIAGNOSTICS_DIAGNOSTICS_HPP
 
 #include <string>
 
@@ -7,8 +7,8 @@
 
 namespace Varn {
 
-// The library's messages: one record per identifier, made from exactly the arguments that its words
-// take. All are of the component "Pyx:codeGen".
+// The library's messages: one record type per identifier, whose constructor takes exactly the
+// message's arguments. All are of the component "Pyx:codeGen".
 
 // A custom section is attached to `current` and was declared again for `requested`.
 struct CustomContentPreviousAssociation : orbel::MessageRecord {
@@ -20,7 +20,7 @@ struct CustomContentSectionDoesNotExist : orbel::MessageRecord {
   CustomContentSectionDoesNotExist(const std::string& file, const std::string& customSection);
 };
 
-// The words mention the custom section before and after its requester.
+// The text mentions the custom section before and after its requester.
 struct CustomContentSectionAlreadyRetrieved : orbel::MessageRecord {
   CustomContentSectionAlreadyRetrieved(const std::string& customSection,
                                        const std::string& requester,
@@ -44,10 +44,14 @@ struct DuplicateFileEntry : orbel::MessageRecord {
   DuplicateFileEntry(const std::string& name, const std::string& registeredName);
 };
 
+// The host's identifier for an error that bundles several errors, in both widths of host text.
+inline constexpr char bundleErrorId[] = "Orbel:MultipleErrors";
+inline constexpr char16_t bundleErrorId16[] = u"Orbel:MultipleErrors";
+
 // Throws `record` as a host exception. The caller must not have changed anything yet.
 [[noreturn]] void raise(const orbel::MessageRecord& record);
 
-// The words for `record`, each line marked as a warning's with "-->".
+// The text of `record`, each line prefixed with "-->" as a warning's.
 std::string renderWarning(const orbel::MessageRecord& record);
 
 }  // namespace Varn
