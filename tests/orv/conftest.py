@@ -15,6 +15,17 @@ from orv.templates.engine import Source, render
 from orv.errors import Messages
 from orv.output.writer import plan
 
+# A test's parameter as its name shows it.
+_LONGEST_ID = 30
+
+
+def pytest_make_parametrize_id(val: object) -> str | None:
+    """A text on one short line; anything else as pytest has it."""
+    if not isinstance(val, str):
+        return None
+    return " ".join(val.split()).encode("unicode_escape").decode()[:_LONGEST_ID]
+
+
 Command = Callable[..., subprocess.CompletedProcess[str]]
 
 

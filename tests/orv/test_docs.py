@@ -11,16 +11,17 @@ from typing import NamedTuple
 import pytest
 from conftest import files_of
 
-from orv import interface
+from orv import _native, interface
 from orv.errors import OrvError
 
 DOCUMENT = Path(__file__).parents[2] / "docs" / "templates.md"
-BLOCK = re.compile(r"^```(\w+) ?(.*)\n((?:.*\n)*?)```$", re.MULTILINE)
+BLOCK = re.compile(r"^(?:#+ (.+)|```(\w+) ?(.*)\n((?:.*\n)*?)```)$", re.MULTILINE)
 
 
 class Example(NamedTuple):
     """A main template with what belongs to it."""
 
+    title: str
     templates: dict[str, str]
     model: dict[str, object]
     strict: bool
@@ -32,22 +33,36 @@ def examples() -> list[Example]:
     found: list[Example] = []
     model: dict[str, object] = {}
     more: dict[str, str] = {}
-    for language, argument, text in BLOCK.findall(DOCUMENT.read_text()):
+    title = ""
+    for heading, language, argument, text in BLOCK.findall(DOCUMENT.read_text()):
+        title = heading or title
         if language == "json":
             model = json.loads(text)
         elif language == "jinja" and argument.endswith(".j2"):
             more[argument] = text
         elif language == "jinja":
-            found.append(Example({"main.j2": text, **more}, model, argument == "strict", {}, []))
+            templates = {"main.j2": text, **more}
+            found.append(Example(title, templates, model, argument == "strict", {}, []))
             model, more = {}, {}
-        elif language == "c":
-            found[-1].files[argument] = text
         elif language == "text":
             found[-1].message.append(text.strip())
+        elif argument:
+            found[-1].files[argument] = text
     return found
 
 
-@pytest.mark.parametrize("example", examples(), ids=lambda e: e.templates["main.j2"][:40])
+def test_table_of_sections() -> None:
+    rows = re.findall(r"^\| (\w+) \|.*\| (\d+) \| (\d+) \|$", DOCUMENT.read_text(), re.MULTILINE)
+    sections = "".join(
+        f'{{% section "{name}" %}}{name}{{% endsection %}}' for name in _native.SECTION_NAMES[:-1]
+    )
+    for column, name in ((1, "a.h"), (2, "a.c")):
+        expected = [row[0] for row in sorted(rows, key=lambda row: int(row[column]))]
+        text = files_of(f'{{% file "{name}" %}}{sections}{{% endfile %}}')[name]
+        assert text.split() == expected
+
+
+@pytest.mark.parametrize("example", examples(), ids=lambda e: e.title)
 def test_example(example: Example) -> None:
     try:
         outcome: object = files_of(example.templates, example.model, example.strict)

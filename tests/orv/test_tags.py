@@ -7,6 +7,7 @@ from datetime import date
 import pytest
 from conftest import files_of
 
+from orv._native import SECTION_NAMES
 from orv.errors import OrvError
 
 # What the documentation's examples leave out: (templates, model, files).
@@ -63,6 +64,14 @@ RESULTS = {
         '{% section "Enums" of "b.h" %}{% place "c" of "a.c" %}{% endsection %}'
         '{% fill "c" of "a.c" %}2\n{% endfill %}',
         {"b.h": "1\n2\n"},
+    ),
+    "text file as it is, added to from elsewhere, without C": (
+        '{% file "b.c" %}{% endfile %}{% file "a.h" as text DefinedMacro="A" %}\n# T\n'
+        '{% section "Enums" of "b.c" %}{% file "a.h" %}more{% endfile %}int x;{% endsection %}'
+        '{% for name in file().sections %}{{ name }}{% endfor %}{% endfile %}'
+        '{% section "Text" of "a.h" %} end{% endsection %}'
+        '{% section "Functions" of "b.c" %}{{ file("a.h").Text }}{% endsection %}',
+        {"b.c": "int x;\nmore# T\nText end\n", "a.h": "more# T\nText end"},
     ),
     "custom section on the forward declarations": (
         '{% file "a.h" %}{% custom "c" on "ForwardDecls" %}{% fill "c" %}struct s;{% endfill %}'
@@ -192,10 +201,25 @@ ERRORS: dict[str, str | dict[str, str]] = {
     "main.j2:1: {% break %} belongs into a loop":
         "{% for i in [1] %}{% macro m() %}{% break %}{% endmacro %}{% endfor %}",
     f"main.j2:2: {NO_FILE}": '\n{% section "Defines" %}x{% endsection %}',
-    'main.j2:2: there is no section "Typdefs"; did you mean "Typedefs"?':
+    f'main.j2:2: there is no section "Typdefs"; did you mean "Typedefs"?\n'
+    f"the sections are {', '.join(SECTION_NAMES)}; a custom section is filled with {{% fill %}}":
         '\n{% section "Typdefs" %}{% endsection %}',
     'main.j2:2: the file "a.h" has no section "Enums"; it has Includes, Defines, Typedefs':
         '{% file "a.h" as data_types %}\n{% section "Enums" %}x{% endsection %}{% endfile %}',
+    'main.j2:2: the file "a.md" has no section "Functions"; it has Text':
+        '{% file "a.md" as text %}\n{% function "f" %}x{% endfunction %}{% endfile %}',
+    'main.j2:1: the file "a.md" has no section "Includes"; it has Text':
+        '{% file "a.md" as text %}{% include_added "x.h" %}{% endfile %}',
+    'main.j2:1: the file "a.md": a text file leaves out the section "Includes", which has text':
+        '{% file "a.md" as text RequiredIncludes="x.h" %}x{% endfile %}',
+    'main.j2:2: the file "a.h" has no section "Text"; it has Includes, Defines, Typedefs':
+        '{% file "a.h" as data_types %}\n{% section "Text" %}x{% endsection %}{% endfile %}',
+    "main.j2:2: src/my-main.c is undefined; a name that is no variable is written in quotes:"
+    ' {% file "src/my-main.c" %}':
+        "\n{% file src/my-main.c as generic %}{% endfile %}",
+    "main.j2:1: Enums is undefined; a name that is no variable is written in quotes:"
+    ' {% section "Enums" %}':
+        '{% file m.x ~ ".c" %}{% section Enums %}{% endsection %}{% endfile %}',
     'main.j2:1: there is no kind of file "datatypes"; did you mean "data_types"?':
         '{% file "a" as datatypes %}{% endfile %}',
     'main.j2:2: the file "a" was declared as generic at main.j2:1; it cannot be declared as'

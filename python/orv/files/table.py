@@ -187,6 +187,7 @@ class FileTable:
         makers: dict[str, Callable[[], int]] = {
             "generic": lambda: repository.create_generic(name),
             "data_types": lambda: repository.create_data_types(name),
+            "text": lambda: repository.create_text(name),
             "model": lambda: repository.create_model(name),
             "model_header": repository.create_model_header,
             "model_types": repository.create_model_types,

@@ -20,8 +20,7 @@ void declare(PackagedFiles& files, int index, const py::object& builtin, const p
   std::string section = textArgument(builtin, "a section's name");
   if (section == "Types") section = "Typedefs";
   Varn::VarnFile& file = files.file(index);
-  const Varn::VarnFileSectionKind kind = sectionKind(section);
-  requireSection(file, kind);
+  const Varn::VarnFileSectionKind kind = requireSection(files, index, sectionNumber(section));
   file.getCustomContent().addCustomSection(customName(name), kind);
 }
 

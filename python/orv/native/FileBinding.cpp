@@ -22,9 +22,9 @@ int lastIndex(const PackagedFiles& files) {
 }
 
 // The kinds of files that a template can declare.
-constexpr std::array<std::string_view, 8> fileKinds = {
-    "generic",     "data_types",    "model",         "model_header",
-    "model_types", "module_header", "module_source", "packaging",
+constexpr std::array<std::string_view, 9> fileKinds = {
+    "generic",       "data_types",    "model",     "model_header", "model_types",
+    "module_header", "module_source", "packaging", "text",
 };
 
 template <class Names>
@@ -105,6 +105,12 @@ void bindFiles(py::module_& module, RepositoryClass& repository) {
   using R = Varn::VarnFileRepository;
   repository.def(py::init<>())
       .def("create_generic", create(&R::createGenericFile))
+      .def("create_text",
+           [](PackagedFiles& files, const py::object& name) {
+             files.repository.createGenericFile(nameArgument(name));
+             files.makeText(lastIndex(files));
+             return lastIndex(files);
+           })
       .def("create_data_types", create(&R::createDataTypesFile))
       .def("create_model", create(&R::createModelFile))
       .def("create_model_header", createModelNamed(&R::createModelHeaderFile))

@@ -12,23 +12,28 @@ namespace {
 
 namespace py = pybind11;
 
-Varn::VarnFileSectionKind kindArgument(const py::object& section) {
-  return sectionKind(utf8(section, "a section's name"));
+int sectionArgument(const py::object& section) {
+  return sectionNumber(utf8(section, "a section's name"));
 }
 
 py::list namesOf(PackagedFiles& files, int index) {
-  const Varn::VarnFile& file = files.file(index);
+  static_cast<void>(files.file(index));
   py::list names;
-  for (std::size_t kind = 0; kind < sectionNames().size(); ++kind) {
-    if (file.hasSection(static_cast<Varn::VarnFileSectionKind>(kind))) {
-      names.append(toPython(sectionNames()[kind]));
-    }
+  int section = 0;
+  for (const std::string& name : sectionNames()) {
+    if (findSection(files, index, section++)) names.append(toPython(name));
   }
   return names;
 }
 
 void requireNamed(PackagedFiles& files, int index, const py::object& section) {
-  requireSection(files.file(index), kindArgument(section));
+  static_cast<void>(requireSection(files, index, sectionArgument(section)));
+}
+
+py::str textOf(PackagedFiles& files, int index, const py::object& section) {
+  Varn::VarnFile& file = files.file(index);
+  const auto kind = findSection(files, index, sectionArgument(section));
+  return toPython(kind ? file.getFileSection(*kind).getContent() : std::string());
 }
 
 py::list functionNames(PackagedFiles& files, int index) {
@@ -50,7 +55,7 @@ void addInclude(PackagedFiles& files, int index, const py::object& header, bool 
 
 void placeAll(PackagedFiles& files, int index) {
   Varn::VarnFile& file = files.file(index);
-  for (std::size_t i = 0; i < sectionNames().size(); ++i) {
+  for (int i = 0; i < textSection; ++i) {
     const auto kind = static_cast<Varn::VarnFileSectionKind>(i);
     if (!file.hasSection(kind)) continue;
     file.getCustomContent().appendMissingTokens(file.getFileSection(kind), kind);
@@ -62,10 +67,7 @@ void placeAll(PackagedFiles& files, int index) {
 void bindSections(RepositoryClass& repository) {
   repository.def("section_names", &namesOf)
       .def("require_section", &requireNamed)
-      .def("section_text",
-           [](PackagedFiles& files, int index, const py::object& section) {
-             return toPython(files.file(index).getFileSection(kindArgument(section)).getContent());
-           })
+      .def("section_text", &textOf)
       .def("function_names", &functionNames)
       .def("add_include", &addInclude)
       .def("place_custom_sections", &placeAll);

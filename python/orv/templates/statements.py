@@ -36,9 +36,17 @@ class Statements:
         run = self._run
         index = run.files.select(name, kind, arguments)
         run.files.set_attributes(index, attributes)
-        self._printer.outside(index)
+        self._printer.file(index)
         if run.step is not None:
             run.step()
+
+    def require_quotes(self, defined: bool, tag: str, written: str) -> None:
+        """Refuse a name of a file or section that is no variable: its quotes are missing."""
+        if not defined:
+            raise OrvError(
+                f"{written} is undefined; a name that is no variable is written in quotes:"
+                f' {{% {tag} "{written}" %}}'
+            )
 
     def end_fill(self) -> None:
         """Close the body of `fill` and add its text to the custom section."""
@@ -79,21 +87,26 @@ class Statements:
 
     def include_required(self, headers: Sequence[object], target: object = None) -> None:
         """Add headers that are included first."""
-        file = self._printer.target(target)
+        file = self._include_target(target)
         for header in _headers(headers):
             self._run.repository.set_attribute(file, "RequiredIncludes", header)
 
     def include_utility(self, headers: Sequence[object], target: object = None) -> None:
         """Add headers that are included around the added ones."""
-        file = self._printer.target(target)
+        file = self._include_target(target)
         for header in _headers(headers):
             self._run.repository.set_attribute(file, "UtilityIncludes", header)
 
     def include_added(self, headers: Sequence[object], target: object = None) -> None:
         """Add headers that are included in the order they come."""
-        file = self._printer.target(target)
+        file = self._include_target(target)
         for header in _headers(headers):
             self._run.repository.add_include(file, header.strip("<>"), header.startswith("<"))
+
+    def _include_target(self, target: object) -> int:
+        file = self._printer.target(target)
+        self._run.repository.require_section(file, "Includes")
+        return file
 
     def _fail(self, message: object) -> NoReturn:
         """End the run with a message about the model."""

@@ -35,9 +35,11 @@ class PackagingTags(Extension):
         parse = getattr(self, f"_parse_{token.value}")
         return parse(parser, token)
 
-    def _parse_section(self, parser: Parser, tag: Token) -> nodes.Node:
-        section = _checked_section(parser, parser.parse_expression())
-        return _with_body(parser, tag, [section, *_parse_of(parser)])
+    def _parse_section(self, parser: Parser, tag: Token) -> list[nodes.Node]:
+        name = parser.parse_expression()
+        section = _checked_section(parser, name)
+        body = _with_body(parser, tag, [section, *_parse_of(parser)])
+        return [*_require_quotes(tag, name), body]
 
     def _parse_function(self, parser: Parser, tag: Token) -> nodes.Node:
         return _with_body(parser, tag, [parser.parse_expression(), *_parse_of(parser)])
@@ -78,7 +80,7 @@ class PackagingTags(Extension):
         attributes = _parse_assignments(parser, tag)
         body = parser.parse_statements(("name:endfile",), drop_needle=True)
         begin = _statement(tag, "statements.file", [name, kind, arguments, attributes])
-        return [begin, *body, _statement(tag, "printer.close", [])]
+        return [*_require_quotes(tag, name), begin, *body, _statement(tag, "printer.close", [])]
 
 
 def _call(tag: Token, operation: str, arguments: list[nodes.Expr]) -> nodes.Call:
@@ -136,10 +138,35 @@ def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:
         return name
     names = _native.SECTION_NAMES
     if name.value not in names:
-        hint = did_you_mean(str(name.value), names)
         parser.fail(
-            f'there is no section "{name.value}"'
-            + (hint or "; a custom section is filled with {% fill %}"),
+            f'there is no section "{name.value}"{did_you_mean(str(name.value), names)}\n'
+            f"the sections are {', '.join(names)}; a custom section is filled with {{% fill %}}",
             name.lineno,
         )
     return nodes.Const(names.index(name.value), lineno=name.lineno)
+
+
+def _require_quotes(tag: Token, name: nodes.Expr) -> list[nodes.Node]:
+    """The statement that explains an undefined name which was meant as it is written."""
+    written = _as_written(name)
+    if written is None:
+        return []
+    first: nodes.Node = name
+    while not isinstance(first, nodes.Name):
+        first = next(first.iter_child_nodes())
+    defined = nodes.Test(first, "defined", [], [], None, None, lineno=tag.lineno)
+    arguments = [defined, *(nodes.Const(text, lineno=tag.lineno) for text in (tag.value, written))]
+    return [_statement(tag, "statements.require_quotes", arguments)]
+
+
+def _as_written(name: nodes.Node) -> str | None:
+    """The text of an expression that looks like a name or a path; None for any other."""
+    if isinstance(name, nodes.Name):
+        return name.name
+    if isinstance(name, nodes.Getattr):
+        owner = _as_written(name.node)
+        return None if owner is None else f"{owner}.{name.attr}"
+    if isinstance(name, (nodes.Div, nodes.Sub)):
+        sides = [_as_written(side) for side in (name.left, name.right)]
+        return None if None in sides else f"{sides[0]}{name.operator}{sides[1]}"
+    return None

@@ -115,14 +115,22 @@ void placeCustomSections(Varn::VarnFile& file) {
   }
 }
 
-void requireAll(const Varn::VarnFile& file, const SectionOrder& order) {
-  for (std::size_t i = 0; i < sectionNames().size(); ++i) {
-    const auto kind = static_cast<VarnFileSectionKind>(i);
+// `whatLeavesOut` begins the message.
+void requireAll(const Varn::VarnFile& file, const SectionOrder& order, const char* whatLeavesOut) {
+  for (const VarnFileSectionKind kind : headerOrder) {
     if (std::find(order.begin(), order.end(), kind) != order.end()) continue;
     if (!file.hasSection(kind) || file.getFileSection(kind).getContent().empty()) continue;
-    throw pybind11::value_error("its order leaves out the section \"" + sectionNames()[i] +
-                                "\", which has text");
+    throw pybind11::value_error(std::string(whatLeavesOut) + " the section \"" +
+                                sectionNames()[kind] + "\", which has text");
   }
+}
+
+ComposedFile composeText(const Varn::VarnFile& file) {
+  requireAll(file, {textKind}, "a text file leaves out");
+  MemoryStream memory;
+  file.getFileSection(textKind).writeToFile(memory.stream());
+  const std::size_t size = memory.written().size();
+  return memory.finish({{textSection, size}});
 }
 
 // Returns the number of bytes of the section.
@@ -150,12 +158,13 @@ bool isHeader(const Varn::VarnFile& file) {
 
 ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order) {
   Varn::VarnFile& file = files.file(index);
-  const std::string guard = guardOf(file);
   placeCustomSections(file);
+  if (files.isText(index)) return composeText(file);
+  const std::string guard = guardOf(file);
   if (order == nullptr) {
     order = isHeader(file) ? &headerOrder : &sourceOrder();
   } else {
-    requireAll(file, *order);
+    requireAll(file, *order, "its order leaves out");
   }
   MemoryStream memory;
   std::vector<ComposedFile::Section> sections;
@@ -170,7 +179,7 @@ ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order)
     // The includes section counts as empty while it has nothing but required or utility includes.
     if (kind != Varn::INCLUDES_SECTION && section.isEmpty()) continue;
     const std::size_t size = writeSection(memory, section);
-    if (size != 0) sections.push_back({kind, size});
+    if (size != 0) sections.push_back({static_cast<int>(kind), size});
   }
   if (isOpen) memory.write("\n#endif /* " + guard + " */\n");
   return memory.finish(std::move(sections));

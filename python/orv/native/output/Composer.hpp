@@ -18,7 +18,8 @@ namespace orv {
 class ComposedFile {
  public:
   struct Section {
-    Varn::VarnFileSectionKind kind;
+    // The section's number; see sectionNames().
+    int number;
     std::size_t size;
   };
 
@@ -52,10 +53,10 @@ bool isHeader(const Varn::VarnFile& file);
 //
 // A section that does not end its last line is given a newline. A header with a DefinedMacro is
 // guarded by it: the guard opens before the first section that is not the banner and closes at the
-// end. Custom sections that nobody has placed are placed.
+// end. A text file is its one section as it is. Custom sections that nobody has placed are placed.
 //
-// Throws pybind11::value_error for a DefinedMacro that is no identifier and for an order that
-// leaves out a section with text.
+// Throws pybind11::value_error for a DefinedMacro that is no identifier and for a section with text
+// that the order or a text file leaves out.
 ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order);
 
 }  // namespace orv

@@ -15,7 +15,8 @@ ComposedFile composeFile(PackagedFiles& files, int index, const py::object& name
   if (names.is_none()) return compose(files, index, nullptr);
   SectionOrder order;
   for (const py::handle name : names) {
-    order.push_back(sectionKind(utf8(name, "a section's name")));
+    const int section = sectionNumber(utf8(name, "a section's name"));
+    order.push_back(requireSection(files, index, section));
   }
   return compose(files, index, &order);
 }
@@ -38,7 +39,7 @@ bool equals(const ComposedFile& file, const py::buffer& other) {
 py::dict sectionSizes(const ComposedFile& file) {
   py::dict sizes;
   for (const ComposedFile::Section& section : file.sections()) {
-    sizes[toPython(sectionNames()[section.kind])] = section.size;
+    sizes[toPython(sectionNames()[static_cast<std::size_t>(section.number)])] = section.size;
   }
   return sizes;
 }

@@ -39,18 +39,27 @@ void Printer::openOutside(int current) {
   open(Body::Kind::outside).current = current;
 }
 
-void Printer::openSection(int file, Varn::VarnFileSectionKind section) {
-  requireSection(files_->file(file), section);
+void Printer::openFile(int file) {
+  if (files_->isText(file)) {
+    openSection(file, textSection);
+    top().current = file;
+  } else {
+    openOutside(file);
+  }
+}
+
+void Printer::openSection(int file, int section) {
+  const Varn::VarnFileSectionKind kind = requireSection(*files_, file, section);
   Body& body = open(Body::Kind::section);
   body.file = file;
-  body.section = section;
+  body.section = kind;
 }
 
 void Printer::openFunction(int file, std::string name) {
-  requireSection(files_->file(file), Varn::FUNCTIONS_SECTION);
+  const Varn::VarnFileSectionKind kind = requireSection(*files_, file, Varn::FUNCTIONS_SECTION);
   Body& body = open(Body::Kind::function);
   body.file = file;
-  body.section = Varn::FUNCTIONS_SECTION;
+  body.section = kind;
   body.name = std::move(name);
 }
 
@@ -81,7 +90,7 @@ Body& Printer::close() {
 void Printer::commit(Body& body) {
   // No text, no fragment: it would make an empty file one that is written.
   if (body.text.empty() && body.placements.empty()) return;
-  if (body.placements.empty() && !isWaiting(body.file, body.section)) {
+  if (body.placements.empty() && !isWaitingFor(body.file, body.section)) {
     add(body);
     return;
   }
@@ -100,9 +109,14 @@ void Printer::add(const Body& body) {
   }
 }
 
-bool Printer::isWaiting(int file, Varn::VarnFileSectionKind section) const {
+bool Printer::isWaiting(int file, int section) const {
+  const auto kind = findSection(*files_, file, section);
+  return kind && isWaitingFor(file, *kind);
+}
+
+bool Printer::isWaitingFor(int file, Varn::VarnFileSectionKind kind) const {
   const auto position = static_cast<std::size_t>(file);
-  return position < waitingSections_.size() && (waitingSections_[position] >> section & 1U) != 0;
+  return position < waitingSections_.size() && (waitingSections_[position] >> kind & 1U) != 0;
 }
 
 void Printer::finish(const Placer& placer) {

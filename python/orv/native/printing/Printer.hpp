@@ -60,9 +60,12 @@ class Printer {
   std::size_t depth() const { return depth_; }
 
   // Each opens a body. The file is checked: an unknown index throws the library's diagnostic, a
-  // section that the file lacks throws pybind11::value_error.
+  // section that the file lacks throws pybind11::value_error. Sections are numbered like their
+  // names.
   void openOutside(int current);
-  void openSection(int file, Varn::VarnFileSectionKind section);
+  // The body of the tag that makes a file the current one: outside or, in a text file, its section.
+  void openFile(int file);
+  void openSection(int file, int section);
   void openFunction(int file, std::string name);
   void openFill(int file, std::string name);
   void openCapture();
@@ -76,12 +79,13 @@ class Printer {
   Body& close();
 
   // Whether text for the section is kept back.
-  bool isWaiting(int file, Varn::VarnFileSectionKind section) const;
+  bool isWaiting(int file, int section) const;
   // Commits what was kept back. Afterwards nothing is kept back any more.
   void finish(const Placer& placer);
 
  private:
   Body& open(Body::Kind kind);
+  bool isWaitingFor(int file, Varn::VarnFileSectionKind kind) const;
   void commit(Body& body);
   void add(const Body& body);
 

@@ -76,13 +76,13 @@ int fileArgument(PyObject* value) {
   return static_cast<int>(file);
 }
 
-Varn::VarnFileSectionKind sectionArgument(PyObject* section) {
-  if (!PyLong_CheckExact(section)) return sectionKind(utf8(section, "a section's name"));
-  const long kind = numberArgument(section);
-  if (kind < 0 || static_cast<std::size_t>(kind) >= sectionNames().size()) {
-    throw py::value_error("there is no kind of section " + std::to_string(kind));
+int sectionArgument(PyObject* section) {
+  if (!PyLong_CheckExact(section)) return sectionNumber(utf8(section, "a section's name"));
+  const long number = numberArgument(section);
+  if (number < 0 || number > textSection) {
+    throw py::value_error("there is no section number " + std::to_string(number));
   }
-  return static_cast<Varn::VarnFileSectionKind>(kind);
+  return static_cast<int>(number);
 }
 
 // Calls a function of the template side.
@@ -238,11 +238,17 @@ PyObject* fill(PyObject* self, Arguments arguments, Py_ssize_t count) {
   });
 }
 
-PyObject* outside(PyObject* self, Arguments arguments, Py_ssize_t count) {
+PyObject* outside(PyObject* self, PyObject*) {
   return guarded([&] {
-    requireCount("outside", count, 0, 1);
     Printer& printer = printerOf(self);
-    printer.openOutside(count == 1 ? fileArgument(arguments[0]) : printer.top().current);
+    printer.openOutside(printer.top().current);
+    return none();
+  });
+}
+
+PyObject* file(PyObject* self, PyObject* index) {
+  return guarded([&] {
+    printerOf(self).openFile(fileArgument(index));
     return none();
   });
 }
@@ -317,7 +323,9 @@ PyObject* finish(PyObject* self, PyObject* retrieve) {
   return guarded([&] {
     const auto placer = py::reinterpret_borrow<py::object>(retrieve);
     printerOf(self).finish([&](std::size_t number, const Body& body) {
-      const py::object text = placer(number, body.file, toPython(sectionNames()[body.section]));
+      const int section = sectionNumber(printerOf(self).files(), body.file, body.section);
+      const std::string& name = sectionNames()[static_cast<std::size_t>(section)];
+      const py::object text = placer(number, body.file, toPython(name));
       return textArgument(text, "the text of a custom section");
     });
     return none();
@@ -402,9 +410,10 @@ PyMethodDef methods[] = {
     method("section", &section),
     method("function", &function),
     method("fill", &fill),
-    method("outside", &outside),
     method("target", &target),
     method("is_waiting", &isWaiting),
+    {"file", &file, METH_O, nullptr},
+    {"outside", &outside, METH_NOARGS, nullptr},
     {"close", &close, METH_NOARGS, nullptr},
     {"close_fill", &closeFill, METH_NOARGS, nullptr},
     {"print_next", &printNext, METH_NOARGS, nullptr},
