@@ -4,6 +4,10 @@
 shows an example. Every failure is an OrvError.
 """
 
+from __future__ import annotations
+
+from typing import TYPE_CHECKING
+
 from orv._version import __version__
 from orv.errors import (
     Diagnostic,
@@ -13,7 +17,9 @@ from orv.errors import (
     ScriptError,
     TemplateError,
 )
-from orv.interface import plan, render, write
+
+if TYPE_CHECKING:
+    from orv.interface import plan, render, write
 
 __all__ = [
     "Diagnostic",
@@ -27,3 +33,12 @@ __all__ = [
     "render",
     "write",
 ]
+
+
+def __getattr__(name: str) -> object:
+    # Loaded when first used: help and --version need no engine.
+    if name in ("plan", "render", "write"):
+        from orv import interface
+
+        return getattr(interface, name)
+    raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
