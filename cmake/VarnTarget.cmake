@@ -31,5 +31,6 @@ function(varn_test name)
   add_executable(${name} ${TEST_SOURCES})
   varn_target(${name})
   target_link_libraries(${name} PRIVATE ${TEST_LIBRARIES} GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+  # Tests have the names that they give themselves, without the bytes of their parameters.
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 NO_PRETTY_VALUES)
 endfunction()

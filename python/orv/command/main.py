@@ -7,10 +7,11 @@ import io
 import os
 import signal
 import sys
-from collections.abc import Sequence
+from collections.abc import Iterator, Sequence
+from contextlib import contextmanager
 from typing import NoReturn
 
-from orv.command.commands import COMMANDS, Command
+from orv.command.commands import COMMANDS
 from orv.command.parser import command_parser, orv_parser
 from orv.errors import Misuse, OrvError, did_you_mean
 
@@ -40,10 +41,12 @@ def _run(arguments: list[str]) -> int:
     if command is None:
         _end_without_command(arguments)
     parser = command_parser(command)
-    given = parser.parse_given(arguments[1:])
     signal.signal(signal.SIGTERM, _interrupt)
     try:
-        return _run_command(command, given)
+        with _explained_imports():
+            given = parser.parse_given(arguments[1:])
+            code: int = importlib.import_module(command.module).run(given)
+            return code
     except Misuse as error:
         parser.error(str(error))
     except OrvError as error:
@@ -62,10 +65,11 @@ def _end_without_command(arguments: list[str]) -> NoReturn:
     parser.error("expected a command")
 
 
-def _run_command(command: Command, given: dict[str, object]) -> int:
+@contextmanager
+def _explained_imports() -> Iterator[None]:
+    """Make a sentence of a part of the engine that is missing."""
     try:
-        code: int = importlib.import_module(command.module).run(given)
-        return code
+        yield
     except ImportError as error:
         name = (error.name or "").partition(".")[0]
         if name == "orv":
