@@ -16,7 +16,7 @@ from orv.errors import Messages
 from orv.output.writer import plan
 
 # A test's parameter as its name shows it.
-_LONGEST_ID = 30
+_LONGEST_ID = 28
 
 
 def pytest_make_parametrize_id(val: object) -> str | None:
