@@ -14,6 +14,7 @@ namespace py = pybind11;
 // The longest text that is worth a look whether it is there already, and the most digits that fit
 // a machine's integer.
 constexpr std::size_t longestShared = 32;
+constexpr std::size_t longestSharedValue = 8;
 constexpr std::size_t mostDigits = 18;
 
 py::object owned(PyObject* object) {
@@ -74,7 +75,8 @@ void ModelBuilder::key(std::string_view name, Location location) {
 }
 
 void ModelBuilder::text(std::string_view text, Location location) {
-  value(makeText(text, location), location);
+  value(text.size() <= longestSharedValue ? sharedText(text, location) : makeText(text, location),
+        location);
 }
 
 void ModelBuilder::integer(std::string_view digits, Location location, int base) {

@@ -35,13 +35,15 @@ std::size_t forFirst(PyObject* container, std::size_t count, Visit visit) {
   return position;
 }
 
-// Changes with the keys of a dictionary and the items of a list.
-std::uint32_t fingerprintOf(PyObject* container, std::size_t count) {
+// Changes with the keys of a dictionary and the items of a list. Visits the entries on its way.
+template <typename Visit>
+std::uint32_t fingerprintOf(PyObject* container, std::size_t count, Visit visit) {
   std::uint32_t fingerprint = 0;
   const std::size_t found =
-      forFirst(container, count, [&](std::size_t, PyObject* key, PyObject* value) {
+      forFirst(container, count, [&](std::size_t position, PyObject* key, PyObject* value) {
         const PyObject* part = key != nullptr ? key : value;
         fingerprint = mix(fingerprint, reinterpret_cast<std::size_t>(part));
+        visit(position, key, value);
       });
   return mix(fingerprint, found);
 }
@@ -66,8 +68,12 @@ std::uint32_t Places::addFile(std::string label) {
 
 void Places::add(py::handle container, Place place, const std::uint32_t* lines, std::size_t count) {
   Record& record = addRecord(container, place, count);
-  const std::uint32_t last = count == 0 ? place.line : *std::max_element(lines, lines + count);
-  const std::uint32_t first = count == 0 ? place.line : *std::min_element(lines, lines + count);
+  std::uint32_t first = place.line;
+  std::uint32_t last = place.line;
+  for (std::size_t i = 0; i < count; ++i) {
+    first = std::min(first, lines[i]);
+    last = std::max(last, lines[i]);
+  }
   if (first < place.line || last - place.line > UINT16_MAX) {
     std::vector<Place> places;
     places.reserve(count);
@@ -109,32 +115,26 @@ void Places::store(Record& record, const std::vector<Place>& places) {
 
 Places::Record& Places::addRecord(py::handle container, Place place, std::size_t count) {
   if (2 * (records_.size() + 1) > slots_.size()) grow();
-  std::uint32_t index = recordOf(container.ptr());
-  if (index == none) {
-    index = static_cast<std::uint32_t>(records_.size());
+  std::uint32_t& slot = slots_[slotOf(container.ptr())];
+  if (slot == 0) {
     records_.emplace_back();
-    slots_[slotOf(container.ptr())] = index + 1;
+    slot = static_cast<std::uint32_t>(records_.size());
   }
+  const std::uint32_t index = slot - 1;
   Record& record = records_[index];
   record.container = py::reinterpret_borrow<py::object>(container);
   record.entries = entries_.size() & ((std::uint64_t{1} << 56) - 1);
   record.width = Width::sameLine;
   record.count = static_cast<std::uint32_t>(count);
-  record.fingerprint = fingerprintOf(container.ptr(), count);
   record.place = place;
   record.parent = none;
   record.position = 0;
-  adopt(index);
+  record.fingerprint = fingerprintOf(
+      container.ptr(), count, [&](std::size_t position, PyObject* key, PyObject* value) {
+        if (!isContainer(value)) return;
+        adoptChild(index, static_cast<std::uint32_t>(position), key, value);
+      });
   return record;
-}
-
-void Places::adopt(std::uint32_t parent) {
-  const Record& record = records_[parent];
-  forFirst(record.container.ptr(), record.count,
-           [&](std::size_t position, PyObject* key, PyObject* value) {
-             if (!isContainer(value)) return;
-             adoptChild(parent, static_cast<std::uint32_t>(position), key, value);
-           });
 }
 
 void Places::adoptChild(std::uint32_t parent, std::uint32_t position, PyObject* key,
@@ -176,10 +176,12 @@ const Places::Positions& Places::positionsOf(std::uint32_t record) const {
   Positions positions;
   positions.record = record;
   positions.size = size;
-  positions.areIntact = fingerprintOf(known.container.ptr(), known.count) == known.fingerprint;
-  forFirst(known.container.ptr(), known.count, [&](std::size_t at, PyObject* key, PyObject*) {
-    if (key != nullptr) positions.ofKeys[py::handle(key)] = at;
-  });
+  const std::uint32_t fingerprint = fingerprintOf(known.container.ptr(), known.count,
+                                                  [&](std::size_t at, PyObject* key, PyObject*) {
+                                                    if (key != nullptr)
+                                                      positions.ofKeys[py::handle(key)] = at;
+                                                  });
+  positions.areIntact = fingerprint == known.fingerprint;
   positions_ = std::move(positions);
   return positions_;
 }

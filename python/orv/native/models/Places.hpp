@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -81,7 +80,6 @@ class Places {
   };
 
   Record& addRecord(pybind11::handle container, Place place, std::size_t count);
-  void adopt(std::uint32_t parent);
   void adoptChild(std::uint32_t parent, std::uint32_t position, PyObject* key, PyObject* child);
   void store(Record& record, const std::vector<Place>& places);
   std::uint32_t recordOf(PyObject* container) const;
@@ -92,7 +90,7 @@ class Places {
   Place entryPlace(const Record& record, std::uint32_t position) const;
 
   std::vector<std::string> files_;
-  std::deque<Record> records_;
+  std::vector<Record> records_;
   // Open addressing, by the container's address: one past the index of a record, or 0.
   std::vector<std::uint32_t> slots_;
   std::vector<unsigned char> entries_;
