@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import json
 import tomllib
 from io import BytesIO, TextIOWrapper
 from pathlib import Path
@@ -9,6 +10,7 @@ from typing import Any
 from xml.etree import ElementTree
 
 import pytest
+from conftest import Command
 
 from orv.errors import ModelError
 from orv.models.element import Element
@@ -19,7 +21,8 @@ SAME = {"name": "m", "on": True, "sizes": [1, 2], "in": {"x": 1.5}}
 SAME_IN = {
     "m.json": '\ufeff{"name": "m", "on": true, "sizes": [1, 2], "in": {"x": 1.5}}',
     "m.yaml": "name: m\non: true\nsizes: [1, 2]\nin: {x: 1.5}\n",
-    "m.yml": '%YAML 1.2\n---\nbase: &b {x: 1.5}\nname: m\n"on": true\nsizes: [1, 2]\nin: {<<: *b}\n',
+    "m.yml": "%YAML 1.2\n---\nbase: &b {x: 1.5}\n"
+    'name: m\n"on": true\nsizes: [1, 2]\nin: {<<: *b}\n',
     "m.toml": 'name = "m"\non = true\nsizes = [1, 2]\n[in]\nx = 1.5\n',
 }
 
@@ -359,3 +362,53 @@ def test_wrong_json_is_no_setting(text: str) -> None:
 def test_settings_end_with_a_message_at_any_depth() -> None:
     with pytest.raises(ValueError, match="expected at most 499 names in KEY, got 60000"):
         Setting.parse(".".join("a" * 60000) + "=1")
+
+
+SCHEMA = """
+$schema: http://json-schema.org/draft-07/schema#
+properties:
+  vars:
+    items:
+      properties: {type: {enum: [int, float]}, name: {type: string}}
+      required: [name]
+  x: {type: string}
+"""
+
+
+def test_a_schema_names_the_lines_of_the_model(orv: Command) -> None:
+    model = '{"vars": [\n{"name": "a",\n"type": "text"},\n{"type": "int"}]}'
+    files = {"m__json": model, "s__yaml": SCHEMA}
+    done = orv("model", "--model", "m.json", "--schema", "s.yaml", "--set", "x=1", **files)
+    assert (done.returncode, done.stderr) == (
+        1,
+        "error: --set x: x: 1 is not of type 'string'\n"
+        "m.json:3: vars[0].type: 'text' is not one of ['int', 'float']\n"
+        "m.json:4: vars[1]: 'name' is a required property\n",
+    )
+    for schema, message in [
+        ('{"type": 1}', "s.json: 1 is not valid under any of the given schemas"),
+        ('{"$ref": "http://x/y"}', 's.json: the reference to "http://x/y" leads out of the schema'),
+        ('{"$ref": "#"}', "s.json: the schema refers to itself without end"),
+    ]:
+        done = orv("model", "--model", "m.json", "--schema", "s.json", s__json=schema)
+        assert done.stderr == f"error: {message}\n"
+
+
+def test_the_command_prints_the_model(orv: Command) -> None:
+    toml = "d = 2026-01-31\n[a]\n'x y' = [1,\n {}]\n"
+    files = {"m__toml": toml, "x__xml": "<r n='1'>t\n<s/></r>"}
+    run = ("model", "--model", "m.toml", "--model", "x.xml", "--set", "a.z=q")
+    assert json.loads(orv(*run, **files).stdout) == {
+        "d": "2026-01-31",
+        "a": {"x y": [1, {}], "z": "q"},
+        "r": {"tag": "r", "attributes": {"n": "1"}, "content": ["t\n", {"tag": "s"}]},
+    }
+    assert orv(*run, "--places").stdout.splitlines() == [
+        'm.toml:1: d = "2026-01-31"',
+        "m.toml:3: a['x y'][0] = 1",
+        "m.toml:4: a['x y'][1] = {}",
+        '--set a.z: a.z = "q"',
+        'x.xml:1: r.attributes.n = "1"',
+        'x.xml:1: r.content[0] = "t\\n"',
+        'x.xml:2: r.content[1] = {"tag": "s"}',
+    ]

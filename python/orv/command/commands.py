@@ -5,7 +5,7 @@ from __future__ import annotations
 from dataclasses import dataclass
 
 from orv.command.option import Option, options_of
-from orv.command.options import GenerateOptions
+from orv.command.options import GenerateOptions, PrintModelOptions
 
 SUMMARY = "Packages generated C text into files, section by section."
 EXIT_CODES = "Ends with 0 when all went well, 1 when something failed or differs, 2 on misuse."
@@ -41,5 +41,11 @@ COMMANDS = (
         "Render each TEMPLATE with the models and write the files that they declare below DIR."
         " Without TEMPLATE, do the runs of a project file.",
         GenerateOptions,
+    ),
+    Command(
+        "model",
+        "print the model as JSON",
+        "Print what the models and settings make together, as templates see it.",
+        PrintModelOptions,
     ),
 )

@@ -50,7 +50,7 @@ def generate(options: GenerateOptions) -> Outcome:
     if options.run_name is not None:
         _say(f"run {options.run_name}", options)
     messages = Messages(lambda text: _warn(text, options), options.strict)
-    model = build_model(options.model, options.set, messages.warn)
+    model = build_model(options.model, options.set, messages.warn, options.schema)
     read: list[str] = []
     templates = [source_beside(path, options.templates, read) for path in options.template]
     with progress("rendering", None, options.quiet) as step:

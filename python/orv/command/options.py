@@ -35,6 +35,23 @@ SETTING = ValueType("KEY=VALUE", _setting)
 
 
 @dataclass
+class ModelOptions:
+    """The model."""
+
+    GROUP: ClassVar[str] = "model"
+
+    model: list[ModelSource] = values(
+        MODEL,
+        "a model in JSON, YAML, TOML, CSV or XML, under NAME or as it is; several are merged by"
+        " name; with NAME also a pattern of files, or -:FORMAT for standard input",
+    )
+    set: list[Setting] = values(SETTING, "set one value of the model; KEY may be dotted")
+    schema: list[str] = values(
+        file("FILE"), "check the model with a JSON Schema, in JSON or YAML"
+    )
+
+
+@dataclass
 class InputOptions:
     """What is rendered."""
 
@@ -44,12 +61,6 @@ class InputOptions:
         file("TEMPLATE"), "a template; others are looked for beside it"
     )
     templates: list[str] = values(folder("DIR"), "look for templates here too")
-    model: list[ModelSource] = values(
-        MODEL,
-        "a model in JSON, YAML, TOML, CSV or XML, under NAME or as it is; several are merged by"
-        " name; with NAME also a pattern of files, or -:FORMAT for standard input",
-    )
-    set: list[Setting] = values(SETTING, "set one value of the model; KEY may be dotted")
     script: list[str] = values(
         file("FILE.py"), "run a script on the files before they are written"
     )
@@ -97,7 +108,9 @@ class ProjectOptions:
 
 
 @dataclass
-class GenerateOptions(ProjectOptions, MessageOptions, OutputOptions, InputOptions):
+class GenerateOptions(
+    ProjectOptions, MessageOptions, OutputOptions, ModelOptions, InputOptions
+):
     """The options of `orv generate`."""
 
     @property
@@ -109,3 +122,10 @@ class GenerateOptions(ProjectOptions, MessageOptions, OutputOptions, InputOption
     def writes(self) -> bool:
         """Whether the run may change the output folder."""
         return not (self.check or self.diff or self.dry_run)
+
+
+@dataclass
+class PrintModelOptions(MessageOptions, ModelOptions):
+    """The options of `orv model`."""
+
+    places: bool = flag("print one line for each value, with the place where it was written")

@@ -57,8 +57,9 @@ def build_model(
     sources: Iterable[ModelSource],
     settings: Iterable[Setting],
     warn: Callable[[str], None] = ignore,
+    schemas: Iterable[str] = (),
 ) -> Model:
-    """Merge models and settings by name, in order.
+    """Merge models and settings by name, in order, and check them with the files of schemas.
 
     Where two models have an object under the same name, the objects are merged, and inside of them
     a later model goes before an earlier one. Anything else under one name is an error; settings
@@ -77,7 +78,12 @@ def build_model(
             nested = {name: nested}
             places.note(nested, f"--set {'.'.join(setting.names)}")
         values = _merged(values, nested, places)
-    return Model(values, places, reader.files, reader.folders)
+    model = Model(values, places, reader.files, reader.folders)
+    for path in schemas:
+        from orv.models.schema import check_model
+
+        check_model(model, reader.read_file(path), path)
+    return model
 
 
 def _entries(source: ModelSource, value: object, places: Places) -> dict[str, Any]:
