@@ -178,8 +178,9 @@ const Places::Positions& Places::positionsOf(std::uint32_t record) const {
   positions.size = size;
   const std::uint32_t fingerprint = fingerprintOf(known.container.ptr(), known.count,
                                                   [&](std::size_t at, PyObject* key, PyObject*) {
-                                                    if (key != nullptr)
+                                                    if (key != nullptr) {
                                                       positions.ofKeys[py::handle(key)] = at;
+                                                    }
                                                   });
   positions.areIntact = fingerprint == known.fingerprint;
   positions_ = std::move(positions);
