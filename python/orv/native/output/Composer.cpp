@@ -82,8 +82,9 @@ class MemoryStream {
   }
 
   FILE* stream() { return stream_; }
-  void write(std::string_view text) {
+  MemoryStream& write(std::string_view text) {
     static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream_));
+    return *this;
   }
   // Everything written so far, valid until more is written.
   std::string_view written() {
@@ -171,7 +172,7 @@ ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order)
   bool isOpen = false;
   for (const VarnFileSectionKind kind : *order) {
     if (!guard.empty() && !isOpen && kind != Varn::BANNER_SECTION) {
-      memory.write("#ifndef " + guard + "\n#define " + guard + "\n\n");
+      memory.write("#ifndef ").write(guard).write("\n#define ").write(guard).write("\n\n");
       isOpen = true;
     }
     if (!file.hasSection(kind)) continue;
@@ -181,7 +182,7 @@ ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order)
     const std::size_t size = writeSection(memory, section);
     if (size != 0) sections.push_back({static_cast<int>(kind), size});
   }
-  if (isOpen) memory.write("\n#endif /* " + guard + " */\n");
+  if (isOpen) memory.write("\n#endif /* ").write(guard).write(" */\n");
   return memory.finish(std::move(sections));
 }
 
