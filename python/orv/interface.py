@@ -30,13 +30,18 @@ count.j2:4: 'start' is undefined
 from __future__ import annotations
 
 import os
-from collections.abc import Callable, Iterable, Mapping, Sequence
+from collections.abc import Callable, Mapping, Sequence
 
 from orv.errors import Messages, ignore
 from orv.files.run import Run
-from orv.output import writer
-from orv.output.writer import PlannedFile
+from orv.output import plan as planning
+from orv.output.folder import lock, make_folder, open_folder
+from orv.output.plan import Plan
+from orv.output.writer import Writer
 from orv.templates import engine
+
+# How long a run waits for another one, in seconds.
+_LOCK_TIMEOUT = 60
 
 
 def render(
@@ -56,19 +61,22 @@ def render(
     return engine.render([source], model, Messages(warn, strict))
 
 
-def plan(run: Run, out: str | os.PathLike[str]) -> list[PlannedFile]:
+def plan(run: Run, out: str | os.PathLike[str]) -> Plan:
     """Compare the files of a run with what is below the folder `out`, which need not exist.
 
     Changes nothing. Raises OutputError, with the file and where it was declared, when a file cannot
     go where it belongs.
     """
-    return writer.plan(run, os.fspath(out))
+    return planning.plan(run, open_folder(os.fspath(out)))
 
 
-def write(files: Iterable[PlannedFile], run: Run) -> None:
-    """Write the planned files that differ, each in one step.
+def write(files: Plan, run: Run) -> None:
+    """Write the planned files that differ, each in one step. No state file is read or written.
 
-    Raises OutputError, which says of every file whether it is old or new, when one cannot be
-    written.
+    Waits for other runs that use the folder and keeps them out until the plan is dropped. Raises
+    OutputError, which says of every file whether it is old or new, when one cannot be written.
     """
-    writer.write(files, run, lambda _: None)
+    make_folder(files.folder)
+    lock(files.folder, shared=False, timeout=_LOCK_TIMEOUT)
+    planning.compare(files, run)
+    Writer(files.folder, run).write(files)

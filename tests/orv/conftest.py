@@ -13,7 +13,8 @@ from jinja2 import DictLoader
 
 from orv.templates.engine import Source, render
 from orv.errors import Messages
-from orv.output.writer import plan
+from orv.output.folder import open_folder
+from orv.output.plan import plan
 
 # A test's parameter as its name shows it.
 _LONGEST_ID = 28
@@ -43,9 +44,9 @@ def files_of(
     source = Source(next(iter(templates)), DictLoader(templates))
     run = render([source], model or {}, messages)
     return {
-        os.path.relpath(file.shown, "/out"): file.data.decode()
-        for file in plan(run, "/out")
-        if file.target
+        file.path: file.data.decode()
+        for file in plan(run, open_folder("/out"))
+        if not file.is_empty
     }
 
 

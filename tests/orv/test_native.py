@@ -4,7 +4,6 @@ from __future__ import annotations
 
 import gc
 import weakref
-from pathlib import Path
 from typing import Any
 
 import pytest
@@ -117,21 +116,3 @@ def test_the_repository_lives_as_long_as_its_users() -> None:
     del owner
     gc.collect()
     assert alive() is None and "orbel.HandleBase" in repr(handle)
-
-
-def test_streams_report_what_the_system_says(tmp_path: Path) -> None:
-    stream = _native.Stream.create(tmp_path / "a")
-    stream.write(b"x")
-    stream.flush()
-    stream.close()
-    stream.close()
-    assert (tmp_path / "a").read_bytes() == b"x"
-    with pytest.raises(FileExistsError) as exists:
-        _native.Stream.create(tmp_path / "a")
-    assert exists.value.filename == str(tmp_path / "a")
-    with pytest.raises(FileNotFoundError):
-        _native.Stream.create(tmp_path / "no" / "b")
-    with pytest.raises(ValueError, match="null"):
-        _native.Stream.create("a\0b")
-    with pytest.raises(RuntimeError, match="is closed"):
-        stream.write(b"y")

@@ -3,10 +3,13 @@
 from __future__ import annotations
 
 import os
+import re
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, ClassVar
 
-from orv.command.option import ValueType, file, flag, folder, operands, text, value, values
+from orv.command.option import (
+    ValueType, file, flag, folder, number, operands, text, value, values,
+)  # fmt: skip
 
 if TYPE_CHECKING:
     from orv.models.model import Setting
@@ -30,6 +33,13 @@ def _setting(argument: str) -> Setting:
     return Setting.parse(os.fsencode(argument).decode())
 
 
+def _mode(argument: str) -> int:
+    if not re.fullmatch("0?[0-7]{3}", argument):
+        raise ValueError(f"expected an octal mode such as 444, got {argument!r}")
+    return int(argument, 8)
+
+
+MODE = ValueType("MODE", _mode)
 MODEL = ValueType("[NAME=]FILE", _model, _model_below, "file")
 SETTING = ValueType("KEY=VALUE", _setting)
 
@@ -83,6 +93,23 @@ class OutputOptions:
 
 
 @dataclass
+class WritingOptions:
+    """How the output folder is written."""
+
+    GROUP: ClassVar[str] = "writing"
+
+    lock_timeout: int = value(
+        number("SECONDS"),
+        "wait so long for another run that uses the same folder (60 by default)",
+        default=60,
+    )
+    file_mode: int | None = value(
+        MODE, "give the files these permissions, in octal (444 is read-only)"
+    )
+    fsync: bool = flag("end only when everything is on the disk")
+
+
+@dataclass
 class MessageOptions:
     """What is said."""
 
@@ -109,7 +136,7 @@ class ProjectOptions:
 
 @dataclass
 class GenerateOptions(
-    ProjectOptions, MessageOptions, OutputOptions, ModelOptions, InputOptions
+    ProjectOptions, MessageOptions, WritingOptions, OutputOptions, ModelOptions, InputOptions
 ):
     """The options of `orv generate`."""
 

@@ -29,8 +29,8 @@ void bindCustomSections(RepositoryClass& repository);
 
 void bindPrinter(pybind11::module_& module);
 void bindComposer(pybind11::module_& module, RepositoryClass& repository);
-void bindStreams(pybind11::module_& module);
 void bindModels(pybind11::module_& module);
+void bindOutput(pybind11::module_& module);
 
 }  // namespace orv
 

@@ -15,8 +15,8 @@ PYBIND11_MODULE(_native, module) {
   orv::bindCustomSections(repository);
   orv::bindPrinter(module);
   orv::bindComposer(module, repository);
-  orv::bindStreams(module);
   orv::bindModels(module);
+  orv::bindOutput(module);
 
   pybind11::list names;
   for (const std::string& name : orv::sectionNames()) names.append(orv::toPython(name));

@@ -4,13 +4,17 @@ from __future__ import annotations
 
 import difflib
 
-from orv.output.writer import PlannedFile, State
+from orv import _native
+from orv.output.folder import shown
+from orv.output.plan import PlannedFile, State
 
 
-def difference(file: PlannedFile) -> str:
+def difference(file: PlannedFile, folder: _native.OutputFolder) -> str:
     """A unified difference; a new file differs from /dev/null."""
-    old_name = "/dev/null" if file.state is State.NEW else file.shown
-    lines = difflib.unified_diff(_lines(file.old), _lines(file.data), old_name, file.shown)
+    name = shown(folder, file.path)
+    old_name = "/dev/null" if file.state is State.NEW else name
+    old = folder.read(file.location) or b""
+    lines = difflib.unified_diff(_lines(old), _lines(file.data), old_name, name)
     return "".join(
         line if line.endswith("\n") else f"{line}\n\\ No newline at end of file\n" for line in lines
     )

@@ -8,7 +8,7 @@ from collections.abc import Iterable
 
 from orv.files.table import ATTRIBUTES
 from orv.files.run import Run
-from orv.output.writer import PlannedFile, State
+from orv.output.plan import PlannedFile
 
 _INCLUDE = re.compile(r'^#include ([<"][^>"\n]*[>"])$', re.MULTILINE)
 
@@ -33,7 +33,7 @@ def _entry(run: Run, file: PlannedFile) -> dict[str, object]:
     return {
         "attributes": attributes,
         "class": repository.class_name(file.index),
-        "empty": file.state is State.EMPTY,
+        "empty": file.is_empty,
         "functions": repository.function_names(file.index),
         "includes": _INCLUDE.findall(repository.section_text(file.index, "Includes")),
         "path": file.path,

@@ -6,18 +6,25 @@ import os
 import stat
 import sys
 from collections.abc import Iterable, Mapping
-from typing import NamedTuple
+from dataclasses import dataclass
 
+from orv import _native
 from orv.errors import OutputError
-from orv.output.writer import replace_file
+from orv.output.folder import open_folder, reason
 
 
-class Report(NamedTuple):
-    """A text for the place `path`; `kind` is what messages call it."""
+@dataclass
+class Report:
+    """A text for the place `path`; `kind` is what messages call it.
+
+    `folder`, the folder of a report that is a file, is opened when the report is prepared.
+    """
 
     kind: str
     path: str
     data: bytes
+    folder: _native.OutputFolder | None = None
+    location: str = ""
 
     @property
     def label(self) -> str:
@@ -25,8 +32,8 @@ class Report(NamedTuple):
         return f'the {self.kind} "{self.path}"'
 
 
-def prepare(reports: Iterable[Report], taken: Mapping[str, str]) -> None:
-    """Make the folders of the reports.
+def prepare(reports: Iterable[Report], taken: Mapping[str, str], durable: bool) -> None:
+    """Make and open the folders of the reports.
 
     `taken` has what else the run reads and writes, by its real path. Raises OutputError when a
     report would take the place of one of these or of another report, or cannot be a file.
@@ -39,20 +46,25 @@ def prepare(reports: Iterable[Report], taken: Mapping[str, str]) -> None:
             real = os.path.realpath(report.path)
             _refuse_overlap(report, real, taken)
             taken[real] = report.label
-            os.makedirs(os.path.dirname(real), exist_ok=True)
+            folder, name = os.path.split(real)
+            report.location = os.fsencode(name).decode("utf-8", "surrogateescape")
+            report.folder = open_folder(folder, durable)
+            report.folder.create()
         except OSError as error:
-            raise OutputError(f"{report.label} cannot be written: {error.strerror}") from error
+            raise OutputError(f"{report.label} cannot be written: {reason(error)}") from error
 
 
 def write(report: Report) -> None:
     """Write the report: a file is replaced in one step, a device or a pipe is written into."""
     try:
-        if _is_special(report.path):
+        if report.folder is None:
             _write_into(report)
-        else:
-            replace_file(os.path.realpath(report.path), report.data)
+            return
+        report.folder.remove_abandoned("")
+        report.folder.replace(report.location, report.data, None)
+        report.folder.sync()
     except OSError as error:
-        raise OutputError(f"{report.label} cannot be written: {error.strerror}") from error
+        raise OutputError(f"{report.label} cannot be written: {reason(error)}") from error
 
 
 def _refuse_overlap(report: Report, real: str, taken: Mapping[str, str]) -> None:

@@ -1,4 +1,3 @@
-#include <cstring>
 #include <string>
 
 #include "python/orv/native/Bindings.hpp"
@@ -29,13 +28,6 @@ py::buffer_info bufferOf(ComposedFile& file) {
                          {static_cast<py::ssize_t>(bytes.size())}, {1}, true);
 }
 
-bool equals(const ComposedFile& file, const py::buffer& other) {
-  const py::buffer_info block = other.request();
-  const std::string_view bytes = file.bytes();
-  return static_cast<std::size_t>(block.size * block.itemsize) == bytes.size() &&
-         std::memcmp(block.ptr, bytes.data(), bytes.size()) == 0;
-}
-
 py::dict sectionSizes(const ComposedFile& file) {
   py::dict sizes;
   for (const ComposedFile::Section& section : file.sections()) {
@@ -50,7 +42,6 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
   py::class_<ComposedFile>(module, "ComposedFile", py::buffer_protocol())
       .def_buffer(&bufferOf)
       .def("__len__", [](const ComposedFile& file) { return file.bytes().size(); })
-      .def("equals", &equals)
       .def_property_readonly("sections", &sectionSizes);
   repository.def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none())
       .def("is_header",

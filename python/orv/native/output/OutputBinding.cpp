@@ -1,0 +1,140 @@
+#include <cerrno>
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <pybind11/stl.h>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Text.hpp"
+#include "python/orv/native/output/OutputErrors.hpp"
+#include "python/orv/native/output/OutputFolder.hpp"
+#include "python/orv/native/output/OutputName.hpp"
+#include "python/orv/native/output/TextHash.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+// A path as the system has it: Python's text for it may hold any byte.
+std::string systemPath(const py::object& path) {
+  PyObject* encoded = nullptr;
+  if (PyUnicode_FSConverter(path.ptr(), &encoded) == 0) throw py::error_already_set();
+  return py::reinterpret_steal<py::bytes>(encoded);
+}
+
+py::object fromSystem(const std::string& path) {
+  PyObject* text =
+      PyUnicode_DecodeFSDefaultAndSize(path.data(), static_cast<Py_ssize_t>(path.size()));
+  if (text == nullptr) throw py::error_already_set();
+  return py::reinterpret_steal<py::object>(text);
+}
+
+// A path below the folder: its bytes are UTF-8 whatever the locale.
+std::string pathBelow(const py::str& path) {
+  PyObject* bytes = PyUnicode_AsEncodedString(path.ptr(), "utf-8", "surrogateescape");
+  if (bytes == nullptr) throw py::error_already_set();
+  return py::reinterpret_steal<py::bytes>(bytes);
+}
+
+// The bytes of any contiguous buffer, borrowed while this object lives.
+class Bytes {
+ public:
+  explicit Bytes(const py::object& object) {
+    if (PyObject_GetBuffer(object.ptr(), &buffer_, PyBUF_SIMPLE) != 0) {
+      throw py::error_already_set();
+    }
+  }
+  Bytes(const Bytes&) = delete;
+  Bytes& operator=(const Bytes&) = delete;
+  ~Bytes() { PyBuffer_Release(&buffer_); }
+
+  std::string_view view() const {
+    return {static_cast<const char*>(buffer_.buf), static_cast<std::size_t>(buffer_.len)};
+  }
+
+ private:
+  Py_buffer buffer_{};
+};
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 asks for
+void translateOutputErrors(std::exception_ptr error) {
+  try {
+    if (error) std::rethrow_exception(error);
+  } catch (const SystemError& systemError) {
+    const py::object path = fromSystem(systemError.path());
+    errno = systemError.code().value();
+    PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path.ptr());
+  } catch (const OutputRefused& refused) {
+    const py::object type = py::module_::import("orv.errors").attr("OutputError");
+    PyErr_SetObject(type.ptr(), toPython(refused.what()).ptr());
+  }
+}
+
+py::object readFile(const OutputFolder& folder, const py::str& location) {
+  const std::optional<std::string> bytes = folder.read(pathBelow(location));
+  if (!bytes) return py::none();
+  return py::bytes(*bytes);
+}
+
+void bindFolder(py::module_& module) {
+  py::class_<OutputFolder>(module, "OutputFolder")
+      .def(py::init([](const py::object& path, const py::object& real, bool durable) {
+        return OutputFolder(systemPath(path), systemPath(real), durable);
+      }))
+      .def_property_readonly("path",
+                             [](const OutputFolder& folder) { return fromSystem(folder.path()); })
+      .def_property_readonly("real",
+                             [](const OutputFolder& folder) { return fromSystem(folder.real()); })
+      .def_property_readonly("exists", &OutputFolder::exists)
+      .def("create", &OutputFolder::create)
+      .def("lock", &OutputFolder::lock)
+      .def("locate", [](OutputFolder& folder,
+                        const py::str& path) { return toPython(folder.locate(pathBelow(path))); })
+      .def("compare",
+           [](const OutputFolder& folder, const py::str& location, const py::object& data) {
+             return folder.compare(pathBelow(location), Bytes(data).view());
+           })
+      .def("read", &readFile)
+      .def("has_folder",
+           [](const OutputFolder& folder, const py::str& location) {
+             return folder.hasFolder(pathBelow(location));
+           })
+      .def("replace",
+           [](OutputFolder& folder, const py::str& location, const py::object& data,
+              std::optional<mode_t> mode) {
+             folder.replace(pathBelow(location), Bytes(data).view(), mode);
+           })
+      .def("set_mode", [](const OutputFolder& folder, const py::str& location,
+                          mode_t mode) { folder.setMode(pathBelow(location), mode); })
+      .def("remove", [](OutputFolder& folder,
+                        const py::str& location) { folder.remove(pathBelow(location)); })
+      .def("remove_folder",
+           [](OutputFolder& folder, const py::str& location) {
+             return folder.removeFolder(pathBelow(location));
+           })
+      .def("remove_abandoned",
+           [](const OutputFolder& folder, const py::str& location) {
+             folder.removeAbandoned(pathBelow(location));
+           })
+      .def("sync", &OutputFolder::sync);
+}
+
+}  // namespace
+
+void bindOutput(py::module_& module) {
+  py::register_local_exception_translator(&translateOutputErrors);
+  py::class_<OutputFolder::Comparison>(module, "Comparison")
+      .def_readonly("exists", &OutputFolder::Comparison::exists)
+      .def_readonly("same", &OutputFolder::Comparison::same)
+      .def_readonly("hash", &OutputFolder::Comparison::hash);
+  bindFolder(module);
+  module.def("output_path", [](const py::str& directory, const py::str& name) {
+    return toPython(outputPath(pathBelow(directory), pathBelow(name)));
+  });
+  module.def("text_hash", [](const py::object& data) { return textHash(Bytes(data).view()); });
+}
+
+}  // namespace orv

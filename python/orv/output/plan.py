@@ -1,0 +1,188 @@
+"""What the disk will hold after a run, and how that compares with what it holds."""
+
+from __future__ import annotations
+
+import os
+from dataclasses import dataclass
+from enum import Enum
+
+from orv import _native
+from orv.errors import OutputError
+from orv.files.run import Run
+from orv.output.folder import reason, shown
+
+
+class State(Enum):
+    """How a file of the run compares with the disk."""
+
+    NEW = "new"
+    CHANGED = "changed"
+    SAME = "same"
+    EMPTY = "empty"
+
+
+@dataclass
+class PlannedFile:
+    """A file of the run and its bytes. An empty file has none and is not written.
+
+    `path` is below the output folder and the same in any locale; `location` is where links inside
+    the folder lead it, and the file's identity. `old_hash` is that of the text on the disk.
+    """
+
+    index: int
+    path: str
+    composed: _native.ComposedFile | None = None
+    state: State = State.EMPTY
+    location: str = ""
+    old_hash: str = ""
+
+    @property
+    def differs(self) -> bool:
+        """Whether the disk has to change."""
+        return self.state in (State.NEW, State.CHANGED)
+
+    @property
+    def is_empty(self) -> bool:
+        """Whether the file is left out because nothing was put into it."""
+        return self.composed is None
+
+    @property
+    def buffer(self) -> _native.ComposedFile | bytes:
+        """The file's bytes, not copied."""
+        return b"" if self.composed is None else self.composed
+
+    @property
+    def data(self) -> bytes:
+        """A copy of the file's bytes."""
+        return bytes(self.buffer)
+
+
+class Plan(list[PlannedFile]):
+    """The files of a run in the order of the repository, and the folder that they belong to."""
+
+    def __init__(self, folder: _native.OutputFolder) -> None:
+        super().__init__()
+        self.folder = folder
+
+
+def plan(run: Run, folder: _native.OutputFolder) -> Plan:
+    """Work out what has to be written, in the order of the repository. Changes nothing.
+
+    Paths that differ only in letter case are warned about. Raises OutputError, with the file and
+    where it was declared, when a file cannot go where it belongs.
+    """
+    planned = Plan(folder)
+    folded: dict[str, PlannedFile] = {}
+    for index in range(len(run.repository)):
+        if run.repository.get_attribute(index, "IsEmpty"):
+            planned.append(PlannedFile(index, _text(run, index, "Name")))
+            continue
+        try:
+            file = _composed(run, index)
+        except OutputError as error:
+            raise _located(run, index, error) from error
+        planned.append(file)
+        _report_clash(file, folded.setdefault(file.path.casefold(), file), run)
+    compare(planned, run)
+    return planned
+
+
+def compare(files: Plan, run: Run) -> None:
+    """Compare the files with the disk once more: others may have changed it."""
+    owners: dict[str, int] = {}
+    for file in files:
+        if file.is_empty:
+            continue
+        try:
+            _compare_file(file, files.folder)
+            _claim(file.location, file.index, owners, run)
+        except OutputError as error:
+            raise _located(run, file.index, error) from error
+    _refuse_files_as_folders(owners, run)
+
+
+def real_path(folder: _native.OutputFolder, location: str) -> str:
+    """The full path of a file, as Python's file functions take it."""
+    return os.path.join(folder.real, os.fsdecode(location.encode("utf-8", "surrogateescape")))
+
+
+def _composed(run: Run, index: int) -> PlannedFile:
+    path = _native.output_path(_text(run, index, "OutputDirectory"), _disk_name(run, index))
+    return PlannedFile(index, path, _compose(run, index), State.NEW)
+
+
+def _compose(run: Run, index: int) -> _native.ComposedFile:
+    record = run.files.record(index)
+    try:
+        return run.repository.compose(index, None if record is None else record.order)
+    except ValueError as error:
+        raise OutputError(str(error)) from error
+
+
+def _compare_file(file: PlannedFile, folder: _native.OutputFolder) -> None:
+    try:
+        file.location = folder.locate(file.path)
+        old = folder.compare(file.location, file.buffer)
+    except OSError as error:
+        raise OutputError(f"{shown(folder, file.path)} cannot be read: {reason(error)}") from error
+    file.state = State.NEW if not old.exists else State.SAME if old.same else State.CHANGED
+    file.old_hash = old.hash
+
+
+def _located(run: Run, index: int, error: OutputError) -> OutputError:
+    return OutputError(f"{run.files.place(index)}the file {run.files.label(index)}: {error}")
+
+
+def _disk_name(run: Run, index: int) -> str:
+    """The file's name; for one without a name, its BaseName with the ending of its kind."""
+    name = _text(run, index, "Name")
+    base = _text(run, index, "BaseName")
+    if name:
+        return name
+    if not base:
+        raise OutputError("it has no name to be written under; give it a BaseName")
+    return base + (".h" if run.repository.is_header(index) else ".c")
+
+
+def _claim(location: str, index: int, owners: dict[str, int], run: Run) -> None:
+    if location in owners:
+        other = owners[location]
+        place = run.files.place(other).removesuffix(": ")
+        where = f", declared at {place}," if place else ""
+        raise OutputError(f"the file {run.files.label(other)}{where} is written to the same path")
+    owners[location] = index
+
+
+def _report_clash(file: PlannedFile, other: PlannedFile, run: Run) -> None:
+    if file.path == other.path or _names_clash(file, other, run):
+        return
+    declared = run.files.place(other.index).removesuffix(": ")
+    where = f", declared at {declared}" if declared else ""
+    run.messages.warn(
+        f'the path "{file.path}" differs only in letter case from "{other.path}"{where};'
+        " some file systems cannot hold both",
+        run.files.place(file.index).removesuffix(": ") or None,
+    )
+
+
+def _names_clash(file: PlannedFile, other: PlannedFile, run: Run) -> bool:
+    """Whether the names alone differ in the case of ASCII letters, which is reported earlier."""
+    names = [_text(run, planned.index, "Name") for planned in (file, other)]
+    folded = {name.encode("utf-8", "surrogateescape").lower() for name in names}
+    return names[0] != names[1] and len(folded) == 1
+
+
+def _refuse_files_as_folders(owners: dict[str, int], run: Run) -> None:
+    for location, index in owners.items():
+        parent = os.path.dirname(location)
+        while parent:
+            if parent in owners:
+                raise OutputError(
+                    f"{run.files.place(index)}the file {run.files.label(index)} is below"
+                    f" {run.files.label(owners[parent])}, which is a file and not a folder"
+                )
+            parent = os.path.dirname(parent)
+
+
+def _text(run: Run, index: int, attribute: str) -> str:
+    return str(run.repository.get_attribute(index, attribute))
