@@ -1,28 +1,33 @@
-# What `cmake --install` gives: the headers, both libraries, a CMake package and pkg-config files.
+# How things are installed: each in a component of `cmake --install` (runtime, dev or python), and
+# once more in the Debian package that holds it, which is a component of its own for cpack.
 
-include(CMakePackageConfigHelpers)
+# varn_install(<component> <package> <arguments of install()...>)
+function(varn_install component package)
+  if(VARN_INSTALL)
+    install(${ARGN} COMPONENT ${component})
+    install(${ARGN} COMPONENT ${package} EXCLUDE_FROM_ALL)
+  endif()
+endfunction()
 
-install(TARGETS orbel varn_filepackaging
-  EXPORT varn_filepackaging
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY include/orbel include/varn DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# varn_find_libraries_from(<target> <folder>): once installed in the folder, the target finds the
+# project's libraries wherever the prefix is moved. In /usr the loader finds them itself.
+function(varn_find_libraries_from target folder)
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    file(RELATIVE_PATH to_libraries "/${folder}" "/${CMAKE_INSTALL_LIBDIR}")
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  endif()
+endfunction()
 
-set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/varn_filepackaging)
-install(EXPORT varn_filepackaging NAMESPACE varn:: DESTINATION ${package_dir})
-configure_package_config_file(
-  cmake/varn_filepackagingConfig.cmake.in
-  ${PROJECT_BINARY_DIR}/varn_filepackagingConfig.cmake
-  INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(
-  ${PROJECT_BINARY_DIR}/varn_filepackagingConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES
-  ${PROJECT_BINARY_DIR}/varn_filepackagingConfig.cmake
-  ${PROJECT_BINARY_DIR}/varn_filepackagingConfigVersion.cmake
-  DESTINATION ${package_dir})
-
-foreach(name orbel varn_filepackaging)
-  configure_file(cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endforeach()
+# varn_install_library(<target> <package> <development package>)
+function(varn_install_library target package development)
+  if(NOT VARN_INSTALL)
+    return()
+  endif()
+  varn_find_libraries_from(${target} ${CMAKE_INSTALL_LIBDIR})
+  install(TARGETS ${target} EXPORT varn_filepackaging
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
+  install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT ${package} EXCLUDE_FROM_ALL NAMELINK_SKIP)
+  install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT ${development} EXCLUDE_FROM_ALL NAMELINK_ONLY)
+endfunction()

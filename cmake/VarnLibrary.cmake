@@ -50,6 +50,8 @@ target_link_libraries(varn_filepackaging PUBLIC orbel Boost::headers PRIVATE Boo
 set_target_properties(varn_filepackaging PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}
-  INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
-  INSTALL_RPATH $ORIGIN)
+  INTERPROCEDURAL_OPTIMIZATION_RELEASE ${VARN_LINK_TIME_OPTIMIZATION})
 add_library(varn::varn_filepackaging ALIAS varn_filepackaging)
+varn_install_library(varn_filepackaging libvarn-filepackaging1 libvarn-filepackaging-dev)
+varn_install(dev libvarn-filepackaging-dev
+  DIRECTORY include/varn DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

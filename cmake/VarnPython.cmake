@@ -27,31 +27,44 @@ if(NOT Python_Development.Module_FOUND OR NOT pybind11_FOUND OR NOT EXPAT_FOUND
 endif()
 set(VARN_PYTHON_PACKAGES ON)
 
-set(VARN_PYTHON_DIR "lib/python${Python_VERSION_MAJOR}.${Python_VERSION_MINOR}/dist-packages"
-  CACHE STRING "Where Python packages are installed, from the prefix")
+# Where Debian's Python looks below each prefix.
+set(python_version ${Python_VERSION_MAJOR}.${Python_VERSION_MINOR})
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(python_version ${Python_VERSION_MAJOR})
+endif()
+set(VARN_PYTHON_DIR "" CACHE STRING
+  "Where Python packages are installed, from the prefix; the distribution's folder when empty")
+set(varn_python_dir ${VARN_PYTHON_DIR})
+if(NOT varn_python_dir)
+  set(varn_python_dir lib/python${python_version}/dist-packages)
+endif()
 
-# varn_python_package(<name> MODULES <.py and other files> NATIVE <sources> [LIBRARIES ...]): the
-# package of this folder; its native part is the submodule `_native`, and `_version` is generated.
-function(varn_python_package name)
+# varn_python_package(<name> <package> MODULES <.py and other files> NATIVE <sources>
+# [LIBRARIES ...]): the Python package of this folder, which the Debian package holds; its native
+# part is the submodule `_native`, and `_version` is generated.
+function(varn_python_package name package)
   cmake_parse_arguments(PACKAGE "" "" "MODULES;NATIVE;LIBRARIES" ${ARGN})
   set(target ${name}_native)
+  # Its own flags for link-time optimisation draw a warning from g++.
+  set(CMAKE_INTERPROCEDURAL_OPTIMIZATION OFF)
   pybind11_add_module(${target} MODULE ${PACKAGE_NATIVE})
   varn_target(${target})
   target_link_libraries(${target} PRIVATE ${PACKAGE_LIBRARIES})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
-  file(RELATIVE_PATH to_libraries "/${VARN_PYTHON_DIR}/${name}" "/${CMAKE_INSTALL_LIBDIR}")
   set_target_properties(${target} PROPERTIES
     OUTPUT_NAME _native
     LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/python/${name}
-    INSTALL_RPATH "$ORIGIN/${to_libraries}")
-  install(TARGETS ${target} LIBRARY DESTINATION ${VARN_PYTHON_DIR}/${name})
+    INTERPROCEDURAL_OPTIMIZATION_RELEASE ${VARN_LINK_TIME_OPTIMIZATION})
+  varn_find_libraries_from(${target} ${varn_python_dir}/${name})
+  varn_install(python ${package} TARGETS ${target} LIBRARY DESTINATION ${varn_python_dir}/${name})
   set(version_module ${PROJECT_BINARY_DIR}/python/${name}/_version.py)
   file(CONFIGURE OUTPUT ${version_module} CONTENT "__version__ = \"@PROJECT_VERSION@\"\n" @ONLY)
-  install(FILES ${version_module} DESTINATION ${VARN_PYTHON_DIR}/${name})
+  varn_install(python ${package} FILES ${version_module} DESTINATION ${varn_python_dir}/${name})
   foreach(module ${PACKAGE_MODULES})
     configure_file(${module} ${PROJECT_BINARY_DIR}/python/${name}/${module} COPYONLY)
     get_filename_component(folder ${module} DIRECTORY)
-    install(FILES ${module} DESTINATION ${VARN_PYTHON_DIR}/${name}/${folder})
+    varn_install(python ${package}
+      FILES ${module} DESTINATION ${varn_python_dir}/${name}/${folder})
   endforeach()
 endfunction()
 

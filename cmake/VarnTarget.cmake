@@ -1,11 +1,16 @@
 # What every target of this project has in common, so that a warning or a missing sanitizer in one
 # of them cannot go unnoticed.
 
-option(VARN_SANITIZE "Build with the address, leak and undefined-behaviour sanitizers" OFF)
+# Not every compiler finds a linker that understands its intermediate code.
+if(NOT DEFINED VARN_LINK_TIME_OPTIMIZATION)
+  include(CheckIPOSupported)
+  check_ipo_supported(RESULT result OUTPUT ignored LANGUAGES CXX)
+  set(VARN_LINK_TIME_OPTIMIZATION ${result} CACHE INTERNAL "Whether release builds use it")
+endif()
 
-# varn_target(<target>): warnings as errors, hidden symbols, C++17, and the sanitizers when asked
-# for. Assertions stay on under the sanitizers whatever the build type says. Calls inside a library
-# go to the library's own functions, which is what lets the compiler inline them.
+# varn_target(<target>): C++17, hidden symbols, and the warnings and sanitizers that are asked for.
+# Assertions stay on under the sanitizers whatever the build type says. Calls inside a library go to
+# the library's own functions, which is what lets the compiler inline them.
 function(varn_target target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   set_target_properties(${target} PROPERTIES
@@ -13,10 +18,15 @@ function(varn_target target)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON
     POSITION_INDEPENDENT_CODE ON)
-  target_compile_options(${target} PRIVATE
-    -fno-semantic-interposition
-    -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2)
+  target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  if(VARN_WARNINGS)
+    target_compile_options(${target} PRIVATE
+      -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+      -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2)
+  endif()
+  if(VARN_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
   if(VARN_SANITIZE)
     target_compile_options(${target} PRIVATE
       -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -UNDEBUG)

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <filesystem>
 #include <map>
+#include <string.h>
 #include <utility>
 
 #include <orbel/ObjectSystem.hpp>
@@ -35,6 +36,24 @@ std::string withoutPrefixAndSuffix(std::string fileName) {
   return fileName.substr(0, fileName.find(".so"));
 }
 
+// The file of a library in a folder: the plain name, which only development packages install, or
+// the latest version. Empty if there is none.
+std::filesystem::path findLibrary(const std::filesystem::path& folder, const std::string& name) {
+  std::error_code ignored;
+  if (std::filesystem::exists(folder / name, ignored)) {
+    return folder / name;
+  }
+  std::string latest;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
+    std::string found = entry.path().filename().string();
+    if (found.compare(0, name.size() + 1, name + '.') == 0 &&
+        strverscmp(latest.c_str(), found.c_str()) < 0) {
+      latest = std::move(found);
+    }
+  }
+  return latest.empty() ? std::filesystem::path() : folder / latest;
+}
+
 ModuleFile locate(const std::string& nameOrPath) {
   if (nameOrPath.find('\0') != std::string::npos) {
     raise("ModuleNotLoaded", {nameOrPath, "the name contains a NUL"});
@@ -44,10 +63,8 @@ ModuleFile locate(const std::string& nameOrPath) {
             nameOrPath};
   }
   const std::string fileName = "lib" + nameOrPath + ".so";
-  const std::filesystem::path neighbour = ownFolder() / fileName;
-  std::error_code ignored;
-  const bool isNeighbour = std::filesystem::exists(neighbour, ignored);
-  return {nameOrPath, isNeighbour ? neighbour.string() : fileName};
+  const std::filesystem::path neighbour = findLibrary(ownFolder(), fileName);
+  return {nameOrPath, neighbour.empty() ? fileName : neighbour.string()};
 }
 
 struct LibraryClose {

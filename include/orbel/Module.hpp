@@ -24,8 +24,9 @@ namespace orbel {
 class ORBEL_EXPORT Module {
  public:
   // Loads and initialises a module, by the path of its file (anything with a "/") or by its name
-  // N: libN.so in the folder of the host's own library, else wherever the dynamic linker looks. A
-  // module that is loaded already is returned as it is.
+  // N: libN.so, or else its latest version (libN.so.1), in the folder of the host's own library,
+  // or libN.so wherever the dynamic linker looks. A module that is loaded already is returned as it
+  // is.
   //
   // Throws "ModuleNotLoaded" (with the linker's reason), "ModuleIncomplete" (naming every export
   // that is missing), "ModuleSpent" for a module that was closed or failed to initialise before,

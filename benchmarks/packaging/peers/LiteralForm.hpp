@@ -53,7 +53,7 @@ class Section {
   virtual void write(FILE* stream) const;
 
  private:
-  void* handle_ = nullptr;
+  [[maybe_unused]] void* handle_ = nullptr;
   std::list<boost::shared_ptr<Fragment>> fragments_;
   mutable std::string content_;
 };

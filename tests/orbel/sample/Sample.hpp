@@ -83,7 +83,7 @@ class Box : public Item {
 
  private:
   std::vector<std::unique_ptr<Item>> items_;
-  std::array<char, 512> padding_{};
+  [[maybe_unused]] std::array<char, 512> padding_{};
 };
 
 namespace mi {
