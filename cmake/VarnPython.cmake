@@ -17,11 +17,13 @@ find_package(tomlplusplus QUIET)
 find_package(PkgConfig QUIET)
 if(PkgConfig_FOUND)
   pkg_check_modules(YAML QUIET IMPORTED_TARGET yaml-0.1)
+  pkg_check_modules(RE2 QUIET IMPORTED_TARGET re2)
 endif()
 if(NOT Python_Development.Module_FOUND OR NOT pybind11_FOUND OR NOT EXPAT_FOUND
-    OR NOT RapidJSON_FOUND OR NOT tomlplusplus_FOUND OR NOT YAML_FOUND OR NOT XXHASH_INCLUDE_DIR)
-  message(WARNING "Python development files, pybind11, expat, RapidJSON, toml++, libyaml or xxhash "
-    "are missing: leaving out the Python packages orbel and orv")
+    OR NOT RapidJSON_FOUND OR NOT tomlplusplus_FOUND OR NOT YAML_FOUND OR NOT RE2_FOUND
+    OR NOT XXHASH_INCLUDE_DIR)
+  message(WARNING "Python development files, pybind11, expat, RapidJSON, re2, toml++, libyaml or "
+    "xxhash are missing: leaving out the Python packages orbel and orv")
   set(VARN_PYTHON_PACKAGES OFF)
   return()
 endif()

@@ -1,7 +1,8 @@
 """A template engine that packages generated C text into files, section by section.
 
 `render`, `plan` and `write` are what the command does, for other programs; help(orv.interface)
-shows an example. Every failure is an OrvError.
+shows an example. Every failure is an OrvError. `filter`, `test`, `function`, `prepare` and `depends`
+are for extensions; see orv.extensions.
 """
 
 from __future__ import annotations
@@ -9,6 +10,7 @@ from __future__ import annotations
 from typing import TYPE_CHECKING
 
 from orv._version import __version__
+from orv.dependencies import depends
 from orv.errors import (
     Diagnostic,
     ModelError,
@@ -17,20 +19,27 @@ from orv.errors import (
     ScriptError,
     TemplateError,
 )
+from orv.extensions import Model, filter, function, prepare, test
 
 if TYPE_CHECKING:
     from orv.interface import plan, render, write
 
 __all__ = [
     "Diagnostic",
+    "Model",
     "ModelError",
     "OrvError",
     "OutputError",
     "ScriptError",
     "TemplateError",
     "__version__",
+    "depends",
+    "filter",
+    "function",
     "plan",
+    "prepare",
     "render",
+    "test",
     "write",
 ]
 

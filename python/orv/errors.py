@@ -53,9 +53,16 @@ def ignore(_: str) -> None:
 class Messages:
     """Hands warnings to a listener or, when the run is strict, makes errors of them."""
 
-    def __init__(self, listener: Callable[[str], None] = ignore, strict: bool = False) -> None:
+    def __init__(
+        self,
+        listener: Callable[[str], None] = ignore,
+        strict: bool = False,
+        debug: Callable[[str], None] = ignore,
+    ) -> None:
         self._listener = listener
         self.strict = strict
+        # Takes what templates show to their author.
+        self.debug = debug
 
     def warn(self, text: str, place: object | None = None) -> None:
         """Report `text`, about what stands at `place` (None: the place is found by the caller)."""

@@ -51,6 +51,16 @@ def of_traceback(traceback: TracebackType | None, more: int = 0) -> Position | N
     return found
 
 
+def below_templates(traceback: TracebackType | None) -> TracebackType | None:
+    """What of a traceback lies below the innermost line of a template; None when that is nothing."""
+    below = traceback
+    while traceback is not None:
+        if _template_of(traceback.tb_frame) is not None:
+            below = traceback.tb_next
+        traceback = traceback.tb_next
+    return below
+
+
 def _template_of(frame: FrameType) -> Template | None:
     template: Template | None = frame.f_globals.get("__jinja_template__")
     return template

@@ -3,25 +3,23 @@
 from __future__ import annotations
 
 import importlib
-import os
 import runpy
-import sys
-import traceback
-from collections.abc import Iterator, Mapping
-from contextlib import contextmanager
+from collections.abc import Mapping
 
-from orv.errors import OrvError, ScriptError
+from orv.dependencies import depends
+from orv.errors import ScriptError
 from orv.files.run import Run
+from orv.pythonfiles import failure, surroundings_kept
 
 
 def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
     """Run a script with the names `repo`, the repository as a host handle, `Varn`, the package of
-    its classes, and `model`. Text that it hands over ends at its first NUL character, as C's does.
+    its classes, `model` and `depends`. Text that it hands over ends at its first NUL character, as C's does.
     Raises ScriptError, whose text begins with the script's line.
     """
-    names = _host_names(run) | {"model": model}
+    names = _host_names(run) | {"model": model, "depends": depends}
     known = len(run.repository)
-    with _surroundings_kept(path):
+    with surroundings_kept(path):
         try:
             runpy.run_path(path, init_globals=names, run_name="__main__")
         except SystemExit as end:
@@ -30,26 +28,9 @@ def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
         except KeyboardInterrupt:
             raise
         except BaseException as error:
-            raise ScriptError(_described(path, error)) from error
+            raise ScriptError(failure(path, error)) from error
     for index in range(known, len(run.repository)):
         run.files.adopt(index, path)
-
-
-@contextmanager
-def _surroundings_kept(path: str) -> Iterator[None]:
-    """Undo what a script does to the process: where it is, finds modules and prints."""
-    modules, streams = sys.path, (sys.stdout, sys.stderr)
-    folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
-    sys.path = [os.path.dirname(os.path.abspath(path)), *modules]
-    try:
-        yield
-    finally:
-        sys.path = modules
-        sys.stdout, sys.stderr = (open(os.devnull, "w") if s.closed else s for s in streams)
-        os.fchdir(folder)
-        os.close(folder)
-    if any(stream.closed for stream in streams):
-        raise ScriptError(f"{path}: the script closed the standard output or error")
 
 
 def _host_names(run: Run) -> dict[str, object]:
@@ -63,15 +44,3 @@ def _host_names(run: Run) -> dict[str, object]:
         return {"Varn": package, "repo": wrap(run.repository.handle(), run.repository)}
     except orbel.Error as error:
         raise ScriptError(f"scripts cannot reach the files: {error}") from error
-
-
-def _described(path: str, error: BaseException) -> str:
-    if isinstance(error, SyntaxError) and error.filename == path:
-        return f"{path}:{error.lineno}: {error.msg}"
-    if isinstance(error, OSError) and error.filename == path:
-        return f"{path}: {error.strerror}"
-    lines = [f.lineno for f in traceback.extract_tb(error.__traceback__) if f.filename == path]
-    where = f"{path}:{lines[-1]}" if lines else path
-    if isinstance(error, OrvError):
-        return f"{where}: {error}"
-    return f"{where}: {type(error).__name__}: {error}"

@@ -43,7 +43,7 @@ def generate(
     options = [option for setting in settings for option in ("--set", setting)]
     options += ["--script", str(script)] if script else []
     return run(sys.executable, "-m", "orv", "generate", EXAMPLE / "loader.c.j2", "--strict", "--quiet",
-               "--model", registry, "--out", out, *options)  # fmt: skip
+               "--extend", EXAMPLE / "selection.py", "--model", registry, "--out", out, *options)  # fmt: skip
 
 
 def make(out: Path, choice: Choice, registry: Path = REGISTRY) -> Path:

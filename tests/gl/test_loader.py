@@ -145,5 +145,5 @@ def test_choices_that_the_registry_does_not_offer(
     done = generate(tmp_path / "out", setting)
     assert done.returncode == 1
     place, _, text = done.stderr.removeprefix("error: ").partition(": ")
-    assert (place.split(":")[0], text) == (str(EXAMPLE / "selection.j2"), message + "\n")
+    assert (Path(place.split(":")[0]).absolute(), text) == (EXAMPLE / "selection.py", message + "\n")
     assert not (tmp_path / "out").exists()

@@ -15,6 +15,7 @@ from orv.templates.engine import Source, render
 from orv.errors import Messages
 from orv.output.folder import open_folder
 from orv.output.plan import plan
+from orv.templates.library import Language
 
 # A test's parameter as its name shows it.
 _LONGEST_ID = 28
@@ -35,6 +36,7 @@ def files_of(
     model: Mapping[str, object] | None = None,
     strict: bool = False,
     warnings: list[str] | None = None,
+    language: Language = Language(),
 ) -> dict[str, str]:
     """The files that templates make, by path; the first template is the main one."""
     if isinstance(templates, str):
@@ -42,7 +44,7 @@ def files_of(
     heard: list[str] = [] if warnings is None else warnings
     messages = Messages(heard.append, strict)
     source = Source(next(iter(templates)), DictLoader(templates))
-    run = render([source], model or {}, messages)
+    run = render([source], model or {}, messages, language=language)
     return {
         file.path: file.data.decode()
         for file in plan(run, open_folder("/out"))

@@ -5,6 +5,7 @@ from __future__ import annotations
 import doctest
 import json
 import re
+from collections.abc import Sequence
 from pathlib import Path
 from typing import NamedTuple
 
@@ -13,6 +14,8 @@ from conftest import files_of
 
 from orv import _native, interface
 from orv.errors import OrvError
+from orv.extensions import Extensions
+from orv.templates.library import DELIMITERS, Language
 
 DOCUMENT = Path(__file__).parents[2] / "docs" / "templates.md"
 BLOCK = re.compile(r"^(?:#+ (.+)|```(\w+) ?(.*)\n((?:.*\n)*?)```)$", re.MULTILINE)
@@ -27,12 +30,15 @@ class Example(NamedTuple):
     strict: bool
     files: dict[str, str]
     message: list[str]
+    extensions: dict[str, str]
+    delimiters: Sequence[str]
 
 
 def examples() -> list[Example]:
     found: list[Example] = []
     model: dict[str, object] = {}
     more: dict[str, str] = {}
+    extensions: dict[str, str] = {}
     title = ""
     for heading, language, argument, text in BLOCK.findall(DOCUMENT.read_text()):
         title = heading or title
@@ -40,10 +46,13 @@ def examples() -> list[Example]:
             model = json.loads(text)
         elif language == "jinja" and argument.endswith(".j2"):
             more[argument] = text
+        elif language == "python" and argument:
+            extensions[argument] = text
         elif language == "jinja":
-            templates = {"main.j2": text, **more}
-            found.append(Example(title, templates, model, argument == "strict", {}, []))
-            model, more = {}, {}
+            templates, strict = {"main.j2": text, **more}, argument == "strict"
+            delimiters = argument.split() if argument and not strict else DELIMITERS
+            found.append(Example(title, templates, model, strict, {}, [], extensions, delimiters))
+            model, more, extensions = {}, {}, {}
         elif language == "text":
             found[-1].message.append(text.strip())
         elif argument:
@@ -63,9 +72,18 @@ def test_table_of_sections() -> None:
 
 
 @pytest.mark.parametrize("example", examples(), ids=lambda e: e.title)
-def test_example(example: Example) -> None:
+def test_example(example: Example, tmp_path: Path) -> None:
+    extensions = Extensions()
+    for name, text in example.extensions.items():
+        (tmp_path / name).write_text(text)
+        extensions.load(str(tmp_path / name))
     try:
-        outcome: object = files_of(example.templates, example.model, example.strict)
+        outcome: object = files_of(
+            example.templates,
+            extensions.prepare(example.model),
+            example.strict,
+            language=Language(extensions, example.delimiters),
+        )
     except OrvError as error:
         outcome = [str(error)]
     assert outcome == (example.message or example.files)

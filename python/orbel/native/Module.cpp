@@ -11,7 +11,7 @@
 
 PYBIND11_MODULE(_native, module) {
   module.doc() = "The host object system, as the Python package orbel is built on it.";
-  pybind11::register_exception_translator([](std::exception_ptr error) {
+  pybind11::register_local_exception_translator([](std::exception_ptr error) {
     orbel::python::guarded(false, [&]() -> bool { std::rethrow_exception(error); });
   });
   orbel::python::findArrayTypes();

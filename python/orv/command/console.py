@@ -17,3 +17,8 @@ def warn(text: str, options: MessageOptions) -> None:
     """Warn everyone who has not asked for quiet."""
     if not options.quiet:
         print(f"warning: {text}", file=sys.stderr)
+
+
+def debug(text: str) -> None:
+    """Show what a template shows to its author, whoever has asked for quiet."""
+    print(f"debug: {text}", file=sys.stderr)

@@ -5,14 +5,17 @@ from __future__ import annotations
 from collections.abc import Sequence
 from typing import Any
 
-from orv.command.console import say, warn
+from orv.command.console import debug, say, warn
 from orv.command.options import GenerateOptions
 from orv.command.outputs import Outcome, Outputs
 from orv.command.progress import progress
 from orv.command.runs import requested_runs, require_own_reports
+from orv.dependencies import recorded
 from orv.errors import Messages
+from orv.extensions import load_extensions
 from orv.models.model import build_model
 from orv.templates.engine import render, source_beside
+from orv.templates.library import DELIMITERS, Language
 
 # How many empty files are named.
 _SHOWN = 10
@@ -36,24 +39,33 @@ def run(given: dict[str, Any]) -> int:
 
 def generate(options: GenerateOptions) -> Outcome:
     """Render, run the scripts, and write or compare."""
+    with recorded() as dependencies:
+        return _generate(options, dependencies)
+
+
+def _generate(options: GenerateOptions, dependencies: list[str]) -> Outcome:
     if options.run_name is not None:
         say(f"run {options.run_name}", options)
-    messages = Messages(lambda text: warn(text, options), options.strict)
+    messages = Messages(lambda text: warn(text, options), options.strict, debug)
+    extensions = load_extensions(options.extend)
     model = build_model(options.model, options.set, messages.warn, options.schema)
+    values = extensions.prepare(model.values)
     read: list[str] = []
     templates = [source_beside(path, options.templates, read) for path in options.template]
+    language = Language(extensions, options.delimiters or DELIMITERS)
     with progress("rendering", None, options.quiet) as step:
-        run = render(templates, model.values, messages, step)
+        run = render(templates, values, messages, step, language)
     for script in options.script:
         from orv.scripts import run_script
 
         say(f"running {script}", options)
-        run_script(script, run, model.values)
+        run_script(script, run, values)
     for path in [*model.files, *read]:
         say(f"read {path}", options)
     sources = [*read, *model.files, *model.folders, *options.script]
     if options.project is not None:
         sources.append(options.project)
+    sources += [path for path in dependencies if path not in sources]
     return Outputs(run, sources, options).finish()
 
 

@@ -41,6 +41,18 @@ def _mode(argument: str) -> int:
 
 MODE = ValueType("MODE", _mode)
 MODEL = ValueType("[NAME=]FILE", _model, _model_below, "file")
+
+
+def _delimiters(argument: str) -> tuple[str, ...]:
+    words = tuple(argument.split())
+    if len(words) != 6 or len(set(words[::2])) != 3:
+        raise ValueError(
+            f"expected three different pairs such as '<% %> << >> <# #>', got {argument!r}"
+        )
+    return words
+
+
+DELIMITERS = ValueType("'<% %> << >> <# #>'", _delimiters)
 SETTING = ValueType("KEY=VALUE", _setting)
 
 
@@ -56,6 +68,9 @@ class ModelOptions:
         " name; with NAME also a pattern of files, or -:FORMAT for standard input",
     )
     set: list[Setting] = values(SETTING, "set one value of the model; KEY may be dotted")
+    extend: list[str] = values(
+        file("FILE.py"), "load an extension: it prepares the model and helps templates; trusted code"
+    )
     schema: list[str] = values(
         file("FILE"), "check the model with a JSON Schema, in JSON or YAML"
     )
@@ -71,6 +86,9 @@ class InputOptions:
         file("TEMPLATE"), "a template; others are looked for beside it"
     )
     templates: list[str] = values(folder("DIR"), "look for templates here too")
+    delimiters: tuple[str, ...] | None = value(
+        DELIMITERS, "what tags, values and comments stand between, instead of '{% %} {{ }} {# #}'"
+    )
     script: list[str] = values(
         file("FILE.py"), "run a script on the files before they are written"
     )

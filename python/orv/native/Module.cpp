@@ -17,6 +17,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindComposer(module, repository);
   orv::bindModels(module);
   orv::bindOutput(module);
+  orv::bindTextFilters(module);
 
   pybind11::list names;
   for (const std::string& name : orv::sectionNames()) names.append(orv::toPython(name));

@@ -14,6 +14,7 @@ from orv import positions
 from orv.errors import Located, Messages, OrvError, TemplateError
 from orv.files.run import Run
 from orv.templates.environment import Environment
+from orv.templates.library import Language
 from orv.templates.printable import refuse_outside, text_of
 
 
@@ -49,6 +50,7 @@ def render(
     model: Mapping[str, object],
     messages: Messages,
     step: Callable[[], None] | None = None,
+    language: Language = Language(),
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
@@ -58,7 +60,7 @@ def render(
     run = Run(messages, text_of, refuse_outside, step)
     for source in sources:
         with _template_errors(source.loader, run):
-            Environment(run, source.loader).render(source.template, model)
+            Environment(run, source.loader, language).render(source.template, model)
     with _template_errors(sources[-1].loader, run):
         run.finish()
     return run
@@ -76,6 +78,9 @@ def _template_errors(loader: BaseLoader, run: Run) -> Iterator[None]:
 
 def _template_error(error: Exception, loader: BaseLoader, run: Run) -> TemplateError:
     position = _position(error, run)
+    text = _failed_extension(error)
+    if text is not None:
+        return TemplateError(f"{text}; called from {position}")
     text = _describe(error, loader)
     return TemplateError(text if position is None else f"{position}: {text}")
 
@@ -87,6 +92,17 @@ def _position(error: Exception, run: Run) -> positions.Position | None:
         )
     # The line of the argument that could not be printed; see orv.templates.compiler.
     return positions.of_traceback(error.__traceback__, max(run.printer.failed_argument, 0))
+
+
+def _failed_extension(error: Exception) -> str | None:
+    """What is said of an error that an extension did not mean for the user."""
+    below = positions.below_templates(error.__traceback__)
+    if isinstance(error, OrvError) or below is None:
+        return None
+    from orv.pythonfiles import place, words
+
+    where = place(below)
+    return None if where is None else f"{where}: {words(error)}"
 
 
 def _describe(error: Exception, loader: BaseLoader) -> str:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import posixpath
 from collections.abc import Mapping
 from datetime import date
 from typing import Any
@@ -20,6 +21,7 @@ from orv.errors import Located, did_you_mean
 from orv.files.run import Run
 from orv.models.element import ENTRIES, Element
 from orv.templates.compiler import TemplateCode
+from orv.templates.library import Language, add_library
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
@@ -99,8 +101,9 @@ class Environment(ImmutableSandboxedEnvironment):
     context_class = TemplateContext
     intercepted_binops = frozenset(["*", "**"])
 
-    def __init__(self, run: Run, loader: BaseLoader) -> None:
+    def __init__(self, run: Run, loader: BaseLoader, language: Language) -> None:
         super().__init__(
+            *language.delimiters,
             loader=loader,
             extensions=EXTENSIONS,
             undefined=StrictUndefined,
@@ -115,6 +118,7 @@ class Environment(ImmutableSandboxedEnvironment):
         self.globals.update(self.statements.globals())
         # What they give differs from run to run.
         del self.filters["random"], self.globals["lipsum"]
+        add_library(self, run.messages, language.extensions)
 
     def render(self, template: str, model: Mapping[str, object]) -> None:
         """Run the template with the variables of `model`."""
@@ -153,6 +157,12 @@ class Environment(ImmutableSandboxedEnvironment):
             __self.printer.print_next()
             return __obj(*args)
         return __self.call(__context, __obj, *args, **kwargs)
+
+    def join_path(self, template: str, parent: str) -> str:
+        """The name of a template that `parent` asks for; "./x" and "../x" begin at its folder."""
+        if not template.startswith(("./", "../")):
+            return template
+        return posixpath.normpath(posixpath.join(posixpath.dirname(parent), template))
 
     def is_safe_attribute(self, obj: Any, attr: str, value: Any) -> bool:
         """Whether templates may read the attribute; the clock would make each run differ."""

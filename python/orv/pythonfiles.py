@@ -1,0 +1,92 @@
+"""Running the Python files of a user: scripts and extensions."""
+
+from __future__ import annotations
+
+import functools
+import os
+import sys
+import sysconfig
+import traceback
+from collections.abc import Iterator
+from contextlib import contextmanager
+from types import TracebackType
+
+from orv.dependencies import depends
+from orv.errors import OrvError, ScriptError
+
+_PACKAGES = os.path.dirname(os.path.abspath(__file__))
+_STANDARD_LIBRARY = tuple(sysconfig.get_path(name) + os.sep for name in ("stdlib", "platstdlib"))
+
+
+@contextmanager
+def surroundings_kept(path: str) -> Iterator[None]:
+    """Undo what the file does to the process: where it is, finds modules and prints.
+
+    The file's folder is where modules are looked for first. Those found there leave no compiled
+    file behind, are dependencies of the run, and are not seen by files of other folders.
+    """
+    kept = sys.path, sys.dont_write_bytecode, sys.stdout, sys.stderr
+    modules = set(sys.modules)
+    folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
+    sys.path = [os.path.dirname(os.path.abspath(path)), *sys.path]
+    sys.dont_write_bytecode = True
+    try:
+        yield
+    finally:
+        sys.path, sys.dont_write_bytecode, *streams = kept
+        sys.stdout, sys.stderr = (open(os.devnull, "w") if s.closed else s for s in streams)
+        os.fchdir(folder)
+        os.close(folder)
+        _forget(set(sys.modules) - modules)
+    if any(stream.closed for stream in streams):
+        raise ScriptError(f"{path}: the script closed the standard output or error")
+
+
+def failure(path: str, error: BaseException) -> str:
+    """What is said of an error in the file or in what it calls, with the user's line."""
+    if isinstance(error, SyntaxError) and error.filename is not None and is_users(error.filename):
+        return f"{shown(error.filename)}:{error.lineno}: {error.msg}"
+    if isinstance(error, OSError) and error.filename == path:
+        return f"{path}: {error.strerror}"
+    return f"{place(error.__traceback__) or path}: {words(error)}"
+
+
+def place(trace: TracebackType | None) -> str | None:
+    """FILE:LINE of the innermost line of the user's code; None when there is none."""
+    frames = [frame for frame in traceback.extract_tb(trace) if is_users(frame.filename)]
+    return f"{shown(frames[-1].filename)}:{frames[-1].lineno}" if frames else None
+
+
+def words(error: BaseException) -> str:
+    """The error in words: its type too, unless it was written for the person at the keyboard."""
+    if isinstance(error, OrvError):
+        return str(error)
+    return f"{type(error).__name__}: {error}"
+
+
+@functools.lru_cache(maxsize=None)
+def is_users(path: str) -> bool:
+    """Whether a file of Python code is the user's: not the distribution's, and not of this package."""
+    if path.startswith("<"):
+        return False
+    real = os.path.abspath(path)
+    if real.startswith((_PACKAGES + os.sep, os.path.join(os.path.dirname(_PACKAGES), "orbel"))):
+        return False
+    parts = real.split(os.sep)
+    packaged = "dist-packages" in parts or "site-packages" in parts
+    return not packaged and not real.startswith(_STANDARD_LIBRARY)
+
+
+def shown(path: str) -> str:
+    """The path as messages and dependency lists name it: relative when that is the shorter one."""
+    relative = os.path.relpath(path)
+    return relative if os.path.isabs(path) and not relative.startswith("..") else path
+
+
+def _forget(names: set[str]) -> None:
+    for name in sorted(names):
+        file = getattr(sys.modules[name], "__file__", None)
+        if file is not None and is_users(file):
+            if os.path.exists(file):
+                depends(shown(file))
+            del sys.modules[name]
