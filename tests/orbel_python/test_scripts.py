@@ -97,12 +97,13 @@ def test_loading_defines_nothing() -> None:
 
 
 def test_help_shows_the_host_signatures(varn: Any, sample: Any) -> None:
-    text = pydoc.render_doc(varn.FunctionsSection, renderer=pydoc.plaintext)
+    plain_text: Any = vars(pydoc)["plaintext"]
+    text = pydoc.render_doc(varn.FunctionsSection, renderer=plain_text)
     assert (
         " |  addFunction(self, text1, text2, /)\n"
         " |      addFunction(Varn.FunctionsSection, char, char) returns void\n"
     ) in text
-    text = pydoc.render_doc(varn.VarnGenericFile, renderer=pydoc.plaintext)
+    text = pydoc.render_doc(varn.VarnGenericFile, renderer=plain_text)
     assert text.split("\n")[2:4] == ["class VarnGenericFile(VarnFile)", " |  VarnGenericFile(text, /)"]
     assert " |  Name\n |      char vector, read only\n" in text
     assert str(inspect.signature(sample.Box("b").isSameAs)) == "(object, /)"

@@ -71,7 +71,7 @@ def test_table_of_sections() -> None:
         assert text.split() == expected
 
 
-@pytest.mark.parametrize("example", examples(), ids=lambda e: e.title)
+@pytest.mark.parametrize("example", examples(), ids=lambda e: str(e.title))
 def test_example(example: Example, tmp_path: Path) -> None:
     extensions = Extensions()
     for name, text in example.extensions.items():

@@ -41,8 +41,8 @@ def test_runs_of_a_project_file(orv: Command, tmp_path: Path) -> None:
     assert (tmp_path / "code.d").read_text() == rule
     # In a folder below, the command line's paths are relative to that one; single values replace
     # the file's, and what the file has of the same sort.
-    run = ("generate", "--run", "code", "--set", "y=9", "--set", "w=w", "--out", "here")
-    below = orv(*run, "--verbose", cwd=tmp_path / "sub")
+    below_it = ("generate", "--run", "code", "--set", "y=9", "--set", "w=w", "--out", "here")
+    below = orv(*below_it, "--verbose", cwd=tmp_path / "sub")
     assert (below.returncode, below.stdout) == (0, "new     here/c\n")
     assert below.stderr.startswith("run code\nread ../m/m.json\nread ../t/a.j2\n")
     assert (tmp_path / "sub/here/c").read_text() == "x9z \nw9z \n"

@@ -11,7 +11,7 @@ from orv._native import SECTION_NAMES
 from orv.errors import OrvError
 
 # What the documentation's examples leave out: (templates, model, files).
-RESULTS = {
+RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
     "file inside a section": (
         '{% file "a.c" %}{% section "Functions" %}x\n'
         '{% file "b.c" %}{% section "Functions" %}b\n{% endsection %}{% endfile %}'
