@@ -39,7 +39,9 @@ def sample_objects(package: Any) -> dict[str, Any]:
 def least_times(timers: list[Timer], count: int, rounds: int) -> list[float]:
     """The nanoseconds of each timer's statement, the empty loop subtracted."""
     turns = [Timer(), *timers]
-    results = [min(times) for times in zip(*([t.timeit(count) for t in turns] for _ in range(rounds)))]
+    results = [
+        min(times) for times in zip(*([t.timeit(count) for t in turns] for _ in range(rounds)))
+    ]
     return [(time - results[0]) / count * 1e9 for time in results[1:]]
 
 

@@ -63,9 +63,7 @@ def through_orv(model: dict[str, object]) -> int:
     return sum(size for file in files for size in file.sections.values())
 
 
-def by_jinja2(
-    model: dict[str, object], environment_class: type[Environment] = Environment
-) -> int:
+def by_jinja2(model: dict[str, object], environment_class: type[Environment] = Environment) -> int:
     """Render the same text to one string of bytes; returns its length."""
     environment = environment_class(
         undefined=StrictUndefined, keep_trailing_newline=True, trim_blocks=True, lstrip_blocks=True

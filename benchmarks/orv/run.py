@@ -44,25 +44,54 @@ def compare_packaging(report: Report, rounds: int) -> None:
         times = packaging.measure(model, rounds)
         note = f"{files} files, {packaging.by_jinja2(model) // files} bytes each"
         report.add("orv / Jinja2, time", times.orv / times.jinja2, 1.1, note)
-        report.add("orv / Jinja2 with orv's look-up of names, time",
-                   times.orv / times.jinja2_quick, note=note)  # fmt: skip
+        report.add(
+            "orv / Jinja2 with orv's look-up of names, time",
+            times.orv / times.jinja2_quick,
+            note=note,
+        )
 
 
 def compare_with_glad(report: Report, rounds: int, folder: Path) -> None:
     """The OpenGL loader, whole process against whole process, starting from an empty folder."""
     for extensions in ("", "all"):
-        ours = [*GENERATE, LOADER, "--model", REGISTRY, "--out", str(folder / "orv"),
-                "--set", "version=4.6", "--set", f"extensions={extensions}"]  # fmt: skip
-        theirs = ["glad", "--reproducible", "--quiet", "--api", "gl:core=4.6",
-                  "--out-path", str(folder / "glad"), "c"]  # fmt: skip
+        ours = [
+            *GENERATE,
+            LOADER,
+            "--model",
+            REGISTRY,
+            "--out",
+            str(folder / "orv"),
+            "--set",
+            "version=4.6",
+            "--set",
+            f"extensions={extensions}",
+        ]
+        theirs = [
+            "glad",
+            "--reproducible",
+            "--quiet",
+            "--api",
+            "gl:core=4.6",
+            "--out-path",
+            str(folder / "glad"),
+            "c",
+        ]
         if not extensions:
             theirs[1:1] = ["--extensions="]
         orv, glad = alternate([ours, theirs], rounds)
         what = f"orv / glad, gl core 4.6, {extensions or 'no'} extensions, "
-        report.add(what + "time", orv.seconds / glad.seconds, 0.5,
-                   f"{orv.seconds:.2f} s / {glad.seconds:.2f} s")  # fmt: skip
-        report.add(what + "memory", orv.megabytes / glad.megabytes, 0.5,
-                   f"{orv.megabytes:.0f} MB / {glad.megabytes:.0f} MB")  # fmt: skip
+        report.add(
+            what + "time",
+            orv.seconds / glad.seconds,
+            0.5,
+            f"{orv.seconds:.2f} s / {glad.seconds:.2f} s",
+        )
+        report.add(
+            what + "memory",
+            orv.megabytes / glad.megabytes,
+            0.5,
+            f"{orv.megabytes:.0f} MB / {glad.megabytes:.0f} MB",
+        )
 
 
 def compare_sizes(report: Report, rounds: int, folder: Path) -> None:
@@ -72,15 +101,28 @@ def compare_sizes(report: Report, rounds: int, folder: Path) -> None:
         model = folder / f"{size}.json"
         model.write_text(json.dumps(packaging.modules(size // 2, 12)))
         # Without writing: the disk's time is not the engine's.
-        commands.append([*GENERATE, str(HERE / "modules.j2"), "--model", str(model), "--dry-run",
-                         "--out", str(folder / "none")])  # fmt: skip
+        commands.append(
+            [
+                *GENERATE,
+                str(HERE / "modules.j2"),
+                "--model",
+                str(model),
+                "--dry-run",
+                "--out",
+                str(folder / "none"),
+            ]
+        )
     usages = alternate(commands, rounds)
     for index, what in enumerate(Usage._fields):
         small, middle, large = (usage[index] for usage in usages)
         first = (middle - small) / (SIZES[1] - SIZES[0])
         second = (large - middle) / (SIZES[2] - SIZES[1])
-        report.add(f"a file of {SIZES[2]} / a file of {SIZES[1]}, {what}", second / first, 1.25,
-                   " / ".join(f"{value:.2f}" for value in (small, middle, large)))  # fmt: skip
+        report.add(
+            f"a file of {SIZES[2]} / a file of {SIZES[1]}, {what}",
+            second / first,
+            1.25,
+            " / ".join(f"{value:.2f}" for value in (small, middle, large)),
+        )
 
 
 def main() -> int:

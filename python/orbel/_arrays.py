@@ -75,9 +75,13 @@ class ObjectArray(Sequence["Object"]):
         return len(self._elements)
 
     @overload
-    def __getitem__(self, index: int) -> Object: ...
+    def __getitem__(self, index: int) -> Object:
+        ...
+
     @overload
-    def __getitem__(self, index: slice) -> Sequence[Object]: ...
+    def __getitem__(self, index: slice) -> Sequence[Object]:
+        ...
+
     def __getitem__(self, index: int | slice) -> Object | Sequence[Object]:
         return self._elements[index]
 

@@ -42,8 +42,22 @@ def generate(
     """Run the example's templates on a registry."""
     options = [option for setting in settings for option in ("--set", setting)]
     options += ["--script", str(script)] if script else []
-    return run(sys.executable, "-m", "orv", "generate", EXAMPLE / "loader.c.j2", "--strict", "--quiet",
-               "--extend", EXAMPLE / "selection.py", "--model", registry, "--out", out, *options)  # fmt: skip
+    return run(
+        sys.executable,
+        "-m",
+        "orv",
+        "generate",
+        EXAMPLE / "loader.c.j2",
+        "--strict",
+        "--quiet",
+        "--extend",
+        EXAMPLE / "selection.py",
+        "--model",
+        registry,
+        "--out",
+        out,
+        *options,
+    )
 
 
 def make(out: Path, choice: Choice, registry: Path = REGISTRY) -> Path:
@@ -58,16 +72,32 @@ def make_with_glad(out: Path, choice: Choice) -> Path:
     """Make a loader with glad, from its own registry; returns its header."""
     api = choice.api + (f":{choice.profile}" if choice.profile else "")
     extensions = [] if choice.extensions == "all" else [f"--extensions={choice.extensions}"]
-    done = run("glad", "--reproducible", "--quiet", f"--api={api}={choice.version}", *extensions,
-               f"--out-path={out}", "c")  # fmt: skip
+    done = run(
+        "glad",
+        "--reproducible",
+        "--quiet",
+        f"--api={api}={choice.version}",
+        *extensions,
+        f"--out-path={out}",
+        "c",
+    )
     assert done.returncode == 0, done.stderr
     return next((out / "include" / "glad").iterdir())
 
 
 def compile_c(program: Path, *sources: str | Path, include: Path) -> Path:
     """Compile and link as strictly as loaders have to bear."""
-    output(os.environ.get("CC", "cc"), "-std=c99", "-Wall", "-Wextra", "-Werror", f"-I{include}",
-           *sources, "-o", program)  # fmt: skip
+    output(
+        os.environ.get("CC", "cc"),
+        "-std=c99",
+        "-Wall",
+        "-Wextra",
+        "-Werror",
+        f"-I{include}",
+        *sources,
+        "-o",
+        program,
+    )
     return program
 
 

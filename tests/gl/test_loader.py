@@ -6,9 +6,19 @@ from pathlib import Path
 
 import pytest
 from loaders import (
-    EXAMPLE, GLAD_REGISTRY, REGISTRY, Choice, command_names, compile_c, constant_values, generate,
-    make, make_with_glad, output, run,
-)  # fmt: skip
+    EXAMPLE,
+    GLAD_REGISTRY,
+    REGISTRY,
+    Choice,
+    command_names,
+    compile_c,
+    constant_values,
+    generate,
+    make,
+    make_with_glad,
+    output,
+    run,
+)
 
 CORE = Choice("gl", "core", "4.6")
 SOME = "GL_ARB_bindless_texture,GL_ARB_imaging,GL_KHR_debug,GL_NV_transform_feedback"
@@ -58,8 +68,11 @@ def test_every_command_is_looked_up_by_its_name(tmp_path: Path) -> None:
         '#include <stdio.h>\n#include "fake.h"\n'
         f"int main(void) {{ glloader_load(get);\n{checks}  return 0; }}\n"
     )
-    extensions = sorted(n for n in header.with_name("gl_extensions.h").read_text().split()
-                        if n.startswith("glloader_has_"))  # fmt: skip
+    extensions = sorted(
+        n
+        for n in header.with_name("gl_extensions.h").read_text().split()
+        if n.startswith("glloader_has_")
+    )
     listed = ", ".join(f'"{n.removeprefix("glloader_has_").rstrip(";")}"' for n in extensions)
     (tmp_path / "fake.h").write_text(FAKE.replace("EXTENSIONS", listed))
     loader = header.with_suffix(".c")
@@ -93,8 +106,12 @@ static glloader_command get(const char *name) {
 
 def test_a_context_gives_what_it_has(tmp_path: Path) -> None:
     header = make(tmp_path, CORE._replace(extensions=SOME))
-    program = compile_c(tmp_path / "fake_context", EXAMPLE / "fake_context.c",
-                        header.with_suffix(".c"), include=tmp_path)  # fmt: skip
+    program = compile_c(
+        tmp_path / "fake_context",
+        EXAMPLE / "fake_context.c",
+        header.with_suffix(".c"),
+        include=tmp_path,
+    )
     called = (
         "glClear reached the context with 0x4100\n"
         "glIsEnabled gave 1 for GL_BLEND, 0 for GL_DITHER\n"
@@ -107,12 +124,16 @@ def test_a_context_gives_what_it_has(tmp_path: Path) -> None:
 
     assert found() == ["version 4.6", "found", "missing"]
     assert found("3.1 fake 9.9", "GL_KHR_debug", "GL_ARB_bindless_texture") == [
-        "version 3.1", "found", "found",
-    ]  # fmt: skip
+        "version 3.1",
+        "found",
+        "found",
+    ]
     # A name that begins like that of an extension is not that extension.
     assert found("3.0", "GL_ARB_bindless", "GL_ARB_bindless_texture2") == [
-        "version 3.0", "missing", "missing",
-    ]  # fmt: skip
+        "version 3.0",
+        "missing",
+        "missing",
+    ]
     refused = run(program, "no version")
     assert (refused.returncode, refused.stderr) == (1, "the fake context was not recognised\n")
 
@@ -145,5 +166,8 @@ def test_choices_that_the_registry_does_not_offer(
     done = generate(tmp_path / "out", setting)
     assert done.returncode == 1
     place, _, text = done.stderr.removeprefix("error: ").partition(": ")
-    assert (Path(place.split(":")[0]).absolute(), text) == (EXAMPLE / "selection.py", message + "\n")
+    assert (Path(place.split(":")[0]).absolute(), text) == (
+        EXAMPLE / "selection.py",
+        message + "\n",
+    )
     assert not (tmp_path / "out").exists()

@@ -43,10 +43,40 @@ class Indexed:
 
 
 UNFIT: list[Any] = [
-    None, True, 0, -1, 2**32, 2**200, -(2**200), 1.5, float("nan"), 1j, "", "a\0b", "\ud800", b"\xff",
-    [], ["a", 1], ["\ud800"], [None], (), nested(1000), endless(), [endless()] * 2, {}, set(), object(),
-    object, len, orbel, Indexed(), [Indexed()], orbel.StringArray(["x"]), range(3), bytearray(b"x"),
-]  # fmt: skip
+    None,
+    True,
+    0,
+    -1,
+    2**32,
+    2**200,
+    -(2**200),
+    1.5,
+    float("nan"),
+    1j,
+    "",
+    "a\0b",
+    "\ud800",
+    b"\xff",
+    [],
+    ["a", 1],
+    ["\ud800"],
+    [None],
+    (),
+    nested(1000),
+    endless(),
+    [endless()] * 2,
+    {},
+    set(),
+    object(),
+    object,
+    len,
+    orbel,
+    Indexed(),
+    [Indexed()],
+    orbel.StringArray(["x"]),
+    range(3),
+    bytearray(b"x"),
+]
 
 
 def state(repository: Any) -> str:
@@ -121,30 +151,48 @@ def test_errors_name_what_was_wrong(varn: Any) -> None:
     section = varn.FunctionsSection()
     file = varn.VarnGenericFile("a.c")
     for call, message in (
-        (lambda: section.getFunction(-1),
-         "argument 1 of Varn.FunctionsSection.getFunction is an int outside 0 to 4294967295"),
-        (lambda: section.addFunction("f", {}),
-         "argument 2 of Varn.FunctionsSection.addFunction cannot be of the type dict"),
-        (lambda: setattr(file, "Type", "\ud800"),
-         "the value of Varn.VarnFile.Type has a lone surrogate, which no host text holds"),
-        (lambda: setattr(file, "SystemsInFile", ["a", object()]),
-         "element 2 of the value of Varn.VarnFile.SystemsInFile cannot be of the type object"),
-        (lambda: setattr(file, "SystemsInFile", endless()),
-         "element 2 of the value of Varn.VarnFile.SystemsInFile is a list that contains itself"),
-        (lambda: setattr(file, "SystemsInFile", doubling(60)),
-         "element 1 of the value of Varn.VarnFile.SystemsInFile holds more than 1000000 elements "
-         "in lists within lists"),
+        (
+            lambda: section.getFunction(-1),
+            "argument 1 of Varn.FunctionsSection.getFunction is an int outside 0 to 4294967295",
+        ),
+        (
+            lambda: section.addFunction("f", {}),
+            "argument 2 of Varn.FunctionsSection.addFunction cannot be of the type dict",
+        ),
+        (
+            lambda: setattr(file, "Type", "\ud800"),
+            "the value of Varn.VarnFile.Type has a lone surrogate, which no host text holds",
+        ),
+        (
+            lambda: setattr(file, "SystemsInFile", ["a", object()]),
+            "element 2 of the value of Varn.VarnFile.SystemsInFile cannot be of the type object",
+        ),
+        (
+            lambda: setattr(file, "SystemsInFile", endless()),
+            "element 2 of the value of Varn.VarnFile.SystemsInFile is a list that contains itself",
+        ),
+        (
+            lambda: setattr(file, "SystemsInFile", doubling(60)),
+            "element 1 of the value of Varn.VarnFile.SystemsInFile holds more than 1000000 elements "
+            "in lists within lists",
+        ),
         (lambda: setattr(file, "Nme", "b.c"), "'VarnGenericFile' object has no attribute 'Nme'"),
         (lambda: delattr(file, "Type"), "Varn.VarnFile.Type cannot be deleted"),
-        (lambda: varn.VarnFile.hasSection("x"),
-         "Varn.VarnFile.hasSection needs an object of the class Varn.VarnFile, but was given str"),
+        (
+            lambda: varn.VarnFile.hasSection("x"),
+            "Varn.VarnFile.hasSection needs an object of the class Varn.VarnFile, but was given str",
+        ),
         (lambda: varn.VarnGenericFile(name="a"), "Varn.VarnGenericFile takes no keyword arguments"),
         (lambda: varn.Nothing, "the package Varn has no class 'Nothing'"),
-        (lambda: setattr(varn, "x", 1),
-         "'x' cannot be set: a package of the host cannot be changed"),
-        (lambda: orbel.StringArray(["a", 1]),
-         "element 2 of a StringArray must be a str or bytes, but is a int"),
-    ):  # fmt: skip
+        (
+            lambda: setattr(varn, "x", 1),
+            "'x' cannot be set: a package of the host cannot be changed",
+        ),
+        (
+            lambda: orbel.StringArray(["a", 1]),
+            "element 2 of a StringArray must be a str or bytes, but is a int",
+        ),
+    ):
         with pytest.raises(CLEAN) as caught:
             call()
         assert str(caught.value) == message
@@ -265,6 +313,11 @@ print(box.Label, box.import__("p").Label, "Item" in dir(sample))
     ran = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
     assert (ran.returncode, ran.stdout.split("\n")[:5]) == (
         0,
-        ["Orbel:UnknownClass", "Orbel:UnknownPackage", "Orbel:UnknownPackage", "Orbel:ModuleSpent",
-         "b p False"],
-    ), ran.stderr  # fmt: skip
+        [
+            "Orbel:UnknownClass",
+            "Orbel:UnknownPackage",
+            "Orbel:UnknownPackage",
+            "Orbel:ModuleSpent",
+            "b p False",
+        ],
+    ), ran.stderr

@@ -19,7 +19,11 @@ def test_a_script_inspects_and_extends_the_files_of_a_run(varn: Any) -> None:
     file.SystemsInFile = ["<Root>", "<S1>"]
     section = file.getFunctionsSection()
     assert section.addFunction("step", "void step(void) {}") is None
-    assert (file.Name, file.Type, file.SystemsInFile) == ("model.c", "SystemBody", ["<Root>", "<S1>"])
+    assert (file.Name, file.Type, file.SystemsInFile) == (
+        "model.c",
+        "SystemBody",
+        ["<Root>", "<S1>"],
+    )
     assert (section.getNumberOfFunctions(), section.getFunctionName(1)) == (1, "step")
     assert type(section) is varn.FunctionsSection
     assert isinstance(file, varn.VarnFile) and isinstance(file, orbel.Object)
@@ -38,7 +42,13 @@ def test_functions_and_their_names_have_indices_of_their_own(varn: Any) -> None:
     section.addContent("a body without a name")
     assert section.getFunction(2) == "a body without a name"
     get, get_name = section.getFunction, section.getFunctionName
-    for refused, index in ((get, 0), (get, 3), (get_name, 0), (get_name, 2), (get_name, 2**32 - 1)):
+    for refused, index in (
+        (get, 0),
+        (get, 3),
+        (get_name, 0),
+        (get_name, 2),
+        (get_name, 2**32 - 1),
+    ):
         with pytest.raises(orbel.Error, match=f"^The index {index} is outside 1 to "):
             refused(index)
 
@@ -54,8 +64,12 @@ def test_sections_by_the_names_of_their_kinds(varn: Any) -> None:
 
 @pytest.mark.parametrize("name", ["VarnGenericFile", "VarnDataTypesFile", "VarnModuleFile"])
 def test_section_getters_reach_their_kinds(varn: Any, name: str) -> None:
-    shorter = {"Enums": "Enumerations", "ForwardDeclarations": "ForwardDecls",
-               "ExternFunctions": "ExternFcns", "FunctionPrototypes": "FcnPrototypes"}  # fmt: skip
+    shorter = {
+        "Enums": "Enumerations",
+        "ForwardDeclarations": "ForwardDecls",
+        "ExternFunctions": "ExternFcns",
+        "FunctionPrototypes": "FcnPrototypes",
+    }
     file = getattr(varn, name)("a.c")
     getters = re.findall(r"\bget(?!File)(\w+)Section\b", " ".join(dir(file)))
     assert len(getters) >= 3
@@ -68,8 +82,12 @@ def test_section_getters_reach_their_kinds(varn: Any, name: str) -> None:
 
 def test_classes_are_built_from_the_definitions_of_any_module(sample: Any) -> None:
     assert [name for name in dir(sample) if not name.startswith("_")] == [
-        "Box", "Item", "Shape", "echo", "living",
-    ]  # fmt: skip
+        "Box",
+        "Item",
+        "Shape",
+        "echo",
+        "living",
+    ]
     assert (sample.__doc__, sample.__version__) == ("Boxes and items", "1.2.3.4")
     assert sample is orbel.load("orbel_sample") is orbel.package("Sample")
     assert sample.Box.__mro__[1:3] == (sample.Item, orbel.package("orbel.mixin").Heterogeneous)
@@ -92,8 +110,9 @@ def test_loading_defines_nothing() -> None:
     )
     ran = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, check=True)
     assert ran.stdout.split("\n")[:2] == [
-        "[]", "['FileSection', 'Heterogeneous', 'IncludesSection']"
-    ]  # fmt: skip
+        "[]",
+        "['FileSection', 'Heterogeneous', 'IncludesSection']",
+    ]
 
 
 def test_help_shows_the_host_signatures(varn: Any, sample: Any) -> None:
@@ -104,7 +123,10 @@ def test_help_shows_the_host_signatures(varn: Any, sample: Any) -> None:
         " |      addFunction(Varn.FunctionsSection, char, char) returns void\n"
     ) in text
     text = pydoc.render_doc(varn.VarnGenericFile, renderer=plain_text)
-    assert text.split("\n")[2:4] == ["class VarnGenericFile(VarnFile)", " |  VarnGenericFile(text, /)"]
+    assert text.split("\n")[2:4] == [
+        "class VarnGenericFile(VarnFile)",
+        " |  VarnGenericFile(text, /)",
+    ]
     assert " |  Name\n |      char vector, read only\n" in text
     assert str(inspect.signature(sample.Box("b").isSameAs)) == "(object, /)"
     assert "class VarnFile(orbel.mixin.Heterogeneous)" in pydoc.plain(pydoc.render_doc(varn))

@@ -65,9 +65,7 @@ class ProtocolsTest(FolderTest):
         subprocess.run(
             [*COMPILER, "-o", "dump", *program, *objects, "-lwayland-client"], cwd=where, check=True
         )
-        done = subprocess.run(
-            [str(where / "dump")], capture_output=True, text=True, check=True
-        )
+        done = subprocess.run([str(where / "dump")], capture_output=True, text=True, check=True)
         return done.stdout.splitlines()
 
     def test_tables_are_those_of_the_distributions_generator(self) -> None:
