@@ -79,4 +79,6 @@ def write(files: Plan, run: Run) -> None:
     make_folder(files.folder)
     lock(files.folder, shared=False, timeout=_LOCK_TIMEOUT)
     planning.compare(files, run)
-    Writer(files.folder, run).write(files)
+    writer = Writer(files.folder, run)
+    writer.clean(files)
+    writer.write(files)

@@ -42,7 +42,7 @@ def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: P
         '\n#include "count.h"\n\n#include <stddef.h>\nint get(void) { return 1; }\n'
     )
     names = sorted(path.name for path in (tmp_path / "out").rglob("*"))
-    assert names == ["count.c", "count.h", "src"]
+    assert names == [".orv-state.json", "count.c", "count.h", "src"]
     source.chmod(0o640)
     os.utime(header, (1, 1))
     second = orv(*run, "--set", "start=2", "--verbose")
@@ -57,7 +57,10 @@ def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: P
 def test_check_diff_and_dry_run_write_nothing(orv: Command, tmp_path: Path) -> None:
     run = ("generate", "t.j2", "--model", "m.json", "--out", "out")
     dry = orv(*run, "--dry-run", t__j2=TEMPLATE, m__json=MODEL)
-    assert (dry.returncode, dry.stdout) == (0, f"new     out/count.h\nnew     out/src/count.c\n{EMPTY}")
+    assert (dry.returncode, dry.stdout) == (
+        0,
+        f"new     out/count.h\nnew     out/src/count.c\n{EMPTY}",
+    )
     assert orv(*run, "--check", "--quiet").returncode == 1
     assert not (tmp_path / "out").exists()
     orv(*run)
@@ -70,7 +73,8 @@ def test_check_diff_and_dry_run_write_nothing(orv: Command, tmp_path: Path) -> N
         1,
         "--- /dev/null\n+++ out/count.h\n@@ -0,0 +1,6 @@\n+#ifndef COUNT_H\n+#define COUNT_H\n+\n"
         "+extern int count;\n+\n+#endif /* COUNT_H */\n"
-        "--- out/src/count.c\n+++ out/src/count.c\n@@ -1,2 +1,5 @@\n-old\n-end\n"
+        "--- out/src/count.c\tedited since it was generated\n"
+        "+++ out/src/count.c\tgenerated, as before\n@@ -1,2 +1,5 @@\n-old\n-end\n"
         '\\ No newline at end of file\n+\n+#include "count.h"\n+\n+#include <stddef.h>\n'
         "+int get(void) { return 1; }\n",
     )
@@ -122,11 +126,13 @@ ONE_FILE = '{% file "a.c" %}{% section "Banner" %}x{% endsection %}{% endfile %}
 
 # Where reports are put beside the template, and what is said about it.
 OVERLAPS = {
-    "--depfile t.j2": 'the depfile "t.j2" would take the place of "t.j2", which was read',
+    "--stamp s --depfile t.j2": 'the depfile "t.j2" would take the place of "t.j2", which was read',
     "--manifest out/a.c": 'the manifest "out/a.c" would take the place of the file "out/a.c"',
-    "--manifest q --depfile ./q": 'the depfile "./q" would take the place of the manifest "q"',
+    "--manifest q --depfile-target t --depfile ./q": 'the depfile "./q" would take the place of the manifest "q"',
     "--manifest out/a.c/m": 'the manifest "out/a.c/m" and the file "out/a.c" cannot be below'
     " each other",
+    "--stamp out/.orv-state.json": 'the stamp "out/.orv-state.json" would take the place of'
+    ' the state file "out/.orv-state.json"',
     "--manifest .": ". is a folder; a report is a file",
     "--manifest t.j2/m": 'the manifest "t.j2/m" cannot be written: Not a directory',
     "--out .": 't.j2:1: the file "t.j2" would take the place of "t.j2", which was read',
@@ -148,9 +154,10 @@ def test_nothing_takes_the_place_of_something_else(
 
 def test_reports_follow_links_and_are_written_into_devices(orv: Command, tmp_path: Path) -> None:
     (tmp_path / "link").symlink_to("new/m.json")
-    run = ("generate", "t.j2", "--out", "out", "--manifest", "link", "--depfile", "/dev/stdout")
+    run = ("generate", "t.j2", "--out", "out", "--manifest", "link", "--depfile-target",
+           "t", "--depfile", "/dev/stdout")  # fmt: skip
     done = orv(*run, t__j2=ONE_FILE)
-    assert (done.returncode, done.stdout) == (0, "new     out/a.c\nout/a.c: \\\n  t.j2\n")
+    assert (done.returncode, done.stdout) == (0, "new     out/a.c\nt: \\\n  t.j2\n")
     assert (tmp_path / "link").is_symlink() and (tmp_path / "new/m.json").exists()
     assert orv(*run[:-1], "/dev/null").returncode == 0 and Path("/dev/null").is_char_device()
 
@@ -185,22 +192,21 @@ def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -
     model.write_text('{"name": "a b"}')
     template = '{% include "p q.j2" %}'
     part = '{% file name ~ ".c" %}{% section "Banner" %}x{% endsection %}{% endfile %}'
-    run = ("generate", "t.j2", "--model", model.name, "--out", "out", "--depfile", "d")
+    run = ("generate", "t.j2", "--model", model.name, "--out", "out", "--depfile", "d",
+           "--stamp", "out/a b.s")  # fmt: skip
     assert orv(*run, t__j2=template, **{"p q__j2": part}).returncode == 0
     text = (tmp_path / "d").read_text()
-    assert text == "out/a\\ b.c: \\\n  m\\ $$x\\#y\\ z.json \\\n  p\\ q.j2 \\\n  t.j2\n"
+    assert text == "out/a\\ b.s: \\\n  m\\ $$x\\#y\\ z.json \\\n  p\\ q.j2 \\\n  t.j2\n"
     (tmp_path / "d").unlink()
     refused = orv(*run, "--model", "\n.json", **{"\n__json": "{}"})
     assert refused.returncode == 1 and "holds a control character" in refused.stderr
-    assert not (tmp_path / "d").exists()
+    assert not (tmp_path / "d").exists() and not (tmp_path / "out/a b.s").stat().st_size
     orv(*run)
     assert (tmp_path / "d").read_text() == text
-    rule = "touch 'out/a b.c' && echo ran >> log"
-    (tmp_path / "Makefile").write_text(
-        f"all: out/a\\ b.c\nout/a\\ b.c:\n\t{rule}\ninclude d\n"
-    )
+    rule = "touch 'out/a b.s' && echo ran >> log"
+    (tmp_path / "Makefile").write_text(f"all: out/a\\ b.s\nout/a\\ b.s:\n\t{rule}\ninclude d\n")
     (tmp_path / "build.ninja").write_text(
-        f"rule r\n command = {rule}\n depfile = d\nbuild out/a$ b.c: r\n"
+        f"rule r\n command = {rule}\n depfile = d\nbuild out/a$ b.s: r\n"
     )
     for builder in ("make", "ninja"):
         subprocess.run([builder], cwd=tmp_path, check=True, capture_output=True)

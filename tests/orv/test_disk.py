@@ -48,7 +48,7 @@ def test_full_disk_leaves_every_file_old_or_new(orv: Command, small_disk: Path) 
         "error: disk/b.c cannot be written: No space left on device\n"
         "new  disk/a.c\nold  disk/b.c\n",
     )
-    assert {path.name: path.read_text() for path in small_disk.iterdir()} == {
+    assert {path.name: path.read_text() for path in small_disk.glob("*.c")} == {
         "a.c": "2\n",
         "b.c": "1\n",
     }
@@ -63,7 +63,7 @@ def test_read_only_folder(orv: Command, small_disk: Path) -> None:
     assert (refused.returncode, refused.stdout, refused.stderr) == (
         1,
         "",
-        "error: disk/a.c cannot be written: Read-only file system\nold  disk/a.c\n",
+        "error: disk/.orv-state.json cannot be written: Read-only file system\n",
     )
 
 
@@ -96,7 +96,11 @@ def test_killed_in_the_middle(orv: Command, tmp_path: Path, how: signal.Signals)
         said = [f"{text[:3]}  out/{path.name}" for path, text in texts.items()]
         assert message == "\n".join(["error: interrupted while writing", *said, ""])
     assert orv(*run, 'x="end"').returncode == 0
-    assert [path for path in (tmp_path / "out").iterdir() if path.suffix != ".c"] == []
+    left = [path.name for path in (tmp_path / "out").iterdir() if path.suffix != ".c"]
+    assert left == [".orv-state.json"]
+    state = (tmp_path / "out/.orv-state.json").read_bytes()
+    assert orv(*run, 'x="end"', "--state", "other.json", "--adopt").returncode == 0
+    assert (tmp_path / "other.json").read_bytes() == state
 
 
 def test_temporaries_are_removed_unless_someone_writes_them(orv: Command, tmp_path: Path) -> None:

@@ -57,7 +57,7 @@ def test_extensions(orv: Command, tmp_path: Path) -> None:
     (tmp_path / "other" / "e.py").write_text("import helpers\nassert helpers.PREFIX == 'other'\n")
     done = orv(
         "generate", "t.j2", "--extend", "other/e.py", "--extend", "e.py", "--out", "out",
-        "--depfile", "/dev/stdout", "--quiet",
+        "--depfile", "/dev/stdout", "--depfile-target", "out/a.c", "--quiet",
         t__j2=TEMPLATE,
         e__py=EXTENSION, helpers__py='PREFIX = "m_"\n', data__txt="",
     )  # fmt: skip

@@ -14,6 +14,7 @@ model = "m/m.json"
 set = ["y=2", "z=z"]
 out = "gen"
 depfile = "code.d"
+depfile-target = "gen.stamp"
 quiet = true
 
 [run.other]
@@ -37,7 +38,7 @@ def test_runs_of_a_project_file(orv: Command, tmp_path: Path) -> None:
     assert (first.returncode, first.stdout, first.stderr) == (0, "new     other/c\n", "")
     made = (tmp_path / "gen/c", tmp_path / "other/c")
     assert [path.read_text() for path in made] == ["x2z \nw2z \n", "x30 \n"]
-    rule = "gen/c: \\\n  m/m.json \\\n  orv.toml \\\n  t/a.j2 \\\n  t/b.j2\n"
+    rule = "gen.stamp: \\\n  m/m.json \\\n  orv.toml \\\n  t/a.j2 \\\n  t/b.j2\n"
     assert (tmp_path / "code.d").read_text() == rule
     # In a folder below, the command line's paths are relative to that one; single values replace
     # the file's, and what the file has of the same sort.
@@ -70,7 +71,7 @@ MISTAKES: dict[str, str | tuple[str, str]] = {
     'orv.toml:5: the key "verbose": not allowed with "quiet"':
         RUN + "quiet = true\nverbose = true\n",
     'orv.toml: there is no run "aa"; did you mean "a"?': (RUN, "--run=aa"),
-    'the runs "a" and "b" both write d': (RUN + RUN.replace("a]", "b]"), "--depfile=d"),
+    'the runs "a" and "b" both write d': (RUN + RUN.replace("a]", "b]"), "--manifest=d"),
 }  # fmt: skip
 
 

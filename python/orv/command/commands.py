@@ -5,7 +5,7 @@ from __future__ import annotations
 from dataclasses import dataclass
 
 from orv.command.option import Option, options_of
-from orv.command.options import GenerateOptions, PrintModelOptions
+from orv.command.options import GenerateOptions, ListOutputsOptions, PrintModelOptions
 
 SUMMARY = "Packages generated C text into files, section by section."
 EXIT_CODES = "Ends with 0 when all went well, 1 when something failed or differs, 2 on misuse."
@@ -41,6 +41,13 @@ COMMANDS = (
         "Render each TEMPLATE with the models and write the files that they declare below DIR."
         " Without TEMPLATE, do the runs of a project file.",
         GenerateOptions,
+    ),
+    Command(
+        "list-outputs",
+        "print the paths of the files that a run writes",
+        "Render, and print the path of each file that `orv generate` would write, whether or not"
+        " it differs.",
+        ListOutputsOptions,
     ),
     Command(
         "model",

@@ -9,10 +9,11 @@ from orv.command.console import debug, say, warn
 from orv.command.options import GenerateOptions
 from orv.command.outputs import Outcome, Outputs
 from orv.command.progress import progress
-from orv.command.runs import requested_runs, require_own_reports
+from orv.command.runs import requested_runs, require_consistent
 from orv.dependencies import recorded
 from orv.errors import Messages
 from orv.extensions import load_extensions
+from orv.files.run import Run
 from orv.models.model import build_model
 from orv.templates.engine import render, source_beside
 from orv.templates.library import DELIMITERS, Language
@@ -24,7 +25,7 @@ _SHOWN = 10
 def run(given: dict[str, Any]) -> int:
     """The command `orv generate`, with the options that were given."""
     runs = requested_runs(given)
-    require_own_reports(runs)
+    require_consistent(runs)
     code = 0
     told: list[Outcome] = []
     for options in runs:
@@ -39,11 +40,19 @@ def run(given: dict[str, Any]) -> int:
 
 def generate(options: GenerateOptions) -> Outcome:
     """Render, run the scripts, and write or compare."""
+    run, sources = render_run(options)
+    return Outputs(run, sources, options).finish()
+
+
+def render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
+    """Render and run the scripts. Returns the run and the paths of what it has read."""
     with recorded() as dependencies:
-        return _generate(options, dependencies)
+        run, sources = _render_run(options)
+    run.dependencies = dependencies
+    return run, sources
 
 
-def _generate(options: GenerateOptions, dependencies: list[str]) -> Outcome:
+def _render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
     if options.run_name is not None:
         say(f"run {options.run_name}", options)
     messages = Messages(lambda text: warn(text, options), options.strict, debug)
@@ -65,8 +74,7 @@ def _generate(options: GenerateOptions, dependencies: list[str]) -> Outcome:
     sources = [*read, *model.files, *model.folders, *options.script]
     if options.project is not None:
         sources.append(options.project)
-    sources += [path for path in dependencies if path not in sources]
-    return Outputs(run, sources, options).finish()
+    return run, sources
 
 
 def _summarize(outcomes: Sequence[Outcome]) -> None:

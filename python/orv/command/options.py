@@ -8,7 +8,7 @@ from dataclasses import dataclass
 from typing import TYPE_CHECKING, ClassVar
 
 from orv.command.option import (
-    ValueType, file, flag, folder, number, operands, text, value, values,
+    ValueType, choice, file, flag, folder, number, operands, text, value, values,
 )  # fmt: skip
 
 if TYPE_CHECKING:
@@ -69,11 +69,10 @@ class ModelOptions:
     )
     set: list[Setting] = values(SETTING, "set one value of the model; KEY may be dotted")
     extend: list[str] = values(
-        file("FILE.py"), "load an extension: it prepares the model and helps templates; trusted code"
+        file("FILE.py"),
+        "load an extension: it prepares the model and helps templates; trusted code",
     )
-    schema: list[str] = values(
-        file("FILE"), "check the model with a JSON Schema, in JSON or YAML"
-    )
+    schema: list[str] = values(file("FILE"), "check the model with a JSON Schema, in JSON or YAML")
 
 
 @dataclass
@@ -82,29 +81,35 @@ class InputOptions:
 
     GROUP: ClassVar[str] = "input"
 
-    template: list[str] = operands(
-        file("TEMPLATE"), "a template; others are looked for beside it"
-    )
+    template: list[str] = operands(file("TEMPLATE"), "a template; others are looked for beside it")
     templates: list[str] = values(folder("DIR"), "look for templates here too")
     delimiters: tuple[str, ...] | None = value(
         DELIMITERS, "what tags, values and comments stand between, instead of '{% %} {{ }} {# #}'"
     )
-    script: list[str] = values(
-        file("FILE.py"), "run a script on the files before they are written"
-    )
+    script: list[str] = values(file("FILE.py"), "run a script on the files before they are written")
 
 
 @dataclass
-class OutputOptions:
-    """What is written, and whether."""
+class OutputFolderOptions:
+    """Where files are written."""
 
     GROUP: ClassVar[str] = "output"
 
     out: str = value(folder("DIR"), "the folder for the files", default="")
-    depfile: str | None = value(file("FILE"), "write the dependencies for make or ninja")
-    manifest: str | None = value(
-        file("FILE.json"), "write what the run made, for other programs"
+
+
+@dataclass
+class OutputOptions(OutputFolderOptions):
+    """What is written, and whether."""
+
+    GROUP: ClassVar[str] = "output"
+
+    depfile: str | None = value(
+        file("FILE"), "write the dependencies of the stamp or target for make or ninja"
     )
+    depfile_target: str | None = value(text("NAME"), "the target of the depfile")
+    stamp: str | None = value(file("FILE"), "write this file last, when all went well")
+    manifest: str | None = value(file("FILE.json"), "write what the run made, for other programs")
     check: bool = flag("write nothing; end with 1 when a file differs", exclusive="mode")
     dry_run: bool = flag("write nothing; list what would be written", exclusive="mode")
     diff: bool = flag("write nothing; show what would change")
@@ -125,6 +130,29 @@ class WritingOptions:
         MODE, "give the files these permissions, in octal (444 is read-only)"
     )
     fsync: bool = flag("end only when everything is on the disk")
+
+
+@dataclass
+class StateOptions:
+    """What becomes of files that are there already."""
+
+    GROUP: ClassVar[str] = "files that are there already"
+
+    state: str | None = value(
+        file("FILE"), "keep the state of the output folder here and not in .orv-state.json in it"
+    )
+    no_state: bool = flag("keep no state: write over any file and remove none")
+    edited: str = value(
+        choice("error", "warn", "overwrite"),
+        "files that were edited since they were generated: stop (the default), leave or discard",
+        default="error",
+    )
+    stale: str = value(
+        choice("remove", "keep"),
+        "files that the run made before and no longer makes (a named run removes them by default)",
+        default="remove",
+    )
+    adopt: bool = flag("take over files that another run made, or none")
 
 
 @dataclass
@@ -154,7 +182,13 @@ class ProjectOptions:
 
 @dataclass
 class GenerateOptions(
-    ProjectOptions, MessageOptions, WritingOptions, OutputOptions, ModelOptions, InputOptions
+    ProjectOptions,
+    MessageOptions,
+    StateOptions,
+    WritingOptions,
+    OutputOptions,
+    ModelOptions,
+    InputOptions,
 ):
     """The options of `orv generate`."""
 
@@ -174,3 +208,12 @@ class PrintModelOptions(MessageOptions, ModelOptions):
     """The options of `orv model`."""
 
     places: bool = flag("print one line for each value, with the place where it was written")
+
+
+@dataclass
+class ListOutputsOptions(
+    ProjectOptions, MessageOptions, OutputFolderOptions, ModelOptions, InputOptions
+):
+    """The options of `orv list-outputs`."""
+
+    json: bool = flag("print a JSON list")

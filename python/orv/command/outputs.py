@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 import sys
-from collections.abc import Sequence
+from collections.abc import Callable, Sequence
 from typing import NamedTuple
 
 from orv.command.console import say, warn
@@ -15,7 +15,9 @@ from orv.files.run import Run
 from orv.output import reports
 from orv.output.depfile import depfile
 from orv.output.folder import lock, make_folder, open_folder, shown
-from orv.output.plan import PlannedFile, compare, plan, real_path
+from orv.output.ownership import Policy, Settlement, require_writable, settle
+from orv.output.plan import PlannedFile, State, compare, plan, real_path
+from orv.output.state import FolderState, StateFile
 from orv.output.writer import Writer
 
 
@@ -40,23 +42,42 @@ class Outputs:
         self._folder = open_folder(options.out, options.fsync)
         if self._folder.exists:
             self._lock()
+        self._state = (
+            None if options.no_state else StateFile(self._folder, options.state, options.fsync)
+        )
+        self._policy = Policy(options.run_name or "", options.edited, options.stale, options.adopt)
         self._files = plan(run, self._folder)
+        self._settle()
 
     def finish(self) -> Outcome:
         """Write or compare, and write the reports."""
         options = self._options
+        taken = self._taken()
+        if options.writes:
+            require_writable(self._files, self._folder, self._policy, self._run.messages)
         wanted = self._reports()
-        reports.prepare(wanted, self._taken(), options.fsync)
+        reports.prepare(wanted, taken, options.fsync)
         if options.writes:
             self._write()
         elif options.diff:
             self._show_differences()
         else:
             self._list()
+        differs = any(file.differs for file in self._files) or bool(self._settled.removed)
         for report in wanted:
-            reports.write(report)
+            if report.kind != "stamp" or options.writes or (options.check and not differs):
+                reports.write(report)
         empty = [self._empty_label(file) for file in self._files if file.is_empty]
-        return Outcome(any(file.differs for file in self._files), empty)
+        return Outcome(differs, empty)
+
+    def _settle(self) -> None:
+        self._known = FolderState()
+        self._settled = Settlement()
+        if self._state is not None:
+            self._known = self._state.load(self._folder)
+            self._settled = settle(
+                self._files, self._known, self._folder, self._policy, self._run.messages
+            )
 
     def _lock(self) -> None:
         """Keep other runs out of the folder; a run that only reads keeps out those that write."""
@@ -73,10 +94,19 @@ class Outputs:
             data = manifest(self._run, self._files)
             wanted.append(reports.Report("manifest", options.manifest, data))
         if options.depfile is not None:
-            made = [self._shown(file) for file in self._files if not file.is_empty]
-            rule = depfile(made, self._sources)
-            wanted.append(reports.Report("depfile", options.depfile, rule))
+            target = options.depfile_target or options.stamp or ""
+            wanted.append(
+                reports.Report("depfile", options.depfile, depfile(target, self._dependencies()))
+            )
+        if options.stamp is not None:
+            wanted.append(reports.Report("stamp", options.stamp, b""))
         return wanted
+
+    def _dependencies(self) -> list[str]:
+        """What the run read and what it says it depends on, without its own outputs."""
+        made = {real_path(self._folder, file.location) for file in self._files}
+        named = [path for path in self._run.dependencies if os.path.realpath(path) not in made]
+        return [*self._sources, *named]
 
     def _taken(self) -> dict[str, str]:
         """What the run reads and the files it makes, by their real paths."""
@@ -96,6 +126,8 @@ class Outputs:
                     f" {taken[target]}"
                 )
             taken[target] = f'the file "{self._shown(file)}"'
+        if self._state is not None:
+            taken[self._state.real_path] = f'the state file "{self._state.shown}"'
         return taken
 
     def _write(self) -> None:
@@ -104,22 +136,40 @@ class Outputs:
             self._lock()
             # Another run may have made and filled the folder meanwhile.
             compare(self._files, self._run)
-        total = sum(file.differs for file in self._files)
+            self._settle()
+            require_writable(self._files, self._folder, self._policy, self._run.messages)
+        total = sum(file.is_written for file in self._files)
         with progress("writing", total, self._options.quiet) as step:
 
             def wrote(_: PlannedFile) -> None:
                 if step is not None:
                     step()
 
-            Writer(self._folder, self._run, self._options.file_mode).write(self._files, wrote)
+            self._carry_out(wrote)
         self._list()
 
+    def _carry_out(self, wrote: Callable[[PlannedFile], None]) -> None:
+        """Write the intent, the files, then the state: the next run can tell how far this one came."""
+        settled = self._settled
+        writer = Writer(self._folder, self._run, self._options.file_mode)
+        known = [location for files in self._known.runs.values() for location in files]
+        writer.clean(self._files, known)
+        if self._state is not None and settled.before.intent:
+            self._state.save(settled.before)
+        writer.write(self._files, wrote)
+        writer.remove(settled.removed, settled.before.folders)
+        is_new = settled.after != self._known or self._known.was_interrupted
+        if self._state is not None and (settled.before.intent or is_new):
+            self._state.save(settled.after)
+
     def _show_differences(self) -> None:
-        from orv.output.differences import difference
+        from orv.output.differences import difference, removal
 
         for file in self._files:
             if file.differs:
                 sys.stdout.write(difference(file, self._folder))
+        for location in self._settled.removed:
+            sys.stdout.write(removal(location, self._folder))
 
     def _list(self) -> None:
         for file in self._files:
@@ -129,6 +179,25 @@ class Outputs:
                 print(line)
             elif not file.differs:
                 say(line, self._options)
+        removed = self._settled.removed
+        if not self._options.quiet:
+            for location in removed:
+                print(f"{'removed':8}{shown(self._folder, location)}")
+        if self._options.check:
+            self._count()
+
+    def _count(self) -> None:
+        """How many files are outdated, edited, those of others and to be removed."""
+        states = [file.state for file in self._files]
+        counts = {
+            "outdated": states.count(State.NEW) + states.count(State.CHANGED),
+            "edited": states.count(State.EDITED),
+            "made by others": states.count(State.FOREIGN),
+            "to be removed": len(self._settled.removed),
+        }
+        found = ", ".join(f"{count} {what}" for what, count in counts.items() if count)
+        if found and not self._options.quiet:
+            print(found)
 
     def _empty_label(self, file: PlannedFile) -> str:
         names = ("RequiredIncludes", "UtilityIncludes")

@@ -22,16 +22,21 @@ def requested_runs(given: dict[str, Any]) -> list[GenerateOptions]:
     return _project_runs(asked, given)
 
 
-def require_own_reports(runs: Sequence[GenerateOptions]) -> None:
-    """Fail when two runs would write the same report."""
+def require_consistent(runs: Sequence[GenerateOptions]) -> None:
+    """Raise Misuse when two runs write the same report, a depfile has no target, or a run asks for
+    a state file and for none."""
     owners: dict[str, str | None] = {}
     for options in runs:
-        for path in (options.depfile, options.manifest):
+        if options.state is not None and options.no_state:
+            raise Misuse("argument --no-state: not allowed with argument --state")
+        for path in (options.depfile, options.manifest, options.stamp):
             if path is None:
                 continue
             other = owners.setdefault(os.path.realpath(path), options.run_name)
             if other != options.run_name:
                 raise Misuse(f'the runs "{other}" and "{options.run_name}" both write {path}')
+        if options.depfile is not None and not (options.stamp or options.depfile_target):
+            raise Misuse("--depfile needs a target: --stamp FILE or --depfile-target NAME")
 
 
 def _own_run(options: GenerateOptions) -> GenerateOptions:

@@ -26,6 +26,8 @@ class Run:
         step: Callable[[], None] | None = None,
     ) -> None:
         self.messages = messages
+        # Files that templates, scripts and extensions say the outputs depend on.
+        self.dependencies: list[str] = []
         self.step = step
         self.repository = _native.Repository()
         self.files = FileTable(self.repository, messages)

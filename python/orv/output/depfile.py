@@ -7,14 +7,13 @@ from collections.abc import Iterable
 from orv.errors import OutputError
 
 
-def depfile(targets: Iterable[str], sources: Iterable[str]) -> bytes:
-    """One rule without commands: the targets depend on the sources. Both are sorted.
+def depfile(target: str, sources: Iterable[str]) -> bytes:
+    """One rule without commands: the target depends on the sources, which are sorted.
 
     Raises OutputError for a path with a control character, which the rule cannot hold.
     """
-    left = " ".join(_escaped(path) for path in sorted(set(targets)))
     right = "".join(f" \\\n  {_escaped(path)}" for path in sorted(set(sources)))
-    return f"{left}:{right}\n".encode("utf-8", "surrogateescape")
+    return f"{_escaped(target)}:{right}\n".encode("utf-8", "surrogateescape")
 
 
 def _escaped(path: str) -> str:

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+from collections.abc import Iterator
 from dataclasses import dataclass
 from enum import Enum
 
@@ -19,6 +20,10 @@ class State(Enum):
     CHANGED = "changed"
     SAME = "same"
     EMPTY = "empty"
+    # It differs from both what was generated last and what is generated now.
+    EDITED = "edited"
+    # Another run made it, or none.
+    FOREIGN = "foreign"
 
 
 @dataclass
@@ -26,7 +31,9 @@ class PlannedFile:
     """A file of the run and its bytes. An empty file has none and is not written.
 
     `path` is below the output folder and the same in any locale; `location` is where links inside
-    the folder lead it, and the file's identity. `old_hash` is that of the text on the disk.
+    the folder lead it, and the file's identity. `old_hash` is that of the text on the disk. `owner`
+    is the run that made a foreign file; None when no run did. `is_regenerated` says of an edited
+    file that it is generated with another text than before.
     """
 
     index: int
@@ -35,10 +42,17 @@ class PlannedFile:
     state: State = State.EMPTY
     location: str = ""
     old_hash: str = ""
+    owner: str | None = None
+    is_regenerated: bool = False
 
     @property
     def differs(self) -> bool:
-        """Whether the disk has to change."""
+        """Whether the disk holds something else than the file."""
+        return self.state not in (State.SAME, State.EMPTY)
+
+    @property
+    def is_written(self) -> bool:
+        """Whether the run writes the file."""
         return self.state in (State.NEW, State.CHANGED)
 
     @property
@@ -104,6 +118,14 @@ def compare(files: Plan, run: Run) -> None:
 def real_path(folder: _native.OutputFolder, location: str) -> str:
     """The full path of a file, as Python's file functions take it."""
     return os.path.join(folder.real, os.fsdecode(location.encode("utf-8", "surrogateescape")))
+
+
+def folders_of(location: str) -> Iterator[str]:
+    """The folders below the output folder that a file is in, the innermost first."""
+    folder = os.path.dirname(location)
+    while folder:
+        yield folder
+        folder = os.path.dirname(folder)
 
 
 def _composed(run: Run, index: int) -> PlannedFile:
@@ -174,14 +196,12 @@ def _names_clash(file: PlannedFile, other: PlannedFile, run: Run) -> bool:
 
 def _refuse_files_as_folders(owners: dict[str, int], run: Run) -> None:
     for location, index in owners.items():
-        parent = os.path.dirname(location)
-        while parent:
+        for parent in folders_of(location):
             if parent in owners:
                 raise OutputError(
                     f"{run.files.place(index)}the file {run.files.label(index)} is below"
                     f" {run.files.label(owners[parent])}, which is a file and not a folder"
                 )
-            parent = os.path.dirname(parent)
 
 
 def _text(run: Run, index: int, attribute: str) -> str:

@@ -3,13 +3,14 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Callable, Sequence
+from collections.abc import Callable, Iterable, Sequence
+from contextlib import suppress
 
 from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
 from orv.output.folder import reason, shown
-from orv.output.plan import PlannedFile
+from orv.output.plan import PlannedFile, State, folders_of
 
 
 class Writer:
@@ -28,8 +29,7 @@ class Writer:
         Raises OutputError, which says for every file whether it is old or new, when one cannot be
         written.
         """
-        self._clean(files)
-        waiting = [file for file in files if file.differs]
+        waiting = [file for file in files if file.is_written]
         position = 0
         try:
             for position, file in enumerate(waiting):
@@ -47,21 +47,39 @@ class Writer:
         except KeyboardInterrupt:
             # The interruption may have come just after the file took its place.
             done = position + any(map(self._is_written, waiting[position : position + 1]))
-            raise OutputError(
-                "interrupted while writing\n" + self._states(waiting, done)
-            ) from None
+            raise OutputError("interrupted while writing\n" + self._states(waiting, done)) from None
 
-    def _clean(self, files: Sequence[PlannedFile]) -> None:
-        """Remove what runs that were killed left behind, in every folder that has a file."""
-        folders = {os.path.dirname(file.location) for file in files if not file.is_empty}
-        for folder in sorted(folders | {""}):
-            self._folder.remove_abandoned(folder)
+    def clean(self, files: Sequence[PlannedFile], more: Iterable[str] = ()) -> None:
+        """Remove what runs that were killed left behind, in every folder of a file.
+
+        `more` are the locations of files that were made by earlier runs.
+        """
+        locations = [file.location for file in files if not file.is_empty]
+        for folder in sorted({os.path.dirname(location) for location in [*locations, *more]}):
+            with suppress(OSError):
+                self._folder.remove_abandoned(folder)
+
+    def remove(self, locations: Iterable[str], folders: Iterable[str]) -> None:
+        """Remove files, and those of `folders`, which runs have made, that are empty then.
+
+        Raises OutputError.
+        """
+        empty = set(folders)
+        for location in locations:
+            try:
+                self._folder.remove(location)
+            except OSError as error:
+                name = shown(self._folder, location)
+                raise OutputError(f"{name} cannot be removed: {reason(error)}") from error
+            for folder in folders_of(location):
+                if folder not in empty or not self._folder.remove_folder(folder):
+                    break
 
     def _set_modes(self, files: Sequence[PlannedFile]) -> None:
         if self._mode is None:
             return
         for file in files:
-            if not file.is_empty and not file.differs:
+            if file.state is State.SAME:
                 self._folder.set_mode(file.location, self._mode)
 
     def _is_written(self, file: PlannedFile) -> bool:
