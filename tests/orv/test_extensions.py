@@ -145,13 +145,14 @@ def test_delimiters_and_relative_templates(orv: Command, tmp_path: Path) -> None
     (tmp_path / "a" / "b" / "m.j2").write_text('<% import "../n.j2" as n %><% include "./i.j2" %>')
     (tmp_path / "a" / "n.j2").write_text("")
     text = (
-        '<% file "a.c" %><% section "Enums" %>int a[] = {{0}}; <<1>>\n<% endsection %><% endfile %>'
+        '<% file "a.c" %><% section "Enums" %>int a[] = {{0}}; <<1>>\n'
+        '<# c\n#>\n  <% indent %><<"b\\nc">><% endindent %><% endsection %><% endfile %>'
     )
     (tmp_path / "a" / "b" / "i.j2").write_text(text)
     run = ("generate", "t.j2", "--out", "o", "--delimiters")
     done = orv(*run, "<% %> << >> <# #>", t__j2='<# no #><% include "a/b/m.j2" %>')
     assert (done.returncode, done.stderr) == (0, "")
-    assert (tmp_path / "o" / "a.c").read_text() == "int a[] = {{0}}; 1\n"
+    assert (tmp_path / "o" / "a.c").read_text() == "int a[] = {{0}}; 1\n  b\n  c\n"
     assert orv(*run, "<% %>").stderr.endswith(
         "error: argument --delimiters: expected three different pairs such as '<% %> << >> <# #>',"
         " got '<% %>'\nTry 'orv generate --help'.\n"

@@ -74,7 +74,9 @@ def test_the_printer_refuses_what_it_cannot_do() -> None:
     calls: list[tuple[Any, tuple[Any, ...]]] = [
         (printer.close, ()),
         (printer.leave, (1,)),
-        (printer.place, (0,)),
+        (printer.place, (0, "", True)),
+        (printer.place, (-1, "", True)),
+        (printer.indent, (" " * 201, True)),
         (printer.section, ()),
         (printer.section, (22, "a.c")),
         (printer.section, ("Enums", "no")),

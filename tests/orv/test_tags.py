@@ -68,7 +68,7 @@ RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
     "text file as it is, added to from elsewhere, without C": (
         '{% file "b.c" %}{% endfile %}{% file "a.h" as text DefinedMacro="A" %}\n# T\n'
         '{% section "Enums" of "b.c" %}{% file "a.h" %}more{% endfile %}int x;{% endsection %}'
-        '{% for name in file().sections %}{{ name }}{% endfor %}{% endfile %}'
+        "{% for name in file().sections %}{{ name }}{% endfor %}{% endfile %}"
         '{% section "Text" of "a.h" %} end{% endsection %}'
         '{% section "Functions" of "b.c" %}{{ file("a.h").Text }}{% endsection %}',
         {"b.c": "int x;\nmore# T\nText end\n", "a.h": "more# T\nText end"},
@@ -130,6 +130,35 @@ RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
         "{% endset %}x{% endsection %}{% endfile %}"
         '{% endfor %}{% set l = [] %}{% do l %}{% section "Enums" %}e{% endsection %}{% endfile %}',
         {"a.c": "0\ne\n", "0.c": "0\n", "1.c": "1\n"},
+    ),
+    "placed sections and texts with the indentation of their place": (
+        # Placed: a directive that is continued, empty lines, a line without its newline.
+        '{% file "a.c" %}{% for c in "abcdef" %}{% custom c on "Enums" %}{% fill c %}'
+        "{{ c }}\n#if \\\n x\n\n{{ '\\r' }}\n{{ c }}{% endfill %}{% endfor %}"
+        '{% file "b.c" %}{% section "Functions" %}\n'
+        'f\n\t {% place "a" of "a.c" %}\n;\n  {% place "b" of "a.c" indent=0 %}  \n'
+        '  {%- place "c" of "a.c" directives=false %}\n  x {% place "d" of "a.c" %}\n'
+        '  {% place "e" of "a.c" directives=false %}\n\n'
+        "{% indent 3 %}\ny\n  {% indent directives=false %}\n{{ 1 }}\n#z\n"
+        ' {%+ place "f" of "a.c" -%}  \n   g\nh\n\n{% endindent %}i{% endindent %}j\n'
+        "{% endsection %}{% endfile %}{% endfile %}",
+        {
+            "b.c": "f\n\t a\n\t #if \\\n\t  x\n\n\r\n\t a;\nb\n#if \\\n x\n\n\r\nb"
+            "c\n#if \\\n x\n\n\r\nc  x d\n#if \\\n x\n\n\r\nd"
+            "e\n#if \\\n x\n\n\r\n  e\n   y\n     1\n   #z\n      f\n    #if \\\n     x\n\n\r\n"
+            "      fg\n     h\n\n   ij\n"
+        },
+    ),
+    "indented texts wherever they go": (
+        '{% macro m() %}a\nb\n{% endmacro %}{% file "a.c" %}{% custom "c" on "Enums" %}'
+        '{% indent 2 %}{% section "Enums" %}\nx = {% indent %}{{ m() }}{% endindent %}'
+        '{% set s %}{% indent "\t" %}{{ m() }}{% endindent %}{% endset %}{{ s }}'
+        "{% for i in [1, 2] %}{% indent i %}{{ i }}\n{% continue %}{% endindent %}{% endfor %}"
+        "{% for n in [[[], []], []] recursive %}-\n{% indent 1 %}{{ loop(n) }}{% endindent %}"
+        "{% endfor %}{% endsection %}{% endindent %}"
+        '{% fill "c" %}{% indent 1 %}{% indent 1 %}{% endindent %}d{% endindent %}{% endfill %}'
+        "{% endfile %}",
+        {"a.c": "x = a\n    b\n\ta\n\tb\n 1\n  2\n-\n -\n -\n-\n d\n"},
     ),
     "guard that is never opened": (
         '{% file "a.h" DefinedMacro="A_H" order=["Banner"] %}{% section "Banner" %}b'
@@ -195,6 +224,16 @@ ERRORS: dict[str, str | dict[str, str]] = {
         "{{ 2 }}\n{{ m }}\n{{ 3 }}{% endsection %}{% endfile %}",
     f"main.j2:2: {IN_VALUE}":
         '{% file "a" %}{% set s %}\n{% place "c" %}{% endset %}{% endfile %}',
+    f'main.j2:2: {LOST}"q"{PUT_IT}': "{% indent 2 %}\nq{% endindent %}",
+    f"main.j2:4: {IN_VALUE}":
+        '{% file "a" %}{% set s %}\n\n\n{% indent 2 %}{% place "c" %}{% endindent %}{% endset %}'
+        "{% endfile %}",
+    "main.j2:1: an indentation is a number of blanks, up to 200, or a text of blanks and tabs,"
+    " not -1":
+        '{% file "a" %}{% section "Enums" %}{% indent -1 %}{% endindent %}'
+        "{% endsection %}{% endfile %}",
+    'main.j2:1: place has no option "indents"; did you mean "indent"?':
+        '{% place "x" indents=0 %}',
     f"main.j2:3: {IN_VALUE}":
         '{% file "a" %}{% macro m() %}\n\n{% place "c" %}{% endmacro %}{{ m()|upper }}'
         "{% endfile %}",

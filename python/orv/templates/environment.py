@@ -5,6 +5,7 @@ from __future__ import annotations
 import posixpath
 from collections.abc import Mapping
 from datetime import date
+from functools import cached_property
 from typing import Any
 
 import jinja2
@@ -22,6 +23,7 @@ from orv.files.run import Run
 from orv.models.element import ENTRIES, Element
 from orv.templates.compiler import TemplateCode
 from orv.templates.library import Language, add_library
+from orv.templates.lexer import PlacingLexer
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
@@ -119,6 +121,11 @@ class Environment(ImmutableSandboxedEnvironment):
         # What they give differs from run to run.
         del self.filters["random"], self.globals["lipsum"]
         add_library(self, run.messages, language.extensions)
+
+    @cached_property
+    def lexer(self) -> PlacingLexer:
+        """The lexer of every template; see jinja2.Environment."""
+        return PlacingLexer(self)
 
     def render(self, template: str, model: Mapping[str, object]) -> None:
         """Run the template with the variables of `model`."""

@@ -5,6 +5,7 @@ from __future__ import annotations
 from collections.abc import Callable, Iterator, Mapping, Sequence
 from typing import NoReturn
 
+from orv import _native
 from orv.errors import OrvError
 from orv.files.run import Run
 from orv.files.table import FileView
@@ -68,18 +69,23 @@ class Statements:
         """Say that the templates place a custom section, if at all."""
         self._run.custom.mark_in_use(self._printer.target(target), _name(name))
 
-    def place(self, name: object, target: object = None) -> None:
+    def place(self, name: object, target: object, indentation: object, directives: object) -> None:
         """Place a custom section at the end of what has been printed so far."""
         file = self._printer.target(target)
         checked = _name(name)
-        kind = self._printer.kind
+        kind = self._printer.destination
         if kind == "outside":
             raise OrvError(outside_text(f'{{% place "{checked}" %}}'))
         if kind == "fill":
             raise OrvError(f'a custom section cannot hold the place of another one, "{checked}"')
         if kind == "capture":
             refuse_in_value(checked)
-        self._printer.place(self._run.place(file, checked))
+        number = self._run.place(file, checked)
+        self._printer.place(number, _blanks(indentation), _flag("directives", directives))
+
+    def indent(self, indentation: object, directives: object) -> None:
+        """Indent what is printed until the body is closed that begins here."""
+        self._printer.indent(_blanks(indentation), _flag("directives", directives))
 
     def model(self, name: str, file_names: Mapping[str, object]) -> None:
         """Name the model and its files."""
@@ -129,6 +135,23 @@ def _name(name: object) -> str:
     if not isinstance(name, str) or not name:
         raise OrvError(f"expected the name of a custom section, got {name!r}")
     return name
+
+
+def _blanks(indentation: object) -> str:
+    if type(indentation) is int and 0 <= indentation <= _native.LONGEST_INDENTATION:
+        return " " * indentation
+    if isinstance(indentation, str) and not indentation.strip(" \t"):
+        return indentation
+    raise OrvError(
+        f"an indentation is a number of blanks, up to {_native.LONGEST_INDENTATION}, or a text of"
+        f" blanks and tabs, not {indentation!r}"
+    )
+
+
+def _flag(name: str, value: object) -> bool:
+    if not isinstance(value, bool):
+        raise OrvError(f"the value of {name} must be true or false, not {value!r}")
+    return value
 
 
 def _headers(entries: Sequence[object]) -> Iterator[str]:

@@ -7,6 +7,7 @@ such a call. See TemplateCode for the code that is made of them.
 
 from __future__ import annotations
 
+import re
 from collections.abc import Callable
 
 from jinja2 import nodes
@@ -16,6 +17,7 @@ from jinja2.parser import Parser
 
 from orv import _native
 from orv.errors import did_you_mean
+from orv.templates.lexer import TagEnd, TagName
 
 
 class PackagingTags(Extension):
@@ -23,7 +25,7 @@ class PackagingTags(Extension):
 
     tags = {
         "custom", "file", "fill", "function", "in_use", "include_added", "include_required",
-        "include_utility", "model", "place", "section",
+        "include_utility", "indent", "model", "place", "section",
     }  # fmt: skip
 
     def parse(self, parser: Parser) -> nodes.Node | list[nodes.Node]:
@@ -59,7 +61,21 @@ class PackagingTags(Extension):
 
     def _parse_place(self, parser: Parser, tag: Token) -> nodes.Node:
         name = parser.parse_expression()
-        return _statement(tag, "statements.place", [name, *_parse_of(parser)])
+        target = _parse_of(parser) or [nodes.Const(None, lineno=tag.lineno)]
+        given = _parse_indentation(parser, tag, ["indent", "directives"])
+        written = nodes.Const(_blanks_of_line(parser, tag), lineno=tag.lineno)
+        indentation = [given.get("indent", written), given["directives"]]
+        return _statement(tag, "statements.place", [name, *target, *indentation])
+
+    def _parse_indent(self, parser: Parser, tag: Token) -> nodes.Node:
+        # By the column of the tag; tabs stay tabs.
+        before = re.sub(r"[^\t]", " ", getattr(tag.value, "before", ""))
+        indentation: nodes.Expr = nodes.Const(before, lineno=tag.lineno)
+        is_option = parser.stream.current.test("name") and parser.stream.look().test("assign")
+        if not parser.stream.current.test("block_end") and not is_option:
+            indentation = parser.parse_expression()
+        given = _parse_indentation(parser, tag, ["directives"])
+        return _with_body(parser, tag, [indentation, given["directives"]], "statements.indent")
 
     def _parse_include(self, parser: Parser, tag: Token) -> nodes.Node:
         headers = [parser.parse_expression()]
@@ -92,9 +108,11 @@ def _statement(tag: Token, operation: str, arguments: list[nodes.Expr]) -> nodes
     return nodes.ExprStmt(_call(tag, operation, arguments), lineno=tag.lineno)
 
 
-def _with_body(parser: Parser, tag: Token, arguments: list[nodes.Expr]) -> nodes.Node:
+def _with_body(
+    parser: Parser, tag: Token, arguments: list[nodes.Expr], operation: str = ""
+) -> nodes.Node:
     body = parser.parse_statements((f"name:end{tag.value}",), drop_needle=True)
-    begin = _call(tag, f"printer.{tag.value}", arguments)
+    begin = _call(tag, operation or f"printer.{tag.value}", arguments)
     return nodes.CallBlock(begin, [], [], body, lineno=tag.lineno)
 
 
@@ -119,7 +137,7 @@ def _parse_kind(parser: Parser, tag: Token) -> tuple[nodes.Expr, nodes.Expr]:
     return nodes.Const(kind.value, lineno=kind.lineno), arguments
 
 
-def _parse_assignments(parser: Parser, tag: Token) -> nodes.Expr:
+def _parse_assignments(parser: Parser, tag: Token) -> nodes.Dict:
     pairs: list[nodes.Pair] = []
     while not parser.stream.current.test("block_end"):
         parser.stream.skip_if("comma")
@@ -130,6 +148,27 @@ def _parse_assignments(parser: Parser, tag: Token) -> nodes.Expr:
             parser.fail(f"{name.value} is given twice", name.lineno)
         pairs.append(nodes.Pair(key, parser.parse_expression(), lineno=name.lineno))
     return nodes.Dict(pairs, lineno=tag.lineno)
+
+
+def _parse_indentation(parser: Parser, tag: Token, names: list[str]) -> dict[str, nodes.Expr]:
+    """The options of a tag that indents, with "directives" in any case."""
+    given: dict[str, nodes.Expr] = {"directives": nodes.Const(True, lineno=tag.lineno)}
+    for pair in _parse_assignments(parser, tag).items:
+        name = pair.key.as_const()
+        if name not in names:
+            hint = did_you_mean(name, names) or "; it has " + " and ".join(names)
+            parser.fail(f'{tag.value} has no option "{name}"{hint}', pair.lineno)
+        given[name] = pair.value
+    return given
+
+
+def _blanks_of_line(parser: Parser, tag: Token) -> str:
+    """The blanks before a tag that is alone on its line, unless it takes them away."""
+    name, end = tag.value, parser.stream.current.value
+    if not isinstance(name, TagName) or not isinstance(end, TagEnd):
+        return ""
+    is_alone = not name.before.strip(" \t") and not end.after.strip()
+    return name.before if is_alone and not name.strips else ""
 
 
 def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:

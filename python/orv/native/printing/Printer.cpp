@@ -13,8 +13,28 @@ namespace {
 // Above this size the memory of a closed body is given back.
 constexpr std::size_t largestKept = std::size_t{1} << 20;
 
-bool goesToFile(const Body& body) {
-  return body.kind == Body::Kind::section || body.kind == Body::Kind::function;
+// The body's text with every custom section in its place.
+std::string withPlacements(const Body& body, const Printer::Placer& placer) {
+  std::string whole;
+  Indentation following;
+  std::size_t end = 0;
+  const auto appendUpTo = [&](std::size_t offset) {
+    const std::string_view text = std::string_view(body.text).substr(end, offset - end);
+    if (endsLine(whole)) whole += indentationOfLine(following, text);
+    whole += text;
+    end = offset;
+  };
+  for (const Body::Placement& placement : body.placements) {
+    appendUpTo(placement.offset);
+    appendIndented(whole, placer(placement.number, body), placement.indentation, endsLine(whole));
+    following = placement.following;
+  }
+  appendUpTo(body.text.size());
+  return whole;
+}
+
+bool goesToFile(Body::Kind kind) {
+  return kind == Body::Kind::section || kind == Body::Kind::function;
 }
 
 }  // namespace
@@ -72,19 +92,72 @@ void Printer::openFill(int file, std::string name) {
 
 void Printer::openCapture() { open(Body::Kind::capture); }
 
-void Printer::place(std::size_t number) {
+void Printer::openIndent(Indentation indentation) {
+  if (top().kind == Body::Kind::outside) {
+    openOutside(top().current);
+  } else {
+    open(Body::Kind::indent).indentation = std::move(indentation);
+  }
+}
+
+Body::Kind Printer::destination() const {
+  std::size_t position = depth_ - 1;
+  while (bodies_[position].kind == Body::Kind::indent) --position;
+  return bodies_[position].kind;
+}
+
+void Printer::place(std::size_t number, Indentation indentation) {
+  if (!goesToFile(destination())) {
+    throw std::logic_error("a custom section is placed outside of a section");
+  }
   Body& body = top();
-  if (!goesToFile(body)) throw std::logic_error("a custom section is placed outside of a section");
-  body.placements.push_back({body.text.size(), number});
+  body.placements.push_back({body.text.size(), number, std::move(indentation), {}});
 }
 
 Body& Printer::close() {
   if (depth_ <= 1) throw std::logic_error("no body is open");
   Body& body = bodies_[--depth_];
-  if (!goesToFile(body)) return body;
-  commit(body);
+  if (body.kind == Body::Kind::indent) {
+    indent(body);
+  } else if (goesToFile(body.kind)) {
+    commit(body);
+  } else {
+    return body;
+  }
   if (body.text.capacity() > largestKept) std::string().swap(body.text);
   return body;
+}
+
+// Whether text for the top body begins a line. An indent that is empty begins where it was opened.
+bool Printer::beginsLine() const {
+  std::size_t position = depth_ - 1;
+  while (bodies_[position].kind == Body::Kind::indent && bodies_[position].text.empty()) --position;
+  return endsLine(bodies_[position].text);
+}
+
+void Printer::indent(const Body& body) {
+  Body& below = top();
+  const std::string_view text = body.text;
+  std::size_t end = 0;
+  for (const Body::Placement& placement : body.placements) {
+    appendIndented(text.substr(end, placement.offset - end), body.indentation);
+    below.placements.push_back({below.text.size(), placement.number,
+                                body.indentation + placement.indentation, placement.following});
+    end = placement.offset;
+  }
+  appendIndented(text.substr(end), body.indentation);
+}
+
+void Printer::appendIndented(std::string_view text, const Indentation& indentation) {
+  if (text.empty()) return;
+  Body& body = top();
+  if (body.placements.empty() || body.placements.back().offset != body.text.size()) {
+    orv::appendIndented(body.text, text, indentation, beginsLine());
+    return;
+  }
+  Indentation& following = body.placements.back().following;
+  following = indentation + following;
+  orv::appendIndented(body.text, text, indentation, false);
 }
 
 void Printer::commit(Body& body) {
@@ -128,13 +201,7 @@ void Printer::finish(const Placer& placer) {
     whole.file = kept.file;
     whole.section = kept.section;
     whole.name = kept.name;
-    std::size_t end = 0;
-    for (const Body::Placement& placement : kept.placements) {
-      whole.text.append(kept.text, end, placement.offset - end);
-      whole.text += placer(placement.number, kept);
-      end = placement.offset;
-    }
-    whole.text.append(kept.text, end);
+    whole.text = withPlacements(kept, placer);
     if (!whole.text.empty()) add(whole);
   }
 }

@@ -12,19 +12,24 @@
 #include <varn/VarnFileSectionKind.hpp>
 
 #include "python/orv/native/PackagedFiles.hpp"
+#include "python/orv/native/printing/Indentation.hpp"
 
 namespace orv {
 
 // What is printed between an opening and its end, with the place that it goes to.
 struct Body {
   // Outside holds nothing: what is printed there belongs to no section. The text of fill and
-  // capture becomes a value again, all other text goes to a file.
-  enum class Kind { outside, section, function, fill, capture };
+  // capture becomes a value again, that of indent goes to the body below, all other text to a file.
+  enum class Kind { outside, section, function, fill, capture, indent };
 
   // A custom section that is put into the text at `offset`. `number` is the template side's.
   struct Placement {
     std::size_t offset;
     std::size_t number;
+    // Of the custom section's lines.
+    Indentation indentation;
+    // Of a line that begins where the custom section ends: whether one does is not known before.
+    Indentation following;
   };
 
   Kind kind = Kind::outside;
@@ -34,6 +39,8 @@ struct Body {
   int file = -1;
   Varn::VarnFileSectionKind section = Varn::BANNER_SECTION;
   std::string name;
+  // Of the text of indent, when it goes to the body below.
+  Indentation indentation;
   std::string text;
   std::vector<Placement> placements;
 };
@@ -69,13 +76,19 @@ class Printer {
   void openFunction(int file, std::string name);
   void openFill(int file, std::string name);
   void openCapture();
+  // In a body that is outside, which has no lines to indent, another one that is outside.
+  void openIndent(Indentation indentation);
+
+  // The kind of the body that the text goes to: of the top one that is no indent.
+  Body::Kind destination() const;
 
   void append(std::string_view text) { top().text.append(text); }
-  // Only in the body of a section or a function.
-  void place(std::size_t number);
+  // Only where the text goes to a section or a function.
+  void place(std::size_t number, Indentation indentation);
 
-  // Closes the top body and commits it if its text goes to a file. Returns the body, which is valid
-  // until the next one is opened. Throws std::logic_error for the first body.
+  // Closes the top body; commits it if its text goes to a file, and adds that of indent to the body
+  // below. Returns the body, which is valid until the next one is opened. Throws std::logic_error
+  // for the first body.
   Body& close();
 
   // Whether text for the section is kept back.
@@ -86,6 +99,9 @@ class Printer {
  private:
   Body& open(Body::Kind kind);
   bool isWaitingFor(int file, Varn::VarnFileSectionKind kind) const;
+  bool beginsLine() const;
+  void indent(const Body& body);
+  void appendIndented(std::string_view text, const Indentation& indentation);
   void commit(Body& body);
   void add(const Body& body);
 

@@ -301,11 +301,33 @@ PyObject* leave(PyObject* self, PyObject* entered) {
   });
 }
 
-PyObject* place(PyObject* self, PyObject* number) {
+// An indentation as two arguments give it: the text in front of lines, and whether directives get
+// it too.
+Indentation indentationOf(Arguments arguments) {
+  std::string lines = textArgument(arguments[0], "an indentation");
+  if (lines.size() > Indentation::longest) {
+    throw py::value_error("an indentation has at most " + std::to_string(Indentation::longest) +
+                          " characters, not " + std::to_string(lines.size()));
+  }
+  const int indentsDirectives = PyObject_IsTrue(arguments[1]);
+  if (indentsDirectives < 0) throw py::error_already_set();
+  return {lines, indentsDirectives != 0 ? lines : std::string()};
+}
+
+PyObject* indent(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
-    const long placement = numberArgument(number);
+    requireCount("indent", count, 2, 2);
+    printerOf(self).openIndent(indentationOf(arguments));
+    return none();
+  });
+}
+
+PyObject* place(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("place", count, 3, 3);
+    const long placement = numberArgument(arguments[0]);
     if (placement < 0) throw py::value_error("there is no such placement");
-    printerOf(self).place(static_cast<std::size_t>(placement));
+    printerOf(self).place(static_cast<std::size_t>(placement), indentationOf(arguments + 1));
     return none();
   });
 }
@@ -332,10 +354,14 @@ PyObject* finish(PyObject* self, PyObject* retrieve) {
   });
 }
 
-PyObject* getKind(PyObject* self, void*) {
-  constexpr const char* names[] = {"outside", "section", "function", "fill", "capture"};
-  return PyUnicode_FromString(names[static_cast<std::size_t>(printerOf(self).top().kind)]);
+PyObject* nameOf(Body::Kind kind) {
+  constexpr const char* names[] = {"outside", "section", "function", "fill", "capture", "indent"};
+  return PyUnicode_FromString(names[static_cast<std::size_t>(kind)]);
 }
+
+PyObject* getKind(PyObject* self, void*) { return nameOf(printerOf(self).top().kind); }
+
+PyObject* getDestination(PyObject* self, void*) { return nameOf(printerOf(self).destination()); }
 
 PyObject* getDepth(PyObject* self, void*) { return PyLong_FromSize_t(printerOf(self).depth()); }
 
@@ -410,6 +436,8 @@ PyMethodDef methods[] = {
     method("section", &section),
     method("function", &function),
     method("fill", &fill),
+    method("indent", &indent),
+    method("place", &place),
     method("target", &target),
     method("is_waiting", &isWaiting),
     {"file", &file, METH_O, nullptr},
@@ -419,13 +447,13 @@ PyMethodDef methods[] = {
     {"print_next", &printNext, METH_NOARGS, nullptr},
     {"enter", &enter, METH_NOARGS, nullptr},
     {"leave", &leave, METH_O, nullptr},
-    {"place", &place, METH_O, nullptr},
     {"finish", &finish, METH_O, nullptr},
     {nullptr, nullptr, 0, nullptr},
 };
 
 PyGetSetDef properties[] = {
     {"kind", &getKind, nullptr, nullptr, nullptr},
+    {"destination", &getDestination, nullptr, nullptr, nullptr},
     {"depth", &getDepth, nullptr, nullptr, nullptr},
     {"failed_argument", &getFailedArgument, nullptr, nullptr, nullptr},
     {nullptr, nullptr, nullptr, nullptr, nullptr},
@@ -450,6 +478,7 @@ void bindPrinter(py::module_& module) {
   const auto type = py::reinterpret_steal<py::object>(PyType_FromSpec(&spec));
   if (!type) throw py::error_already_set();
   module.attr("Printer") = type;
+  module.attr("LONGEST_INDENTATION") = Indentation::longest;
 }
 
 }  // namespace orv
