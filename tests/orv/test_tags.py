@@ -87,9 +87,9 @@ RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
     ),
     "attributes, flags and lists read back": (
         '{% file "a.c" Group="g" Shared=true, SystemsInFile=["<Root>", "<Root>/A"] %}{% endfile %}'
-        '{% section "Banner" of "a.c" %}{{ file("a.c").Group }} {{ file("a.c").Shared }}'
+        '{% section "Banner" of "a.c" %}{{ file("a.c").Group }} {{ file("a.c").Shared | c_bool }}'
         ' {{ file("a.c").SystemsInFile|join(",") }} {{ files()|join }}{% endsection %}',
-        {"a.c": "g True <Root>,<Root>/A a.c\n"},
+        {"a.c": "g true <Root>,<Root>/A a.c\n"},
     ),
     "entries of a model go before methods": (
         '{% file "a.c" %}{% section "Banner" %}{{ m.items }}{% endsection %}{% endfile %}',
@@ -332,8 +332,19 @@ ERRORS: dict[str, str | dict[str, str]] = {
     "main.j2:1: access to attribute 'update' of 'dict' object is unsafe.": "{{ m.update(x=2) }}",
     "main.j2:1: 1000000000 times 1 elements are too many": '{{ "x" * 10**9 }}',
     "main.j2:1: the power 9 ** 387420489 is too large": "{{ 9**(9**9) }}",
-    "main.j2:2: a value of type builtin_function_or_method has no text to print; call it with ( )":
-        '{% file "a" %}{% section "Enums" %}\n{{ ["x", [m.keys]] }}{% endsection %}{% endfile %}',
+    "main.j2:2: a value of type builtin_function_or_method has no text to print; call it with ( )": (
+        '{% file "a" %}{% section "Enums" %}\n{{ m.keys }}{% endsection %}{% endfile %}'
+    ),
+    'main.j2:1: none has no text in C; write {{ "NULL" if VALUE is none else VALUE }}': (
+        '{% set x = "a" ~ none %}'
+    ),
+    "main.j2:1: a truth value has no text in C; write {{ VALUE | c_bool }} or {{ VALUE | int }}": (
+        "{{ m.x == 1 }}"
+    ),
+    "main.j2:1: a dictionary has no text in C; print its entries one by one, as in {{ VALUE.NAME }}": (
+        "{{ m }}"
+    ),
+    'main.j2:1: a list has no text in C; write {{ VALUE | join(", ") }}': "{{ [1] }}",
     "main.j2:1: a value of type generator has no text to print; make it a list with |list":
         '{% set x = m.x ~ ["a"]|map("upper") %}',
     "main.j2:1: access to attribute 'today' of 'date' object is unsafe.": "{{ day.today() }}",

@@ -11,17 +11,29 @@ from orv.errors import OrvError
 from orv.files.table import FileView
 from orv.models.element import Element
 
-_OF_ONE_TEXT = (str, int, float, complex, date, time, timedelta, Undefined, type(None))
+_PRINTED = (str, int, float, complex, date, time, timedelta, Undefined, FileView, Element)
+
+# What no C program wants to read, by type, and what templates write instead.
+_INSTEAD: dict[type, str] = {
+    type(None): 'none has no text in C; write {{ "NULL" if VALUE is none else VALUE }}',
+    bool: "a truth value has no text in C; write {{ VALUE | c_bool }} or {{ VALUE | int }}",
+    dict: "a dictionary has no text in C; print its entries one by one, as in {{ VALUE.NAME }}",
+    list: 'a list has no text in C; write {{ VALUE | join(", ") }}',
+    tuple: 'a list has no text in C; write {{ VALUE | join(", ") }}',
+}
 
 
 def text_of(value: object) -> str:
     """The text that is printed for a value, also by `~`.
 
-    Raises OrvError for one whose text tells only where it lies in memory. Texts and numbers need
-    not come here; everything else that reaches an output does.
+    Raises OrvError for one that C has no use for, or whose text tells only where it lies in memory.
+    Texts and numbers need not come here; everything else that reaches an output does.
     """
-    if not isinstance(value, (str, FileView, Element)):
-        _require_one_text(value)
+    instead = _INSTEAD.get(type(value))
+    if instead is not None:
+        raise OrvError(instead)
+    if not isinstance(value, _PRINTED):
+        raise OrvError(f"a value of type {type(value).__name__} has no text to print{_hint(value)}")
     return str(value)
 
 
@@ -47,20 +59,6 @@ def refuse_in_value(name: str) -> NoReturn:
         " {% set %}, {% filter %}, or a macro whose result is passed on; print the macro by itself"
         " or put {% place %} into the section"
     )
-
-
-def _require_one_text(value: object) -> None:
-    if isinstance(value, _OF_ONE_TEXT):
-        return
-    if isinstance(value, dict):
-        for key, entry in value.items():
-            _require_one_text(key)
-            _require_one_text(entry)
-    elif isinstance(value, (list, tuple)):
-        for entry in value:
-            _require_one_text(entry)
-    else:
-        raise OrvError(f"a value of type {type(value).__name__} has no text to print{_hint(value)}")
 
 
 def _hint(value: object) -> str:

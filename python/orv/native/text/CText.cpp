@@ -25,11 +25,14 @@ void appendEscaped(std::string& out, char character, char quote) {
   }
 }
 
-// Whether the three bytes at `at` are a character that overrides the direction of text.
+// Whether the bytes at `at` are a character from U+202A to U+202E or from U+2066 to U+2069, which
+// overrides the direction of text.
 bool isDirectionOverride(std::string_view text, std::size_t at) {
-  const std::string_view character = text.substr(at, 3);
-  return (character >= "\xE2\x80\xAA" && character <= "\xE2\x80\xAE") ||
-         (character >= "\xE2\x81\xA6" && character <= "\xE2\x81\xA9");
+  if (text.size() - at < 3 || text[at] != '\xE2') return false;
+  const char middle = text[at + 1];
+  const char last = text[at + 2];
+  return (middle == '\x80' && last >= '\xAA' && last <= '\xAE') ||
+         (middle == '\x81' && last >= '\xA6' && last <= '\xA9');
 }
 
 void appendOverrideName(std::string& out, std::string_view text, std::size_t at) {

@@ -21,6 +21,7 @@ class Patterns {
   using Groups = std::vector<std::optional<std::string_view>>;
 
   Patterns() = default;
+  ~Patterns() = default;
   Patterns(const Patterns&) = delete;
   Patterns& operator=(const Patterns&) = delete;
 
