@@ -55,14 +55,32 @@ def test_manual_pages_name_every_option() -> None:
     assert main.startswith(f'.TH ORV 1 "" "orv {package.__version__}"')
 
 
+def test_help_is_shown_for_every_command(orv: Command) -> None:
+    for command in COMMANDS:
+        done = orv(command.name, "--help")
+        assert done.returncode == 0, done.stderr
+        shown = " ".join(done.stdout.split())
+        assert all(" ".join(option.full_help.split()) in shown for option in command.options)
+
+
 def test_a_missing_part_is_a_sentence(orv: Command, tmp_path: Path) -> None:
     shutil.copytree(PACKAGE, tmp_path / "bare/orv", ignore=shutil.ignore_patterns("*.so"))
-    (tmp_path / "jinja2.py").write_text("raise ImportError('gone', name='jinja2')\n")
-    for path, message in (
-        ("bare", "the native part of orv cannot be loaded: "),
-        (f"{tmp_path}{os.pathsep}{PACKAGE.parent}", "the Python package jinja2 cannot be loaded"),
+    generate = ["generate", "t.j2", "--out", "o", "--model", "m.json"]
+    for missing, path, arguments, message in (
+        ("", "bare", generate, "the native part of orv cannot be loaded: "),
+        ("jinja2", "", generate, "the Python package jinja2 cannot be loaded"),
+        (
+            "jsonschema",
+            "",
+            generate + ["--schema", "m.json"],
+            "the Python package jsonschema cannot",
+        ),
     ):
-        arguments = ("generate", "t.j2", "--out", "o", "--model", "m.json")
+        if missing:
+            (tmp_path / missing).mkdir()
+            text = f"raise ImportError('gone', name={missing!r})\n"
+            (tmp_path / missing / f"{missing}.py").write_text(text)
+            path = f"{tmp_path / missing}{os.pathsep}{PACKAGE.parent}"
         done = orv(*arguments, env={"PYTHONPATH": path}, t__j2="", m__json="{}")
         assert (done.returncode, done.stdout) == (1, "")
         assert done.stderr.startswith(f"error: {message}") and done.stderr.count("\n") == 1

@@ -16,7 +16,11 @@ from orv.command.parser import command_parser, orv_parser
 from orv.errors import Misuse, OrvError, did_you_mean
 
 # The modules that come from elsewhere, and what they are installed as on Debian.
-_REQUIRED = {"jinja2": "python3-jinja2", "tqdm": "python3-tqdm"}
+_REQUIRED = {
+    "jinja2": "python3-jinja2",
+    "jsonschema": "python3-jsonschema",
+    "tqdm": "python3-tqdm",
+}
 
 
 def main(arguments: Sequence[str] | None = None) -> int:

@@ -11,6 +11,7 @@ from orv.command.commands import COMMANDS, EXIT_CODES, SUMMARY, Command
 from orv.command.option import Option
 from orv.errors import OrvError, did_you_mean
 
+
 class CommandParser(argparse.ArgumentParser):
     """A parser that returns only what was given, and takes options before and after operands."""
 
@@ -72,10 +73,11 @@ def _settings(command: Command) -> dict[str, Any]:
 
 
 def _add(group: Any, option: Option) -> None:
+    help = option.full_help.replace("%", "%%")
     if option.type is None:
-        group.add_argument(f"--{option.name}", action="store_true", help=option.help)
+        group.add_argument(f"--{option.name}", action="store_true", help=help)
         return
-    settings: dict[str, Any] = {"metavar": option.type.metavar, "help": option.full_help}
+    settings: dict[str, Any] = {"metavar": option.type.metavar, "help": help}
     if option.type.choices:
         settings["choices"] = option.type.choices
     settings["type"] = _parser_of(option.type.parse)
