@@ -219,9 +219,12 @@ def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -
             os.utime(tmp_path / source, (1, 1))
 
 
+UNKNOWN_KIND = 's.j2:1: there is no kind of file "texts"; did you mean "text"?'
+
 # Arguments after the command's name, the exit code and the message.
 MISTAKES = {
     "template": (["t.j2", "--out", "o"], 1, "t.j2:2: 'nope' is undefined"),
+    "syntax": (["s.j2", "--out", "o"], 1, UNKNOWN_KIND),
     "no template": (["no.j2", "--out", "o"], 1, 'there is no template "no.j2" in "."'),
     "no model": (
         ["t.j2", "--out", "o", "--model", "no.json"],
@@ -253,7 +256,7 @@ MISTAKES = {
 def test_mistakes_write_nothing(orv: Command, tmp_path: Path, name: str) -> None:
     arguments, code, message = MISTAKES[name]
     text = '{% file "a" %}{% section "Banner" %}x{% endsection %}{% endfile %}\n{{ nope }}'
-    done = orv("generate", *arguments, t__j2=text)
+    done = orv("generate", *arguments, t__j2=text, s__j2='{% file "a" as texts %}')
     prefix, hint = ("orv generate: ", "Try 'orv generate --help'.\n") if code == 2 else ("", "")
     assert (done.returncode, done.stdout) == (code, "")
     assert done.stderr == f"{prefix}error: {message}\n{hint}"

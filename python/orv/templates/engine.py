@@ -97,7 +97,7 @@ def _position(error: Exception, run: Run) -> positions.Position | None:
 def _failed_extension(error: Exception) -> str | None:
     """What is said of an error that an extension did not mean for the user."""
     below = positions.below_templates(error.__traceback__)
-    if isinstance(error, OrvError) or below is None:
+    if isinstance(error, (OrvError, TemplateSyntaxError)) or below is None:
         return None
     from orv.pythonfiles import place, words
 
