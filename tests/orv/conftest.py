@@ -14,6 +14,7 @@ from jinja2 import DictLoader
 from orv.templates.engine import Source, render
 from orv.errors import Messages
 from orv.output.folder import open_folder
+from orv.output.layout import Layout
 from orv.output.plan import plan
 from orv.templates.library import Language
 
@@ -37,6 +38,7 @@ def files_of(
     strict: bool = False,
     warnings: list[str] | None = None,
     language: Language = Language(),
+    layout: Layout = Layout(),
 ) -> dict[str, str]:
     """The files that templates make, by path; the first template is the main one."""
     if isinstance(templates, str):
@@ -47,7 +49,7 @@ def files_of(
     run = render([source], model or {}, messages, language=language)
     return {
         file.path: file.data.decode()
-        for file in plan(run, open_folder("/out"))
+        for file in plan(run, open_folder("/out"), layout)
         if not file.is_empty
     }
 

@@ -39,7 +39,7 @@ def test_generate_writes_what_differs_and_nothing_else(orv: Command, tmp_path: P
     )
     source, header = tmp_path / "out/src/count.c", tmp_path / "out/count.h"
     assert source.read_text() == (
-        '\n#include "count.h"\n\n#include <stddef.h>\nint get(void) { return 1; }\n'
+        '#include "count.h"\n\n#include <stddef.h>\nint get(void) { return 1; }\n'
     )
     names = sorted(path.name for path in (tmp_path / "out").rglob("*"))
     assert names == [".orv-state.json", "count.c", "count.h", "src"]
@@ -74,8 +74,8 @@ def test_check_diff_and_dry_run_write_nothing(orv: Command, tmp_path: Path) -> N
         "--- /dev/null\n+++ out/count.h\n@@ -0,0 +1,6 @@\n+#ifndef COUNT_H\n+#define COUNT_H\n+\n"
         "+extern int count;\n+\n+#endif /* COUNT_H */\n"
         "--- out/src/count.c\tedited since it was generated\n"
-        "+++ out/src/count.c\tgenerated, as before\n@@ -1,2 +1,5 @@\n-old\n-end\n"
-        '\\ No newline at end of file\n+\n+#include "count.h"\n+\n+#include <stddef.h>\n'
+        "+++ out/src/count.c\tgenerated, as before\n@@ -1,2 +1,4 @@\n-old\n-end\n"
+        '\\ No newline at end of file\n+#include "count.h"\n+\n+#include <stddef.h>\n'
         "+int get(void) { return 1; }\n",
     )
     assert (orv(*run, "--diff").returncode, (tmp_path / "out/count.h").exists()) == (0, False)
@@ -96,8 +96,8 @@ def test_manifest(orv: Command, tmp_path: Path) -> None:
     assert {key: source[key] for key in ("functions", "includes", "sections", "size")} == {
         "functions": ["get"],
         "includes": ['"count.h"', "<stddef.h>"],
-        "sections": {"Includes": 41, "Functions": 28},
-        "size": 69,
+        "sections": {"Includes": 40, "Functions": 28},
+        "size": 68,
     }
     orv(*run)
     assert (tmp_path / "man.json").read_bytes() == first

@@ -9,6 +9,7 @@ from conftest import files_of
 
 from orv._native import SECTION_NAMES
 from orv.errors import OrvError
+from orv.output.layout import Layout
 
 # What the documentation's examples leave out: (templates, model, files).
 RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
@@ -364,6 +365,22 @@ def test_errors(message: str) -> None:
     with pytest.raises(OrvError) as raised:
         files_of(ERRORS[message], {"m": {"x": 1}, "day": date(2024, 2, 29)}, strict=True)
     assert str(raised.value) == message
+
+
+def test_blank_lines_between_sections() -> None:
+    text = (
+        '{% file "a.h" DefinedMacro="A" %}{% include_required "r.h" %}{% include_added "x.h" %}'
+        '{% for s in ["Banner", "Defines", "Enums"] %}{% section s %}{{ s }}\n{% endsection %}'
+        '{% endfor %}{% section "Functions" %}\nf\n\n{% endsection %}'
+        '{% section "UserBottom" %}u{% endsection %}{% endfile %}'
+        '{% file "b.c" %}{% include_required "r.h" %}{% section "Enums" %}e{% endsection %}'
+        "{% endfile %}"
+    )
+    assert files_of(text, layout=Layout(blank_lines=True)) == {
+        "a.h": 'Banner\n\n#ifndef A\n#define A\n\n#include "r.h"\n#include "x.h"\n\nDefines\n\n'
+        "Enums\n\nf\n\nu\n\n#endif /* A */\n",
+        "b.c": '#include "r.h"\n\ne\n',
+    }
 
 
 def test_warnings_do_not_stop_a_run_that_is_not_strict() -> None:

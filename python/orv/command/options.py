@@ -116,6 +116,15 @@ class OutputOptions(OutputFolderOptions):
 
 
 @dataclass
+class LayoutOptions:
+    """How the text of files is laid out."""
+
+    GROUP: ClassVar[str] = "layout"
+
+    blank_lines: bool = flag("put a blank line between the sections of a file")
+
+
+@dataclass
 class WritingOptions:
     """How the output folder is written."""
 
@@ -186,6 +195,7 @@ class GenerateOptions(
     MessageOptions,
     StateOptions,
     WritingOptions,
+    LayoutOptions,
     OutputOptions,
     ModelOptions,
     InputOptions,

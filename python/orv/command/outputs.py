@@ -15,6 +15,7 @@ from orv.files.run import Run
 from orv.output import reports
 from orv.output.depfile import depfile
 from orv.output.folder import lock, make_folder, open_folder, shown
+from orv.output.layout import Layout
 from orv.output.ownership import Policy, Settlement, require_writable, settle
 from orv.output.plan import PlannedFile, State, compare, plan, real_path
 from orv.output.state import FolderState, StateFile
@@ -46,7 +47,7 @@ class Outputs:
             None if options.no_state else StateFile(self._folder, options.state, options.fsync)
         )
         self._policy = Policy(options.run_name or "", options.edited, options.stale, options.adopt)
-        self._files = plan(run, self._folder)
+        self._files = plan(run, self._folder, Layout(options.blank_lines))
         self._settle()
 
     def finish(self) -> Outcome:

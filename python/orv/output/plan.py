@@ -11,6 +11,7 @@ from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
 from orv.output.folder import reason, shown
+from orv.output.layout import Layout
 
 
 class State(Enum):
@@ -79,7 +80,7 @@ class Plan(list[PlannedFile]):
         self.folder = folder
 
 
-def plan(run: Run, folder: _native.OutputFolder) -> Plan:
+def plan(run: Run, folder: _native.OutputFolder, layout: Layout = Layout()) -> Plan:
     """Work out what has to be written, in the order of the repository. Changes nothing.
 
     Paths that differ only in letter case are warned about. Raises OutputError, with the file and
@@ -92,7 +93,7 @@ def plan(run: Run, folder: _native.OutputFolder) -> Plan:
             planned.append(PlannedFile(index, _text(run, index, "Name")))
             continue
         try:
-            file = _composed(run, index)
+            file = _composed(run, index, layout)
         except OutputError as error:
             raise _located(run, index, error) from error
         planned.append(file)
@@ -128,15 +129,16 @@ def folders_of(location: str) -> Iterator[str]:
         folder = os.path.dirname(folder)
 
 
-def _composed(run: Run, index: int) -> PlannedFile:
+def _composed(run: Run, index: int, layout: Layout) -> PlannedFile:
     path = _native.output_path(_text(run, index, "OutputDirectory"), _disk_name(run, index))
-    return PlannedFile(index, path, _compose(run, index), State.NEW)
+    return PlannedFile(index, path, _compose(run, index, layout), State.NEW)
 
 
-def _compose(run: Run, index: int) -> _native.ComposedFile:
+def _compose(run: Run, index: int, layout: Layout) -> _native.ComposedFile:
     record = run.files.record(index)
     try:
-        return run.repository.compose(index, None if record is None else record.order)
+        order = None if record is None else record.order
+        return run.repository.compose(index, order, layout.blank_lines)
     except ValueError as error:
         raise OutputError(str(error)) from error
 

@@ -134,10 +134,31 @@ ComposedFile composeText(const Varn::VarnFile& file) {
   return memory.finish({{textSection, size}});
 }
 
+bool endsWithBlankLine(std::string_view text) { return text.empty() || endsWith(text, "\n\n"); }
+
+// Whether the text of an includes section is written without the blank line that it begins with,
+// which sets it apart from what comes before.
+bool dropsBlankLine(std::string_view written, std::string_view text, bool blankLines) {
+  return !text.empty() && text[0] == '\n' &&
+         (written.empty() || (blankLines && endsWithBlankLine(written)));
+}
+
 // Returns the number of bytes of the section.
-std::size_t writeSection(MemoryStream& memory, const Varn::FileSection& section) {
+std::size_t writeSection(MemoryStream& memory, const Varn::FileSection& section,
+                         VarnFileSectionKind kind, bool blankLines) {
+  if (blankLines) {
+    const std::string& text = section.getContent();
+    const bool isApart = text.empty() || text[0] == '\n';
+    if (!isApart && !endsWithBlankLine(memory.written())) memory.write("\n");
+  }
   const std::size_t before = memory.written().size();
-  section.writeToFile(memory.stream());
+  if (kind == Varn::INCLUDES_SECTION) {
+    std::string_view text = section.getContent();
+    if (dropsBlankLine(memory.written(), text, blankLines)) text.remove_prefix(1);
+    memory.write(text);
+  } else {
+    section.writeToFile(memory.stream());
+  }
   const std::string_view written = memory.written();
   const std::size_t size = written.size() - before;
   if (size != 0 && written.back() != '\n') memory.write("\n");
@@ -157,7 +178,7 @@ bool isHeader(const Varn::VarnFile& file) {
   return endsWith(file.getType(), "Header");
 }
 
-ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order) {
+ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order, bool blankLines) {
   Varn::VarnFile& file = files.file(index);
   placeCustomSections(file);
   if (files.isText(index)) return composeText(file);
@@ -172,6 +193,7 @@ ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order)
   bool isOpen = false;
   for (const VarnFileSectionKind kind : *order) {
     if (!guard.empty() && !isOpen && kind != Varn::BANNER_SECTION) {
+      if (blankLines && !endsWithBlankLine(memory.written())) memory.write("\n");
       memory.write("#ifndef ").write(guard).write("\n#define ").write(guard).write("\n\n");
       isOpen = true;
     }
@@ -179,7 +201,7 @@ ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order)
     const Varn::FileSection& section = file.getFileSection(kind);
     // The includes section counts as empty while it has nothing but required or utility includes.
     if (kind != Varn::INCLUDES_SECTION && section.isEmpty()) continue;
-    const std::size_t size = writeSection(memory, section);
+    const std::size_t size = writeSection(memory, section, kind, blankLines);
     if (size != 0) sections.push_back({static_cast<int>(kind), size});
   }
   if (isOpen) memory.write("\n#endif /* ").write(guard).write(" */\n");

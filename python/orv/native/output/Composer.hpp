@@ -53,11 +53,13 @@ bool isHeader(const Varn::VarnFile& file);
 //
 // A section that does not end its last line is given a newline. A header with a DefinedMacro is
 // guarded by it: the guard opens before the first section that is not the banner and closes at the
-// end. A text file is its one section as it is. Custom sections that nobody has placed are placed.
+// end. The blank line that an includes section begins with is left out on top of a file. With
+// `blankLines`, sections are apart by a blank line at least. A text file is its one section as it
+// is. Custom sections that nobody has placed are placed.
 //
 // Throws pybind11::value_error for a DefinedMacro that is no identifier and for a section with text
 // that the order or a text file leaves out.
-ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order);
+ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order, bool blankLines);
 
 }  // namespace orv
 

@@ -10,14 +10,15 @@ namespace {
 
 namespace py = pybind11;
 
-ComposedFile composeFile(PackagedFiles& files, int index, const py::object& names) {
-  if (names.is_none()) return compose(files, index, nullptr);
+ComposedFile composeFile(PackagedFiles& files, int index, const py::object& names,
+                         bool blankLines) {
+  if (names.is_none()) return compose(files, index, nullptr, blankLines);
   SectionOrder order;
   for (const py::handle name : names) {
     const int section = sectionNumber(utf8(name, "a section's name"));
     order.push_back(requireSection(files, index, section));
   }
-  return compose(files, index, &order);
+  return compose(files, index, &order, blankLines);
 }
 
 // The bytes are the composed file's own; whoever holds the buffer holds the file alive.
@@ -43,7 +44,9 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
       .def_buffer(&bufferOf)
       .def("__len__", [](const ComposedFile& file) { return file.bytes().size(); })
       .def_property_readonly("sections", &sectionSizes);
-  repository.def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none())
+  repository
+      .def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none(),
+           py::arg("blank_lines") = false)
       .def("is_header",
            [](PackagedFiles& files, int index) { return isHeader(files.file(index)); });
 }
