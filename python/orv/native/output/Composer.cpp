@@ -122,7 +122,8 @@ void requireAll(const Varn::VarnFile& file, const SectionOrder& order, const cha
     if (std::find(order.begin(), order.end(), kind) != order.end()) continue;
     if (!file.hasSection(kind) || file.getFileSection(kind).getContent().empty()) continue;
     throw pybind11::value_error(std::string(whatLeavesOut) + " the section \"" +
-                                sectionNames()[kind] + "\", which has text");
+                                sectionNames()[static_cast<std::size_t>(kind)] +
+                                "\", which has text");
   }
 }
 
