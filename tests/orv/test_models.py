@@ -36,6 +36,7 @@ REFUSED: dict[str, tuple[str | bytes, str]] = {
     "raw.json": (b'{"a": 1}\n\0', ":2:1: a model cannot hold a NUL character"),
     "deep.json": ("[" * 100000, ":1:500: the model is nested more than 499 deep"),
     "large.json": ("[1e999]", ":1:2: number too big to be stored in double"),
+    "number.json": ("[1e9.5]", ":1:5: missing a comma or ']' after an array element"),
     "long.json": ("[1" + 5000 * "0" + "]", ":1:2: an integer of 5001 digits is too long"),
     "digits.json": ("{1" + 500 * "0" + ": 1}", ":1:2: missing a name for object member"),
     "half.json": (

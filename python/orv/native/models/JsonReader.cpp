@@ -19,6 +19,28 @@ constexpr std::size_t longInteger = 300;
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
+// The size of the number that `rest` begins with.
+std::size_t numberSize(std::string_view rest) {
+  std::size_t size = rest[0] == '-' ? 1 : 0;
+  const auto skipDigits = [&] {
+    while (size < rest.size() && isDigit(rest[size])) ++size;
+  };
+  const auto continues = [&](std::string_view characters) {
+    return rest.substr(size, 1).find_first_of(characters) == 0;
+  };
+  skipDigits();
+  if (continues(".")) {
+    ++size;
+    skipDigits();
+  }
+  if (continues("eE")) {
+    ++size;
+    if (continues("+-")) ++size;
+    skipDigits();
+  }
+  return size;
+}
+
 bool hasLongInteger(std::string_view text) {
   constexpr std::size_t step = longInteger / 2;
   for (std::size_t i = step; i < text.size(); i += step) {
@@ -27,13 +49,9 @@ bool hasLongInteger(std::string_view text) {
   return false;
 }
 
-// The size of the integer that `rest` begins with, if it is a long one; else 0.
-std::size_t longIntegerSize(std::string_view rest) {
-  std::size_t size = rest[0] == '-' ? 1 : 0;
-  if (size == rest.size() || !isDigit(rest[size]) || rest[size] == '0') return 0;
-  while (size < rest.size() && isDigit(rest[size])) ++size;
-  const bool isDecimal = size < rest.size() && rest.substr(size, 1).find_first_of(".eE") == 0;
-  return isDecimal || size <= longInteger ? 0 : size;
+bool isLongInteger(std::string_view number) {
+  return number.size() > longInteger && number.find_first_of(".eE") == std::string_view::npos &&
+         number[0] != '0' && number.substr(0, 2) != "-0";
 }
 
 // The text with quotes in place of the first and last characters of long integers.
@@ -47,12 +65,9 @@ std::string withQuotedIntegers(std::string_view text) {
       continue;
     }
     if (!isDigit(text[i]) && text[i] != '-') continue;
-    if (const std::size_t size = longIntegerSize(text.substr(i)); size != 0) {
-      quoted[i] = quoted[i + size - 1] = '"';
-      i += size - 1;
-    } else {
-      while (i + 1 < text.size() && isDigit(text[i + 1])) ++i;
-    }
+    const std::size_t size = numberSize(text.substr(i));
+    if (isLongInteger(text.substr(i, size))) quoted[i] = quoted[i + size - 1] = '"';
+    i += size - 1;
   }
   return quoted;
 }
@@ -66,8 +81,14 @@ class Events {
 
   bool Null() { return scalar(py::none()); }
   bool Bool(bool value) { return scalar(py::bool_(value)); }
-  bool RawNumber(const char* digits, json::SizeType size, bool /*copy*/) {
-    const std::string_view number(digits, size);
+  bool Int(int value) { return scalar(py::int_(value)); }
+  bool Uint(unsigned value) { return scalar(py::int_(value)); }
+  bool Int64(std::int64_t value) { return scalar(py::int_(value)); }
+  bool Uint64(std::uint64_t value) { return scalar(py::int_(value)); }
+  // Also an integer that is too large for those. The value is not exact: the text is.
+  bool Double(double /*value*/) {
+    const std::string_view rest = text_.substr(stream_.Tell());
+    const std::string_view number = rest.substr(0, numberSize(rest));
     if (number.find_first_of(".eE") == std::string_view::npos) {
       builder_.integer(number, here());
     } else {
@@ -80,7 +101,7 @@ class Events {
     if (rest[0] == '"') {
       builder_.text({text, size}, here());
     } else {
-      builder_.integer(rest.substr(0, longIntegerSize(rest)), here());
+      builder_.integer(rest.substr(0, numberSize(rest)), here());
     }
     return true;
   }
@@ -99,13 +120,8 @@ class Events {
     return true;
   }
   bool EndArray(json::SizeType /*count*/) { return end(); }
-
-  // Numbers arrive as text, but the parser's interface has these.
-  bool Int(int /*value*/) { return false; }
-  bool Uint(unsigned /*value*/) { return false; }
-  bool Int64(std::int64_t /*value*/) { return false; }
-  bool Uint64(std::uint64_t /*value*/) { return false; }
-  bool Double(double /*value*/) { return false; }
+  // Never called, but part of the parser's interface.
+  bool RawNumber(const char* /*digits*/, json::SizeType /*size*/, bool /*copy*/) { return false; }
 
  private:
   Location here() { return lines_.at(stream_.Tell()); }
@@ -140,7 +156,7 @@ void readJson(std::string_view text, ModelBuilder& builder) {
   json::StringStream stream(quoted.empty() ? text.data() : quoted.c_str());
   Events events(text, stream, builder);
   json::Reader reader;
-  const json::ParseResult result = reader.Parse<json::kParseNumbersAsStringsFlag>(stream, events);
+  const json::ParseResult result = reader.Parse(stream, events);
   if (result.IsError()) {
     throw ModelError(LineCounter(text).at(result.Offset()), reasonOf(result.Code()));
   }

@@ -47,8 +47,7 @@ py::object readXml(std::string_view data, const std::string& label, Places* plac
   const Element root(std::make_shared<const XmlModel>(data, label), XmlDocument::root);
   py::dict model;
   model[root.tag()] = root;
-  const std::uint32_t line = root.line();
-  if (places != nullptr) places->add(model, {places->addFile(label), line}, &line, 1);
+  if (places != nullptr) places->note(model, {places->addFile(label), root.line()});
   return model;
 }
 
@@ -116,9 +115,7 @@ py::object pathOf(const Places& places, const py::object& container, const py::o
 }
 
 void note(Places& places, const py::dict& values, const py::str& label) {
-  const std::uint32_t file = places.addFile(labelOf(label));
-  const std::vector<std::uint32_t> lines(values.size(), 0);
-  places.add(values, {file, 0}, lines.data(), lines.size());
+  places.note(values, {places.addFile(labelOf(label)), 0});
 }
 
 void bindElements(py::module_& module) {

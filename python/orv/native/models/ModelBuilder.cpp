@@ -11,10 +11,9 @@ namespace {
 
 namespace py = pybind11;
 
-// The longest text that is worth a look whether it is there already, and the most digits that fit
-// a machine's integer.
+// The longest name that is worth a look whether it is there already, and the most digits that fit a
+// machine's integer.
 constexpr std::size_t longestShared = 32;
-constexpr std::size_t longestSharedValue = 8;
 constexpr std::size_t mostDigits = 18;
 
 py::object owned(PyObject* object) {
@@ -55,28 +54,29 @@ void ModelBuilder::begin(PyObject* container, Location location) {
                      "the model is nested more than " + std::to_string(deepestModel) + " deep");
   }
   value(made, location);
-  open_.push_back({std::move(made), {}, {}, location.line, lines_.size()});
+  open_.push_back({std::move(made), {}, {}, location.line, entries_.size()});
 }
 
 py::object ModelBuilder::end() {
   Open ended = std::move(open_.back());
   open_.pop_back();
   if (places_ != nullptr) {
-    places_->add(ended.container, {file_, ended.line}, lines_.data() + ended.firstLine,
-                 lines_.size() - ended.firstLine);
-    lines_.resize(ended.firstLine);
+    const std::uint32_t record =
+        places_->add(ended.container, {file_, ended.line}, entries_.data() + ended.firstEntry,
+                     entries_.size() - ended.firstEntry);
+    entries_.resize(ended.firstEntry);
+    if (!open_.empty()) entries_.back().record = record;
   }
   return std::move(ended.container);
 }
 
 void ModelBuilder::key(std::string_view name, Location location) {
-  open_.back().key = sharedText(name, location);
+  open_.back().key = sharedName(name, location);
   open_.back().keyLocation = location;
 }
 
 void ModelBuilder::text(std::string_view text, Location location) {
-  value(text.size() <= longestSharedValue ? sharedText(text, location) : makeText(text, location),
-        location);
+  value(makeText(text, location), location);
 }
 
 void ModelBuilder::integer(std::string_view digits, Location location, int base) {
@@ -112,7 +112,7 @@ void ModelBuilder::value(py::object value, Location location) {
   }
   Open& open = open_.back();
   PyObject* container = open.container.ptr();
-  if (places_ != nullptr) lines_.push_back(location.line);
+  if (places_ != nullptr) entries_.push_back({location.line});
   if (!open.key) {
     if (PyList_Append(container, value.ptr()) != 0) throw py::error_already_set();
     return;
@@ -138,7 +138,7 @@ py::object ModelBuilder::takeEntry() {
   const Open& open = open_.back();
   py::object value = last();
   if (PyDict_DelItem(open.container.ptr(), open.key.ptr()) != 0) throw py::error_already_set();
-  if (places_ != nullptr) lines_.pop_back();
+  if (places_ != nullptr) entries_.pop_back();
   return value;
 }
 
@@ -146,11 +146,11 @@ void ModelBuilder::merge(const std::vector<py::object>& sources) {
   Open& open = open_.back();
   PyObject* target = open.container.ptr();
   const py::object own = owned(PyDict_Copy(target));
-  const std::vector<std::uint32_t> ownLines(
-      lines_.begin() + static_cast<std::ptrdiff_t>(open.firstLine), lines_.end());
-  lines_.resize(open.firstLine);
+  const std::vector<Places::Entry> ownEntries(
+      entries_.begin() + static_cast<std::ptrdiff_t>(open.firstEntry), entries_.end());
+  entries_.resize(open.firstEntry);
   PyDict_Clear(target);
-  const auto add = [&](const py::object& from, const std::vector<std::uint32_t>& lines,
+  const auto add = [&](const py::object& from, const std::vector<Places::Entry>& entries,
                        bool isOwn) {
     PyObject* key = nullptr;
     PyObject* value = nullptr;
@@ -160,26 +160,26 @@ void ModelBuilder::merge(const std::vector<py::object>& sources) {
       const bool isOverridden = !isOwn && PyDict_Contains(own.ptr(), key) == 1;
       if (!isThere && !isOverridden) {
         if (PyDict_SetItem(target, key, value) != 0) throw py::error_already_set();
-        if (places_ != nullptr) lines_.push_back(lines[position]);
+        if (places_ != nullptr) entries_.push_back(entries[position]);
       }
     }
   };
-  for (const py::object& source : sources) add(source, linesOf(source), false);
-  add(own, ownLines, true);
+  for (const py::object& source : sources) add(source, entriesOf(source), false);
+  add(own, ownEntries, true);
 }
 
-std::vector<std::uint32_t> ModelBuilder::linesOf(const py::object& source) const {
-  std::vector<std::uint32_t> lines;
-  if (places_ == nullptr) return lines;
+std::vector<Places::Entry> ModelBuilder::entriesOf(const py::object& source) const {
+  std::vector<Places::Entry> entries;
+  if (places_ == nullptr) return entries;
   PyObject* key = nullptr;
   PyObject* value = nullptr;
   for (Py_ssize_t i = 0; PyDict_Next(source.ptr(), &i, &key, &value) != 0;) {
-    lines.push_back(places_->find(source, key).value_or(Places::Place{file_, 0}).line);
+    entries.push_back({places_->find(source, key).value_or(Places::Place{file_, 0}).line});
   }
-  return lines;
+  return entries;
 }
 
-py::object ModelBuilder::sharedText(std::string_view text, Location location) {
+py::object ModelBuilder::sharedName(std::string_view text, Location location) {
   if (text.size() > longestShared) return makeText(text, location);
   py::object& shared = shared_[hashOf(text) % shared_.size()];
   if (!shared || !equals(shared.ptr(), text)) shared = makeText(text, location);

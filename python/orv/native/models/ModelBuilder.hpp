@@ -56,27 +56,26 @@ class ModelBuilder {
   // The value, once all of it was reported.
   pybind11::object finish() { return std::move(root_); }
 
-  // A text, the same object for the same short ASCII text where that costs nothing.
-  pybind11::object sharedText(std::string_view text, Location location);
-
  private:
   struct Open {
     pybind11::object container;
     pybind11::object key;
     Location keyLocation;
     std::uint32_t line;
-    std::size_t firstLine;  // in lines_
+    std::size_t firstEntry;  // in entries_
   };
 
   void begin(PyObject* container, Location location);
-  std::vector<std::uint32_t> linesOf(const pybind11::object& source) const;
+  // The text of a name, mostly the same object for the same short ASCII name.
+  pybind11::object sharedName(std::string_view text, Location location);
+  std::vector<Places::Entry> entriesOf(const pybind11::object& source) const;
 
   Places* places_;
   std::uint32_t file_;
   pybind11::object root_;
   std::vector<Open> open_;
   // Of the entries of all that is open.
-  std::vector<std::uint32_t> lines_;
+  std::vector<Places::Entry> entries_;
   std::array<pybind11::object, 1024> shared_;
 };
 

@@ -66,32 +66,41 @@ std::uint32_t Places::addFile(std::string label) {
   return static_cast<std::uint32_t>(files_.size() - 1);
 }
 
-void Places::add(py::handle container, Place place, const std::uint32_t* lines, std::size_t count) {
-  Record& record = addRecord(container, place, count);
+std::uint32_t Places::add(py::handle container, Place place, const Entry* entries,
+                          std::size_t count) {
+  Record& record = addRecord(container, place, count, [&](std::size_t position, PyObject*) {
+    return entries[position].record;
+  });
   std::uint32_t first = place.line;
   std::uint32_t last = place.line;
   for (std::size_t i = 0; i < count; ++i) {
-    first = std::min(first, lines[i]);
-    last = std::max(last, lines[i]);
+    first = std::min(first, entries[i].line);
+    last = std::max(last, entries[i].line);
   }
   if (first < place.line || last - place.line > UINT16_MAX) {
     std::vector<Place> places;
     places.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) places.push_back({place.file, lines[i]});
+    for (std::size_t i = 0; i < count; ++i) places.push_back({place.file, entries[i].line});
     store(record, places);
   } else if (last - place.line > UINT8_MAX) {
     record.width = Width::word;
     for (std::size_t i = 0; i < count; ++i) {
-      const std::uint32_t offset = lines[i] - place.line;
+      const std::uint32_t offset = entries[i].line - place.line;
       entries_.push_back(static_cast<unsigned char>(offset >> 8));
       entries_.push_back(static_cast<unsigned char>(offset));
     }
   } else if (last > place.line) {
     record.width = Width::byte;
     for (std::size_t i = 0; i < count; ++i) {
-      entries_.push_back(static_cast<unsigned char>(lines[i] - place.line));
+      entries_.push_back(static_cast<unsigned char>(entries[i].line - place.line));
     }
   }
+  return static_cast<std::uint32_t>(records_.size() - 1);
+}
+
+void Places::note(py::handle dictionary, Place place) {
+  addRecord(dictionary, place, static_cast<std::size_t>(PyDict_Size(dictionary.ptr())),
+            [&](std::size_t, PyObject* value) { return recordOf(value); });
 }
 
 void Places::addMerged(py::handle merged, py::handle first, py::handle second) {
@@ -104,7 +113,9 @@ void Places::addMerged(py::handle merged, py::handle first, py::handle second) {
   });
   const Place unknown{none, 0};
   const Place place = find(first, {}).value_or(find(second, {}).value_or(unknown));
-  store(addRecord(merged, place, count), places);
+  store(addRecord(merged, place, count,
+                  [&](std::size_t, PyObject* value) { return recordOf(value); }),
+        places);
 }
 
 void Places::store(Record& record, const std::vector<Place>& places) {
@@ -113,15 +124,11 @@ void Places::store(Record& record, const std::vector<Place>& places) {
   entries_.insert(entries_.end(), bytes, bytes + places.size() * sizeof(Place));
 }
 
-Places::Record& Places::addRecord(py::handle container, Place place, std::size_t count) {
-  if (2 * (records_.size() + 1) > slots_.size()) grow();
-  std::uint32_t& slot = slots_[slotOf(container.ptr())];
-  if (slot == 0) {
-    records_.emplace_back();
-    slot = static_cast<std::uint32_t>(records_.size());
-  }
-  const std::uint32_t index = slot - 1;
-  Record& record = records_[index];
+template <typename RecordOfChild>
+Places::Record& Places::addRecord(py::handle container, Place place, std::size_t count,
+                                  RecordOfChild recordOfChild) {
+  const auto index = static_cast<std::uint32_t>(records_.size());
+  Record& record = records_.emplace_back();
   record.container = py::reinterpret_borrow<py::object>(container);
   record.entries = entries_.size() & ((std::uint64_t{1} << 56) - 1);
   record.width = Width::sameLine;
@@ -131,19 +138,13 @@ Places::Record& Places::addRecord(py::handle container, Place place, std::size_t
   record.position = 0;
   record.fingerprint = fingerprintOf(
       container.ptr(), count, [&](std::size_t position, PyObject* key, PyObject* value) {
-        if (!isContainer(value)) return;
-        adoptChild(index, static_cast<std::uint32_t>(position), key, value);
+        const std::uint32_t child = isContainer(value) ? recordOfChild(position, value) : none;
+        if (child == none || child == index) return;
+        records_[child].parent = index;
+        records_[child].position = static_cast<std::uint32_t>(position);
+        records_[child].key = py::reinterpret_borrow<py::object>(key);
       });
   return record;
-}
-
-void Places::adoptChild(std::uint32_t parent, std::uint32_t position, PyObject* key,
-                        PyObject* child) {
-  const std::uint32_t index = recordOf(child);
-  if (index == none || index == parent) return;
-  records_[index].parent = parent;
-  records_[index].position = position;
-  records_[index].key = py::reinterpret_borrow<py::object>(key);
 }
 
 std::size_t Places::slotOf(PyObject* container) const {
@@ -157,15 +158,21 @@ std::size_t Places::slotOf(PyObject* container) const {
 }
 
 std::uint32_t Places::recordOf(PyObject* container) const {
-  if (slots_.empty()) return none;
+  indexRecords();
   const std::uint32_t found = slots_[slotOf(container)];
   return found == 0 ? none : found - 1;
 }
 
-void Places::grow() {
-  slots_.assign(std::max<std::size_t>(64, slots_.size() * 2), 0);
-  for (std::size_t i = 0; i < records_.size(); ++i) {
-    slots_[slotOf(records_[i].container.ptr())] = static_cast<std::uint32_t>(i + 1);
+void Places::indexRecords() const {
+  if (2 * records_.size() >= slots_.size()) {
+    std::size_t size = 64;
+    while (size <= 2 * records_.size()) size *= 2;
+    slots_.assign(size, 0);
+    indexed_ = 0;
+  }
+  for (; indexed_ < records_.size(); ++indexed_) {
+    const std::size_t slot = slotOf(records_[indexed_].container.ptr());
+    slots_[slot] = static_cast<std::uint32_t>(indexed_ + 1);
   }
 }
 

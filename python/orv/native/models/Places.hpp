@@ -26,6 +26,15 @@ class Places {
     std::uint32_t line;  // 0: the file as a whole
   };
 
+  static constexpr std::uint32_t none = UINT32_MAX;
+
+  // Of a container that is recorded: the line of an entry, and the record of the container that is
+  // its value, or `none`.
+  struct Entry {
+    std::uint32_t line;
+    std::uint32_t record = none;
+  };
+
   Places() = default;
   Places(const Places&) = delete;
   Places& operator=(const Places&) = delete;
@@ -33,9 +42,13 @@ class Places {
   // A file, or whatever else values come from, by the name that messages give it.
   std::uint32_t addFile(std::string label);
 
-  // Records a container as the model's reader leaves it, with one line for each entry in order.
-  // Containers that it holds and that were recorded before become its children.
-  void add(pybind11::handle container, Place place, const std::uint32_t* lines, std::size_t count);
+  // Records a container as the model's reader leaves it, with all its entries in order. The result
+  // is its record.
+  std::uint32_t add(pybind11::handle container, Place place, const Entry* entries,
+                    std::size_t count);
+
+  // Records a dictionary of which nothing but its origin is known.
+  void note(pybind11::handle dictionary, Place place);
 
   // Records a dictionary that was made of two known ones: each entry is where the second has it,
   // or else where the first has it.
@@ -53,8 +66,6 @@ class Places {
   std::string text(Place place) const;
 
  private:
-  static constexpr std::uint32_t none = UINT32_MAX;
-
   // How the places of a container's entries are stored.
   enum class Width : std::uint8_t { sameLine, byte, word, place };
 
@@ -79,20 +90,23 @@ class Places {
     pybind11::dict ofKeys;
   };
 
-  Record& addRecord(pybind11::handle container, Place place, std::size_t count);
-  void adoptChild(std::uint32_t parent, std::uint32_t position, PyObject* key, PyObject* child);
+  template <typename RecordOfChild>
+  Record& addRecord(pybind11::handle container, Place place, std::size_t count,
+                    RecordOfChild recordOfChild);
   void store(Record& record, const std::vector<Place>& places);
   std::uint32_t recordOf(PyObject* container) const;
   std::size_t slotOf(PyObject* container) const;
-  void grow();
+  void indexRecords() const;
   const Positions& positionsOf(std::uint32_t record) const;
   std::optional<std::uint32_t> positionOf(std::uint32_t record, pybind11::handle key) const;
   Place entryPlace(const Record& record, std::uint32_t position) const;
 
   std::vector<std::string> files_;
   std::vector<Record> records_;
-  // Open addressing, by the container's address: one past the index of a record, or 0.
-  std::vector<std::uint32_t> slots_;
+  // Open addressing, by the container's address: one past the index of a record, or 0. Holds the
+  // first records only, until somebody asks for one.
+  mutable std::vector<std::uint32_t> slots_;
+  mutable std::size_t indexed_ = 0;
   std::vector<unsigned char> entries_;
   mutable Positions positions_;
 };
