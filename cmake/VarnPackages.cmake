@@ -110,8 +110,8 @@ Python class, built from the definitions of the host itself."
   RECOMMENDS "libvarn-filepackaging1 (= ${PROJECT_VERSION})")
 varn_debian_python_package(orv devel
   "template engine that packages generated C text into files"
-  "The command orv renders Jinja2 templates with models in JSON, YAML, TOML or XML\n\
-and puts what they print into named sections of C files."
+  "The command orv renders Jinja2 templates with models in JSON, YAML, TOML, CSV or\n\
+XML and puts what they print into named sections of C files."
   SAME_VERSION libvarn-filepackaging1 python3-orbel
   DEPENDS ${python_depends} "python3-jinja2 (>= 3.1)" python3-jsonschema python3-tqdm)
 include(CPack)

@@ -128,7 +128,7 @@ REFUSED: dict[str, tuple[str | bytes, str]] = {
     ),
     "subset.xml": (
         '<!DOCTYPE r PUBLIC "-//x//y"\n "x.dtd">\n<r a="&foo;"/>',
-        ':3:1: undefined entity',
+        ":3:1: undefined entity",
     ),
     "utf16.xml": (
         '<!DOCTYPE r SYSTEM "x.dtd"><r a="&foo;"/>'.encode("utf-16"),
@@ -136,7 +136,7 @@ REFUSED: dict[str, tuple[str | bytes, str]] = {
     ),
     "parameter.xml": (
         '<!DOCTYPE r [\n<!ENTITY % foo "">%foo; ]><r a="&foo;"/>',
-        ':2:19: the document takes declarations from elsewhere, which are not read',
+        ":2:19: the document takes declarations from elsewhere, which are not read",
     ),
     "deep.xml": ("<a>" * 100000, ":1:1498: the model is nested more than 499 deep"),
 }
@@ -204,7 +204,9 @@ both:
 alias: *z
 ? *z2
 : &z2 k
-""".replace("? *z2\n: &z2 k\n", "key: &k k\n*k : 4\n")
+""".replace(
+        "? *z2\n: &z2 k\n", "key: &k k\n*k : 4\n"
+    )
     built = build_model([ModelSource(None, write(tmp_path, "m.yaml", text))], [])
     model = built.values
     assert list(model.pop("both").items()) == [("x", 1), ("y", 1), ("z", 3)]
@@ -352,9 +354,7 @@ def test_places_follow_what_scripts_change(tmp_path: Path) -> None:
     assert (places.place_of([]), places.path_of({}, "a")) == (None, None)
 
 
-@pytest.mark.parametrize(
-    "text", ["[NaN]", '{"a":1,"a":2}', '"\\u0000"', "[1", "[" * 100000]
-)
+@pytest.mark.parametrize("text", ["[NaN]", '{"a":1,"a":2}', '"\\u0000"', "[1", "[" * 100000])
 def test_wrong_json_is_no_setting(text: str) -> None:
     with pytest.raises(ModelError, match="^x: "):
         Setting.parse(f"x={text}")
