@@ -115,7 +115,7 @@ std::string noFile(int index) {
          ". A file's index is its position in the file list, counted from 0.";
 }
 
-TEST(FileRepOrvBridge, RefusesAnIndexBeforeANameAndChangesNothing) {
+TEST(FileRepOrvBridge, RefusesAnIndexBeforeAName) {
   VarnFileRepository repository;
   FileRepOrvBridge& bridge = repository.orvBridge();
   VarnFile& file = repository.createGenericFile("a.c");

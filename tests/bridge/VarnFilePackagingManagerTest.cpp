@@ -20,7 +20,7 @@ std::string ask(VarnFilePackagingOrvBridge& bridge, const VarnFileRepository& re
   return result;
 }
 
-TEST(VarnFilePackagingManager, FindsOrMakesTheFileOfAKeyBySectionName) {
+TEST(VarnFilePackagingManager, FindsOrMakesTheFileOfAKey) {
   VarnFileRepository repository;
   VarnFilePackagingManager manager(&repository);
   VarnFilePackagingOrvBridge copy = manager.orvBridge();

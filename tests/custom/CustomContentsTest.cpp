@@ -20,7 +20,7 @@ std::vector<std::string> appended(CustomContents& contents, VarnFileSectionKind 
 }
 using Texts = std::vector<std::string>;
 
-TEST(CustomContents, AppendsWhatNobodyPlacedInTheOrderOfDeclaration) {
+TEST(CustomContents, AppendsWhatNobodyPlacedInOrder) {
   CustomContents contents("a.c");
   const char* const names[] = {"Z", "Used", "A", "Retrieved", "A_InUse"};
   contents.setCustomTokenInUse("Used");

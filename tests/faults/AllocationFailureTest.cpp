@@ -197,7 +197,7 @@ bool runsWith(long allocations, const Operation& operation, World& world) {
 
 class AllocationFailure : public testing::TestWithParam<Operation> {};
 
-TEST_P(AllocationFailure, ChangesNothingAndLeaksNothing) {
+TEST_P(AllocationFailure, HasNoEffect) {
   const Operation& operation = GetParam();
   const auto stateAfter = [&operation](bool runs) {
     World world;

@@ -5,7 +5,7 @@
 namespace Varn {
 namespace {
 
-TEST(VarnFileRepository, ALaterFileHidesAnEarlierOneOfTheSameName) {
+TEST(VarnFileRepository, ALaterFileHidesAnEarlierOfItsName) {
   VarnFileRepository repository;
   EXPECT_EQ(-1, repository.findFileIndexByName("a.c"));
   EXPECT_EQ(nullptr, repository.findFileByName("a.c"));
@@ -51,7 +51,7 @@ TEST(VarnFileRepository, ModulesReachTheirLastFile) {
   EXPECT_EQ(4U, repository.getFileList().size());
 }
 
-TEST(VarnFileRepository, WarnsOfNamesThatDifferInLetterCaseOnly) {
+TEST(VarnFileRepository, WarnsOfNamesThatDifferInCaseOnly) {
   VarnFileRepository repository;
   FileRepErrorStatus status;
   for (const char* name : {"two\nlines.c", "\xC3\x84.c", "\xC3\xA4.c", "\xFF.c"}) {

@@ -12,7 +12,7 @@ namespace {
 using namespace std::string_literals;
 using orbel::MessageRecord;
 
-TEST(Diagnostics, ContextPrecedesTheWordsAndTextReplacesTheWords) {
+TEST(Diagnostics, ContextPrecedesTheWordsAndTextReplacesThem) {
   const MessageRecord record("Test", "None", {});
   EXPECT_EQ(raisedText([&] {
               orbel::throwDiagnostic(orbel::createDiagnostic(record, "reading"), "no luck");

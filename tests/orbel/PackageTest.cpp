@@ -141,7 +141,7 @@ TEST(Package, NamesAreTakenOnce) {
   EXPECT_THAT(package->classNames(), ElementsAre("A"));
 }
 
-TEST(Package, KeepsLibraryObjectsFromScriptsUnlessToldOtherwise) {
+TEST(Package, KeepsLibraryObjectsFromScriptsUnlessTold) {
   const auto package =
       add("Sealed", {{"A", [](Declared& info) { info.addProperty("P", &sample::Item::label); }}});
   class Sealed final : public sample::Item {

@@ -75,7 +75,7 @@ TEST(FileSection, FragmentTextStaysWhileAnySectionHoldsIt) {
   EXPECT_EQ(&text, &clone->getFunction(1));
 }
 
-TEST(FileSection, UsesAForeignFragmentThroughItsOperationsAndSharesIt) {
+TEST(FileSection, UsesAndSharesAForeignFragment) {
   auto fragment = boost::make_shared<ForeignFragment>("f\0g"s);
   auto section = std::make_unique<FileSection>();
   section->addContent("a");

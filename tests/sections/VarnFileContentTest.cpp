@@ -55,7 +55,7 @@ TEST(VarnFileContent, EachFileClassHasItsSections) {
             sectionsOf(*contentOf(VarnSDataTypesFileContentBuilder())));
 }
 
-TEST(VarnFileContent, HostNamesSelectTheirKindAndOthersTheBanner) {
+TEST(VarnFileContent, HostNamesSelectTheirKindOthersTheBanner) {
   EXPECT_EQ(FORWARD_DECLS_SECTION, getSectionKindFromName("FORWARD_DECLS_SECTION"));
   EXPECT_EQ(BANNER_SECTION, getSectionKindFromName("typedefs_section"));
   EXPECT_EQ("", getOrvSectionNameFromEnum(static_cast<VarnFileSectionKind>(22)));
@@ -160,7 +160,7 @@ class RecordingBuilder : public VarnSGenericFileContentBuilder {
   }
 };
 
-TEST(VarnFileContentCreator, DeletesSectionsInTheOrderOfKindsAndReplacedOnesLast) {
+TEST(VarnFileContentCreator, DeletesSectionsInTheOrderOfKinds) {
   const std::vector<int> order{BANNER_SECTION, USERTOP_SECTION, FUNCTIONS_SECTION,
                                FUNCTIONS_SECTION};
   RecordingBuilder builder;
