@@ -327,3 +327,47 @@ def test_scripts(orv: Command, tmp_path: Path) -> None:
     unloading = orv(*run, "--script", "s.py", s__py="import orbel\norbel.unload(Varn)\n")
     assert unloading.stderr.startswith("error: scripts cannot reach the files: The module ")
     assert "return 1;" in (tmp_path / "out/src/count.c").read_text()
+
+
+def test_formatter(orv: Command, tmp_path: Path) -> None:
+    script = (
+        'echo "$1" >> calls; text=$(cat); case $text in'
+        " *bad*) echo odd >&2; exit 3;; *none*) exit 0;; esac; cat style; echo $text"
+    )
+    text = (
+        "{% set names = {'a.h': true, 'b.c': false} %}{% for name, on in names.items() %}"
+        '{% file name Indent=on %}{% section "Enums" %}x   {{ text }}{% endsection %}'
+        "{% endfile %}{% endfor %}"
+    )
+    env = {"XDG_CACHE_HOME": str(tmp_path / "cache")}
+    run = ("generate", "t.j2", "--out", "out", "--no-state", "--format", "sh f.sh {path} style")
+
+    def made(*arguments: str, **texts: str) -> tuple[list[str], int]:
+        done = orv(*run, *arguments, env=env, t__j2=text, f__sh=script, **texts)
+        assert done.returncode == 0, done.stderr
+        calls = (tmp_path / "calls").read_text().split()
+        return [(tmp_path / "out" / name).read_text() for name in ("a.h", "b.c")], len(calls)
+
+    assert made("--set", "text=1", style="s\n") == (["s\nx 1\n", "x   1\n"], 1)
+    assert made("--set", "text=1") == (["s\nx 1\n", "x   1\n"], 1)
+    assert made("--set", "text=1", "--format-all") == (["s\nx 1\n", "s\nx 1\n"], 2)
+    assert made("--set", "text=1", style="t\n") == (["t\nx 1\n", "x   1\n"], 3)
+    (tmp_path / "out" / ".clang-format").write_text("c")
+    depfile = ("--depfile", "d", "--depfile-target", "t")
+    assert made("--set", "text=1", *depfile) == (["t\nx 1\n", "x   1\n"], 4)
+    assert "/out/.clang-format" in (tmp_path / "d").read_text()
+    for value, complaint in (("bad", "ended with 3: odd"), ("none", "printed nothing; expected")):
+        failed = orv(*run, "--set", f"text={value}", env=env)
+        assert (
+            failed.returncode,
+            f'the file "a.h": the formatter sh {complaint}' in failed.stderr,
+        ) == (
+            1,
+            True,
+        )
+        assert (tmp_path / "out" / "a.h").read_text() == "t\nx 1\n"
+    missing = orv(*run[:-1], "no-formatter", "--set", "text=1", env=env)
+    assert missing.stderr.endswith(
+        "the formatter no-formatter cannot be run: No such file or directory\n"
+    )
+    assert orv(*run[:-2], "--format-all").returncode == 2

@@ -14,6 +14,7 @@ from orv.command.option import (
 if TYPE_CHECKING:
     from orv.models.model import Setting
     from orv.models.sources import ModelSource
+    from orv.output.formatter import Formatter
 
 
 def _model(argument: str) -> ModelSource:
@@ -39,6 +40,13 @@ def _mode(argument: str) -> int:
     return int(argument, 8)
 
 
+def _formatter(argument: str) -> Formatter:
+    from orv.output.formatter import Formatter
+
+    return Formatter(argument)
+
+
+FORMATTER = ValueType("COMMAND", _formatter)
 MODE = ValueType("MODE", _mode)
 MODEL = ValueType("[NAME=]FILE", _model, _model_below, "file")
 
@@ -122,6 +130,12 @@ class LayoutOptions:
     GROUP: ClassVar[str] = "layout"
 
     blank_lines: bool = flag("put a blank line between the sections of a file")
+    format: Formatter | None = value(
+        FORMATTER,
+        "run this formatter on the files whose attribute Indent is true; {path} in it becomes the"
+        " path of the file",
+    )
+    format_all: bool = flag("run the formatter on every file")
 
 
 @dataclass

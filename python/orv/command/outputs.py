@@ -47,7 +47,7 @@ class Outputs:
             None if options.no_state else StateFile(self._folder, options.state, options.fsync)
         )
         self._policy = Policy(options.run_name or "", options.edited, options.stale, options.adopt)
-        self._files = plan(run, self._folder, Layout(options.blank_lines))
+        self._files = plan(run, self._folder, _layout(options))
         self._settle()
 
     def finish(self) -> Outcome:
@@ -207,3 +207,7 @@ class Outputs:
 
     def _shown(self, file: PlannedFile) -> str:
         return shown(self._folder, file.path)
+
+
+def _layout(options: GenerateOptions) -> Layout:
+    return Layout(options.blank_lines, options.format, options.format_all)

@@ -24,11 +24,13 @@ def requested_runs(given: dict[str, Any]) -> list[GenerateOptions]:
 
 def require_consistent(runs: Sequence[GenerateOptions]) -> None:
     """Raise Misuse when two runs write the same report, a depfile has no target, or a run asks for
-    a state file and for none."""
+    a state file and for none, or to format every file without a formatter."""
     owners: dict[str, str | None] = {}
     for options in runs:
         if options.state is not None and options.no_state:
             raise Misuse("argument --no-state: not allowed with argument --state")
+        if options.format_all and options.format is None:
+            raise Misuse("--format-all needs --format COMMAND")
         for path in (options.depfile, options.manifest, options.stamp):
             if path is None:
                 continue

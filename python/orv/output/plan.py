@@ -11,6 +11,7 @@ from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
 from orv.output.folder import reason, shown
+from orv.output.formatter import Formatter
 from orv.output.layout import Layout
 
 
@@ -34,7 +35,8 @@ class PlannedFile:
     `path` is below the output folder and the same in any locale; `location` is where links inside
     the folder lead it, and the file's identity. `old_hash` is that of the text on the disk. `owner`
     is the run that made a foreign file; None when no run did. `is_regenerated` says of an edited
-    file that it is generated with another text than before.
+    file that it is generated with another text than before. `formatted` is what a formatter made of
+    the composed text.
     """
 
     index: int
@@ -45,6 +47,7 @@ class PlannedFile:
     old_hash: str = ""
     owner: str | None = None
     is_regenerated: bool = False
+    formatted: bytes | None = None
 
     @property
     def differs(self) -> bool:
@@ -64,6 +67,8 @@ class PlannedFile:
     @property
     def buffer(self) -> _native.ComposedFile | bytes:
         """The file's bytes, not copied."""
+        if self.formatted is not None:
+            return self.formatted
         return b"" if self.composed is None else self.composed
 
     @property
@@ -98,6 +103,8 @@ def plan(run: Run, folder: _native.OutputFolder, layout: Layout = Layout()) -> P
             raise _located(run, index, error) from error
         planned.append(file)
         _report_clash(file, folded.setdefault(file.path.casefold(), file), run)
+    if layout.formatter is not None:
+        _format(planned, run, layout.formatter, layout.formats_all)
     compare(planned, run)
     return planned
 
@@ -141,6 +148,30 @@ def _compose(run: Run, index: int, layout: Layout) -> _native.ComposedFile:
         return run.repository.compose(index, order, layout.blank_lines)
     except ValueError as error:
         raise OutputError(str(error)) from error
+
+
+def _format(files: Plan, run: Run, formatter: Formatter, formats_all: bool) -> None:
+    """Format the files that ask for it; style files become dependencies of the run."""
+    chosen = [
+        file
+        for file in files
+        if not file.is_empty and (formats_all or run.repository.get_attribute(file.index, "Indent"))
+    ]
+    paths = [real_path(files.folder, file.path) for file in chosen]
+    results = formatter.format(
+        [(path, bytes(file.buffer)) for path, file in zip(paths, chosen, strict=True)]
+    )
+    run.dependencies += formatter.style_files(paths)
+    failed = [
+        str(_located(run, file.index, result))
+        for file, result in zip(chosen, results, strict=True)
+        if isinstance(result, OutputError)
+    ]
+    if failed:
+        raise OutputError("\n".join(failed))
+    for file, result in zip(chosen, results, strict=True):
+        if isinstance(result, bytes):
+            file.formatted = result
 
 
 def _compare_file(file: PlannedFile, folder: _native.OutputFolder) -> None:
