@@ -76,7 +76,7 @@ class Located(OrvError):
 
 
 def did_you_mean(name: str, known: Iterable[str]) -> str:
-    """"; did you mean "x"?" for the closest known name, or nothing."""
+    """ "; did you mean "x"?" for the closest known name, or nothing."""
     from difflib import get_close_matches
 
     close = get_close_matches(name.lower(), {entry.lower(): entry for entry in known}, n=1)
