@@ -2,7 +2,11 @@
 
 from __future__ import annotations
 
+import re
 from collections.abc import Callable, Iterable
+
+# What a message begins with when it is about a line: FILE:LINE: or FILE:LINE:COLUMN:
+PLACE = re.compile(r"([^\n:]+):(\d+)(?::\d+)?: ")
 
 
 class OrvError(Exception):
@@ -21,7 +25,7 @@ class Diagnostic(OrvError):
     """
 
     def __init__(self, message: str, identifier: str, arguments: tuple[object, ...]) -> None:
-        super().__init__(f"{identifier}: {message}")
+        super().__init__(message)
         self.identifier = identifier
         self.arguments = arguments
 
@@ -79,8 +83,11 @@ def did_you_mean(name: str, known: Iterable[str]) -> str:
     """ "; did you mean "x"?" for the closest known name, or nothing."""
     from difflib import get_close_matches
 
-    close = get_close_matches(name.lower(), {entry.lower(): entry for entry in known}, n=1)
+    lower = name.lower()
+    entries = {entry.lower(): entry for entry in known}
+    close = get_close_matches(lower, entries)
     if not close:
         return ""
-    match = next(entry for entry in known if entry.lower() == close[0])
+    # Letters that changed places are the most likely mistake.
+    match = entries[min(close, key=lambda entry: sorted(entry) != sorted(lower))]
     return f'; did you mean "{match}"?'

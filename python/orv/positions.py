@@ -7,6 +7,7 @@ from types import FrameType, TracebackType
 from typing import NamedTuple
 
 from jinja2 import Template
+from jinja2.runtime import Macro
 
 
 class Position(NamedTuple):
@@ -37,18 +38,53 @@ def here() -> Position:
     raise RuntimeError("no template is running")
 
 
-def of_traceback(traceback: TracebackType | None, more: int = 0) -> Position | None:
-    """The innermost line of a template that an exception passed through.
+class Step(NamedTuple):
+    """A part of a template that runs, and how the one before it came to run it."""
 
-    `more` is added to the line of the template's code.
+    position: Position
+    # "called", "included", "imported" or "extended"; empty for the outermost step.
+    way: str
+    # The macro that runs, when it is one.
+    macro: Macro | None
+    template: Template
+    # Where the code of the step is.
+    at: TracebackType
+
+
+def trail(traceback: TracebackType | None, more: int = 0) -> list[Step]:
+    """The steps that an exception passed through, outermost first.
+
+    `more` is added to the line of the innermost template's code.
     """
-    found: Position | None = None
+    steps: list[Step] = []
+    between: list[FrameType] = []
     while traceback is not None:
-        template = _template_of(traceback.tb_frame)
-        if template is not None:
-            found = _position(template, traceback.tb_lineno + more)
+        frame = traceback.tb_frame
+        template = _template_of(frame)
+        if template is None:
+            between.append(frame)
+        elif not frame.f_code.co_name.startswith("t_"):
+            position = _position(template, traceback.tb_lineno)
+            way = _way(frame.f_code.co_name, between) if steps else ""
+            steps.append(Step(position, way, _macro_of(between), template, traceback))
+            between = []
         traceback = traceback.tb_next
-    return found
+    if more and steps:
+        line = steps[-1].at.tb_lineno + more
+        steps[-1] = steps[-1]._replace(position=_position(steps[-1].template, line))
+    return steps
+
+
+def _way(entered: str, between: list[FrameType]) -> str:
+    if entered != "root":
+        return "called"
+    passed = {frame.f_code.co_name for frame in between}
+    return "imported" if "make_module" in passed else "included" if passed else "extended"
+
+
+def _macro_of(between: list[FrameType]) -> Macro | None:
+    found = (frame.f_locals.get("self") for frame in reversed(between))
+    return next((owner for owner in found if type(owner) is Macro), None)
 
 
 def below_templates(traceback: TracebackType | None) -> TracebackType | None:

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import re
 import subprocess
 import sys
 from collections.abc import Callable, Mapping
@@ -52,6 +53,11 @@ def files_of(
         for file in plan(run, open_folder("/out"), layout)
         if not file.is_empty
     }
+
+
+def stderr_of(message: str) -> str:
+    """How the command says an error: one that begins with a line has no word before it."""
+    return f"{message}\n" if re.match(r"[^ :]+:\d+: ", message) else f"error: {message}\n"
 
 
 @pytest.fixture

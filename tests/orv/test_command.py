@@ -9,7 +9,7 @@ import sys
 from pathlib import Path
 
 import pytest
-from conftest import Command
+from conftest import Command, stderr_of
 
 TEMPLATE = """\
 {% file name ~ ".h" DefinedMacro=name|upper ~ "_H" %}
@@ -147,7 +147,7 @@ def test_nothing_takes_the_place_of_something_else(
     text = ONE_FILE.replace("a.c", "t.j2") if options == "--out ." else ONE_FILE
     done = orv("generate", "t.j2", "--out", "out", *options.split(), t__j2=text)
     assert (done.returncode, done.stdout) == (1, "")
-    assert done.stderr == f"error: {OVERLAPS[options]}\n".format(folder=tmp_path)
+    assert done.stderr == stderr_of(OVERLAPS[options].format(folder=tmp_path))
     assert [path.name for path in tmp_path.iterdir()] == ["t.j2"]
     assert (tmp_path / "t.j2").read_text() == text
 
@@ -225,7 +225,11 @@ UNKNOWN_KIND = 's.j2:1: there is no kind of file "texts"; did you mean "text"?'
 MISTAKES = {
     "template": (["t.j2", "--out", "o"], 1, "t.j2:2: 'nope' is undefined"),
     "syntax": (["s.j2", "--out", "o"], 1, UNKNOWN_KIND),
-    "no template": (["no.j2", "--out", "o"], 1, 'there is no template "no.j2" in "."'),
+    "no template": (
+        ["no.j2", "--out", "o"],
+        1,
+        'there is no template "no.j2" in "."; did you mean "t.j2"?',
+    ),
     "no model": (
         ["t.j2", "--out", "o", "--model", "no.json"],
         1,
@@ -256,10 +260,10 @@ MISTAKES = {
 def test_mistakes_write_nothing(orv: Command, tmp_path: Path, name: str) -> None:
     arguments, code, message = MISTAKES[name]
     text = '{% file "a" %}{% section "Banner" %}x{% endsection %}{% endfile %}\n{{ nope }}'
-    done = orv("generate", *arguments, t__j2=text, s__j2='{% file "a" as texts %}')
-    prefix, hint = ("orv generate: ", "Try 'orv generate --help'.\n") if code == 2 else ("", "")
+    done = orv("generate", *arguments, t__j2=text, s__j2='{% file "a" as texts %}{% endfile %}')
+    misuse = f"orv generate: error: {message}\nTry 'orv generate --help'.\n"
     assert (done.returncode, done.stdout) == (code, "")
-    assert done.stderr == f"{prefix}error: {message}\n{hint}"
+    assert done.stderr == (misuse if code == 2 else stderr_of(message))
     assert not (tmp_path / "o").exists()
 
 
@@ -269,15 +273,15 @@ def test_strict_and_quiet(orv: Command, tmp_path: Path) -> None:
         '{% file "A.c" %}{% section "Banner" %}x{% endsection %}{% endfile %}'
     )
     clash = (
-        't.j2:2: the file "A.c" differs only in letter case from "a.c", declared at t.j2:1;'
+        'the file "A.c" differs only in letter case from "a.c", declared at t.j2:1;'
         " some file systems cannot hold both\n"
     )
     strict = orv("generate", "t.j2", "--out", "o", "--strict", t__j2=text)
-    assert (strict.returncode, strict.stderr) == (1, f"error: {clash}")
+    assert (strict.returncode, strict.stderr) == (1, f"t.j2:2: {clash}")
     quiet = orv("generate", "t.j2", "--out", "o", "--quiet", "--dry-run")
     assert (quiet.returncode, quiet.stdout, quiet.stderr) == (0, "", "")
     loud = orv("generate", "t.j2", "--out", "o")
-    assert (loud.returncode, loud.stderr) == (0, f"warning: {clash}")
+    assert (loud.returncode, loud.stderr) == (0, f"t.j2:2: warning: {clash}")
 
 
 def test_paths_that_differ_only_in_case(orv: Command) -> None:
@@ -288,7 +292,7 @@ def test_paths_that_differ_only_in_case(orv: Command) -> None:
     done = orv("generate", "t.j2", "--out", "o", "--strict", t__j2=text)
     assert (done.returncode, done.stderr) == (
         1,
-        'error: t.j2:2: the path "X/É.c" differs only in letter case from "x/é.c", declared at'
+        't.j2:2: the path "X/É.c" differs only in letter case from "x/é.c", declared at'
         " t.j2:1; some file systems cannot hold both\n",
     )
 

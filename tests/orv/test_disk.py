@@ -262,7 +262,7 @@ def test_paths_that_lead_elsewhere_are_refused(orv: Command, tmp_path: Path) -> 
         )
         done = orv("generate", "t.j2", "--out", "out", t__j2=text)
         assert done.returncode == 1 and done.stdout == ""
-        assert done.stderr.startswith("error: t.j2:2: the file ")
+        assert done.stderr.startswith("t.j2:2: the file ")
         assert done.stderr.endswith(f": {reason.format(out=out)}\n"), name
         assert not (out / "ok.c").exists() and list((tmp_path / "elsewhere").iterdir()) == []
 
@@ -278,10 +278,10 @@ def test_links_inside_are_followed_and_paths_are_written_once(orv: Command, tmp_
     assert (out / "inside").is_symlink() and (out / "folder/x.c").read_text() == "x\n"
     same = orv(*run, "d=inside", t__j2=text.replace("y.c", "x.c"))
     assert same.stderr == (
-        'error: t.j2:2: the file "x.c": the file "inside/./x.c", declared at t.j2:1, is written to'
+        't.j2:2: the file "x.c": the file "inside/./x.c", declared at t.j2:1, is written to'
         " the same path\n"
     )
     below = orv(*run, "d=new.c", t__j2=text.replace("inside/./x.c", "new.c"))
     assert below.stderr == (
-        'error: t.j2:2: the file "y.c" is below "new.c", which is a file and not a folder\n'
+        't.j2:2: the file "y.c" is below "new.c", which is a file and not a folder\n'
     )

@@ -5,7 +5,7 @@ from __future__ import annotations
 from pathlib import Path
 
 import pytest
-from conftest import Command, files_of
+from conftest import Command, files_of, stderr_of
 
 import orv as api
 from orv.errors import OrvError
@@ -88,7 +88,7 @@ FAILURES = {
         ("from hh import f\norv.filter('f')(f)", "\n{{ 'x' | f }}"),
     "t.j2:2: no such type": (
         "def f(name):\n    raise orv.OrvError('no such type')\norv.function(f)", "\n{{ f(1) }}"),
-    "t.j2:1: TypeError: f() takes 0 positional arguments but 1 was given":
+    "t.j2:1: f is given too many arguments":
         ("def f(): pass\norv.function(f)", "{{ f(1) }}"),
     't.j2:1: depends: there is no file "no"': ("", "{{ depends('no') }}"),
 }  # fmt: skip
@@ -100,7 +100,7 @@ def test_failures(orv: Command, message: str) -> None:
     helpers = "1 / 0\n" if extension == "import h" else "def f(value):\n    return {}[value]\n"
     done = orv("generate", "t.j2", "--extend", "e.py", "--out", "o", t__j2=template,
                e__py=f"import orv\n\n{extension}\n", h__py=helpers, hh__py="from h import f\n")  # fmt: skip
-    assert (done.returncode, done.stderr) == (1, f"error: {message}\n")
+    assert (done.returncode, done.stderr) == (1, stderr_of(message))
 
 
 def test_decorators_leave_functions_as_they_are_outside_of_a_run() -> None:

@@ -5,7 +5,7 @@ from __future__ import annotations
 from pathlib import Path
 
 import pytest
-from conftest import Command
+from conftest import Command, stderr_of
 
 PROJECT = """\
 [run.code]
@@ -81,7 +81,7 @@ def test_mistakes_in_project_files(orv: Command, tmp_path: Path, message: str) -
     text, *arguments = (case,) if isinstance(case, str) else case
     done = orv("generate", *arguments, orv__toml=text, t__j2="{% file 'a' %}")
     is_misuse = not message.startswith("orv.toml")
-    shown = f"error: {message}\n"
+    shown = f"error: {message}\n" if is_misuse else stderr_of(message)
     if is_misuse:
         shown = f"orv generate: {shown}Try 'orv generate --help'.\n"
     assert (done.returncode, done.stdout, done.stderr) == (2 if is_misuse else 1, "", shown)

@@ -5,7 +5,10 @@ from __future__ import annotations
 from dataclasses import dataclass
 
 from orv.command.option import Option, options_of
-from orv.command.options import GenerateOptions, ListOutputsOptions, PrintModelOptions
+
+from orv.command.options import (
+    GenerateOptions, LintOptions, ListOutputsOptions, PrintModelOptions,
+)  # fmt: skip
 
 SUMMARY = "Packages generated C text into files, section by section."
 EXIT_CODES = "Ends with 0 when all went well, 1 when something failed or differs, 2 on misuse."
@@ -41,6 +44,13 @@ COMMANDS = (
         "Render each TEMPLATE with the models and write the files that they declare below DIR."
         " Without TEMPLATE, do the runs of a project file.",
         GenerateOptions,
+    ),
+    Command(
+        "lint",
+        "check templates without a model",
+        "Report what is wrong with each TEMPLATE and those that it names, as far as that can be"
+        " known without a model. Nothing is rendered.",
+        LintOptions,
     ),
     Command(
         "list-outputs",

@@ -5,6 +5,7 @@ from __future__ import annotations
 import sys
 
 from orv.command.options import MessageOptions
+from orv.errors import PLACE
 
 
 def say(text: str, options: MessageOptions) -> None:
@@ -16,7 +17,18 @@ def say(text: str, options: MessageOptions) -> None:
 def warn(text: str, options: MessageOptions) -> None:
     """Warn everyone who has not asked for quiet."""
     if not options.quiet:
-        print(f"warning: {text}", file=sys.stderr)
+        print(warning(text), file=sys.stderr)
+
+
+def failure(text: str) -> str:
+    """The text of an error: as it is when it begins with a line, so that editors jump there."""
+    return text if PLACE.match(text) else f"error: {text}"
+
+
+def warning(text: str) -> str:
+    """The text of a warning, which begins with the line that it is about."""
+    place = PLACE.match(text)
+    return f"{place[0]}warning: {text[place.end():]}" if place else f"warning: {text}"
 
 
 def debug(text: str) -> None:

@@ -63,7 +63,7 @@ def _render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
     templates = [source_beside(path, options.templates, read) for path in options.template]
     language = Language(extensions, options.delimiters or DELIMITERS)
     with progress("rendering", None, options.quiet) as step:
-        run = render(templates, values, messages, step, language)
+        run = render(templates, values, messages, step, language, model.places)
     for script in options.script:
         from orv.scripts import run_script
 

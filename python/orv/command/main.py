@@ -11,6 +11,7 @@ from collections.abc import Iterator, Sequence
 from contextlib import contextmanager
 from typing import NoReturn
 
+from orv.command.console import failure
 from orv.command.commands import COMMANDS
 from orv.command.parser import command_parser, orv_parser
 from orv.errors import Misuse, OrvError, did_you_mean
@@ -54,7 +55,7 @@ def _run(arguments: list[str]) -> int:
     except Misuse as error:
         parser.error(str(error))
     except OrvError as error:
-        print(f"error: {error}", file=sys.stderr)
+        print(failure(str(error)), file=sys.stderr)
     except KeyboardInterrupt:
         print("error: interrupted; no file was being written", file=sys.stderr)
     return 1

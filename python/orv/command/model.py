@@ -5,6 +5,7 @@ from __future__ import annotations
 import sys
 from typing import Any
 
+from orv.command.console import warning
 from orv.command.options import PrintModelOptions
 from orv.errors import Messages
 from orv.extensions import load_extensions
@@ -18,7 +19,7 @@ def run(given: dict[str, Any]) -> int:
 
     def warn(text: str) -> None:
         if not options.quiet:
-            print(f"warning: {text}", file=sys.stderr)
+            print(warning(text), file=sys.stderr)
 
     messages = Messages(warn, options.strict)
     extensions = load_extensions(options.extend)

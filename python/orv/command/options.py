@@ -65,7 +65,19 @@ SETTING = ValueType("KEY=VALUE", _setting)
 
 
 @dataclass
-class ModelOptions:
+class ExtensionOptions:
+    """What helps the model and the templates."""
+
+    GROUP: ClassVar[str] = "model"
+
+    extend: list[str] = values(
+        file("FILE.py"),
+        "load an extension: it prepares the model and helps templates; trusted code",
+    )
+
+
+@dataclass
+class ModelOptions(ExtensionOptions):
     """The model."""
 
     GROUP: ClassVar[str] = "model"
@@ -76,16 +88,12 @@ class ModelOptions:
         " name; with NAME also a pattern of files, or -:FORMAT for standard input",
     )
     set: list[Setting] = values(SETTING, "set one value of the model; KEY may be dotted")
-    extend: list[str] = values(
-        file("FILE.py"),
-        "load an extension: it prepares the model and helps templates; trusted code",
-    )
     schema: list[str] = values(file("FILE"), "check the model with a JSON Schema, in JSON or YAML")
 
 
 @dataclass
-class InputOptions:
-    """What is rendered."""
+class TemplateOptions:
+    """The templates."""
 
     GROUP: ClassVar[str] = "input"
 
@@ -94,6 +102,14 @@ class InputOptions:
     delimiters: tuple[str, ...] | None = value(
         DELIMITERS, "what tags, values and comments stand between, instead of '{% %} {{ }} {# #}'"
     )
+
+
+@dataclass
+class InputOptions(TemplateOptions):
+    """What is rendered, and what runs after it."""
+
+    GROUP: ClassVar[str] = "input"
+
     script: list[str] = values(file("FILE.py"), "run a script on the files before they are written")
 
 
@@ -241,3 +257,8 @@ class ListOutputsOptions(
     """The options of `orv list-outputs`."""
 
     json: bool = flag("print a JSON list")
+
+
+@dataclass
+class LintOptions(ExtensionOptions, TemplateOptions):
+    """The options of `orv lint`."""

@@ -6,7 +6,7 @@ from dataclasses import dataclass, field
 from typing import NamedTuple
 
 from orv import _native
-from orv.errors import Located, Messages, OrvError, did_you_mean
+from orv.errors import Diagnostic, Located, Messages, OrvError, did_you_mean
 from orv.positions import Position, here
 
 
@@ -15,9 +15,10 @@ class _CustomSection:
     """What is known of one custom section; it may be declared after all else."""
 
     builtin: str = ""
+    declared: Position | None = None
     first_fill: Position | None = None
     in_use: Position | None = None
-    placed: bool = False
+    placed: Position | None = None
     early_text: list[str] = field(default_factory=list)
 
 
@@ -42,9 +43,23 @@ class CustomSections:
 
     def declare(self, file: int, name: str, builtin: str) -> None:
         """Attach the custom section `name` to the section `builtin` of the file."""
-        self._repository.declare_custom(file, builtin, name)
         section = self._section(file, name)
+        try:
+            self._repository.declare_custom(file, builtin, name)
+        except Diagnostic as error:
+            if section.declared is None:
+                raise
+            raise OrvError(
+                f'the custom section "{name}" is declared on "{section.builtin}" at'
+                f' {section.declared}; it cannot be on "{builtin}" too'
+            ) from error
+        except ValueError as error:
+            hint = did_you_mean(builtin, _native.SECTION_NAMES)
+            if not hint:
+                raise
+            raise OrvError(f'there is no section "{builtin}"{hint}') from error
         section.builtin = builtin
+        section.declared = section.declared or here()
         early, section.early_text = section.early_text, []
         for text in early:
             self._repository.fill_custom(file, name, text)
@@ -66,8 +81,9 @@ class CustomSections:
         section = self._section(file, name)
         section.in_use = section.in_use or here()
 
-    def retrieve(self, file: int, name: str, requester: str) -> str:
+    def retrieve(self, placement: Placement, requester: str) -> str:
         """The text of a custom section, which is handed out once."""
+        file, name, position = placement
         section = self._sections.get((file, name))
         if section is None or not section.builtin:
             known = [other for owner, other in self._sections if owner == file]
@@ -76,8 +92,13 @@ class CustomSections:
                 f'the file "{file_name}" has no custom section "{name}"'
                 + (did_you_mean(name, known) or ": declare it with {% custom %}")
             )
+        if section.placed is not None:
+            raise OrvError(
+                f'the custom section "{name}" is placed at {section.placed} already;'
+                " it can be placed only once"
+            )
         text = self._repository.retrieve_custom(file, name, requester)
-        section.placed = True
+        section.placed = position
         return text
 
     def require_declared(self) -> None:

@@ -53,7 +53,7 @@ class Run:
         placement = self._placements[number]
         requester = f"{self.files.label(file)} {section}"
         try:
-            return self.custom.retrieve(placement.file, placement.name, requester)
+            return self.custom.retrieve(placement, requester)
         except Located:
             raise
         except OrvError as error:

@@ -17,6 +17,18 @@ ATTRIBUTES = tuple(name for name, _, _ in _native.ATTRIBUTES)
 # By name: "text", "flag" or "list".
 _SETTABLE = {name: kind for name, kind, settable in _native.ATTRIBUTES if settable}
 
+# What a `file` tag sets that is no attribute.
+_OF_THE_TAG = ("order",)
+
+
+def attribute_mistake(name: str) -> str | None:
+    """What is wrong with setting an attribute of this name in a `file` tag; None for nothing."""
+    if name in _SETTABLE or name in _OF_THE_TAG:
+        return None
+    if name in ATTRIBUTES:
+        return f"{name} cannot be set: a file keeps the name that declared it"
+    return f'files have no attribute "{name}"{did_you_mean(name, [*_SETTABLE, *_OF_THE_TAG])}'
+
 
 @dataclass
 class FileRecord:
@@ -293,11 +305,7 @@ class FileTable:
         self._records[file].order = tuple(value)
 
     def _set_attribute(self, file: int, name: str, value: object) -> None:
-        kind = _SETTABLE.get(name)
-        if kind is None and name in ATTRIBUTES:
-            raise OrvError(f"{name} cannot be set: a file keeps the name that declared it")
-        if kind is None:
-            raise OrvError(f'files have no attribute "{name}"{did_you_mean(name, _SETTABLE)}')
+        kind = _SETTABLE[name]
         if kind == "list":
             for element in value if isinstance(value, (list, tuple)) else [value]:
                 self.repository.set_attribute(file, name, _text(name, element))

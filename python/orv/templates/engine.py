@@ -7,14 +7,15 @@ from collections.abc import Callable, Iterator, Mapping, Sequence
 from contextlib import contextmanager
 from typing import Any, NamedTuple
 
-from jinja2 import BaseLoader, FileSystemLoader, TemplateNotFound, TemplateSyntaxError
-from jinja2.exceptions import TemplatesNotFound
+from jinja2 import BaseLoader, FileSystemLoader, TemplateSyntaxError
 
-from orv import positions
-from orv.errors import Located, Messages, OrvError, TemplateError
+from orv._native import Places
+from orv.errors import PLACE, Located, Messages, TemplateError
 from orv.files.run import Run
+from orv.templates.diagnosis import syntax_messages, template_error
 from orv.templates.environment import Environment
 from orv.templates.library import Language
+from orv.templates.lint import Linter
 from orv.templates.printable import refuse_outside, text_of
 
 
@@ -32,10 +33,19 @@ class RecordingLoader(BaseLoader):
         try:
             source, filename, up_to_date = self._loader.get_source(environment, template)
         except UnicodeDecodeError as error:
-            raise TemplateError(f"{template}: the template is not UTF-8: {error}") from error
+            raise TemplateError(self._not_utf8(template, error)) from error
         if filename not in self._files:
             self._files.append(filename)
         return source, filename, up_to_date
+
+    def _not_utf8(self, template: str, error: UnicodeDecodeError) -> str:
+        line = error.object.count(b"\n", 0, error.start) + 1
+        paths = [os.path.join(folder, template) for folder in self.folders]
+        path = os.path.normpath(next(filter(os.path.isfile, paths), template))
+        return (
+            f"{path}:{line}: the template is not UTF-8, at the byte"
+            f" 0x{error.object[error.start]:02x}; save it as UTF-8"
+        )
 
 
 class Source(NamedTuple):
@@ -51,82 +61,64 @@ def render(
     messages: Messages,
     step: Callable[[], None] | None = None,
     language: Language = Language(),
+    places: Places | None = None,
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
-    `step` is called each time a template opens a file. Raises TemplateError, whose text begins with
-    the line that is to blame.
+    `step` is called each time a template opens a file; `places` knows where the model's values were
+    written. Raises TemplateError, whose text begins with the line that is to blame.
     """
     run = Run(messages, text_of, refuse_outside, step)
     for source in sources:
-        with _template_errors(source.loader, run):
-            Environment(run, source.loader, language).render(source.template, model)
-    with _template_errors(sources[-1].loader, run):
+        with _template_errors(source.loader, run, places):
+            try:
+                Environment(run, source.loader, language).render(source.template, model)
+            except TemplateSyntaxError as error:
+                raise TemplateError("\n".join(_syntax_errors(error, sources, language))) from error
+    with _template_errors(sources[-1].loader, run, places):
         run.finish()
     return run
 
 
+def lint(sources: Sequence[Source], language: Language = Language()) -> list[str]:
+    """What is wrong with the templates as far as it can be known without a model, by file and line."""
+    run = Run(Messages(), text_of, refuse_outside)
+    found: dict[str, None] = {}
+    for source in sources:
+        linter = Linter(Environment(run, source.loader, language))
+        linter.read(source.template)
+        linter.check()
+        found.update(dict.fromkeys(linter.messages))
+    return sorted(found, key=_file_and_line)
+
+
+def _file_and_line(message: str) -> tuple[str, int]:
+    place = PLACE.match(message)
+    return (place[1], int(place[2])) if place else ("", 0)
+
+
+def _syntax_errors(
+    error: TemplateSyntaxError, sources: Sequence[Source], language: Language
+) -> list[str]:
+    """The mistakes of the template that cannot be compiled, and of all others that are named."""
+    found = dict.fromkeys(syntax_messages(error))
+    run = Run(Messages(), text_of, refuse_outside)
+    for source in sources:
+        linter = Linter(Environment(run, source.loader, language))
+        linter.read(source.template)
+        found.update(dict.fromkeys(linter.messages))
+    return list(found)
+
+
 @contextmanager
-def _template_errors(loader: BaseLoader, run: Run) -> Iterator[None]:
+def _template_errors(loader: BaseLoader, run: Run, places: Places | None) -> Iterator[None]:
     try:
         yield
     except (Located, TemplateError):
         raise
     except Exception as error:
-        raise _template_error(error, loader, run) from error
-
-
-def _template_error(error: Exception, loader: BaseLoader, run: Run) -> TemplateError:
-    position = _position(error, run)
-    text = _failed_extension(error)
-    if text is not None:
-        return TemplateError(f"{text}; called from {position}")
-    text = _describe(error, loader)
-    return TemplateError(text if position is None else f"{position}: {text}")
-
-
-def _position(error: Exception, run: Run) -> positions.Position | None:
-    if isinstance(error, TemplateSyntaxError):
-        return positions.Position(
-            positions.template_label(error.name, error.filename), error.lineno
-        )
-    # The line of the argument that could not be printed; see orv.templates.compiler.
-    return positions.of_traceback(error.__traceback__, max(run.printer.failed_argument, 0))
-
-
-def _failed_extension(error: Exception) -> str | None:
-    """What is said of an error that an extension did not mean for the user."""
-    below = positions.below_templates(error.__traceback__)
-    if isinstance(error, (OrvError, TemplateSyntaxError)) or below is None:
-        return None
-    from orv.pythonfiles import place, words
-
-    where = place(below)
-    return None if where is None else f"{where}: {words(error)}"
-
-
-def _describe(error: Exception, loader: BaseLoader) -> str:
-    if isinstance(error, TemplateNotFound):
-        names = error.templates if isinstance(error, TemplatesNotFound) else [error.name]
-        shown = " or ".join(f'"{name}"' for name in names)
-        folders = ", ".join(f'"{folder}"' for folder in getattr(loader, "folders", []))
-        return f"there is no template {shown}" + (f" in {folders}" if folders else "")
-    if isinstance(error, RecursionError):
-        return "macros or templates call each other without end"
-    if isinstance(error, SyntaxError):
-        return (
-            f"the template {error.filename} nests its tags too deeply ({error.msg}); put the inner"
-            " ones into a macro or a template of their own"
-        )
-    if isinstance(error, MemoryError):
-        return "the memory is exhausted"
-    if isinstance(error, TemplateSyntaxError):
-        return str(error.message)
-    if isinstance(error, (OrvError, ValueError)):
-        return str(error)
-    if type(error).__module__.startswith("jinja2."):
-        return str(error.args[0] if error.args else error)
-    return f"{type(error).__name__}: {error}"
+        argument = run.printer.failed_argument
+        raise template_error(error, loader, places, argument) from error
 
 
 def source_beside(template: str, more: Sequence[str], files: list[str]) -> Source:

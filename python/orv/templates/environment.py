@@ -9,7 +9,7 @@ from functools import cached_property
 from typing import Any
 
 import jinja2
-from jinja2 import BaseLoader, StrictUndefined, Template
+from jinja2 import BaseLoader, StrictUndefined, Template, nodes
 from jinja2.environment import TemplateModule
 from jinja2.exceptions import SecurityError
 from jinja2.ext import Extension, do, loopcontrols
@@ -24,6 +24,7 @@ from orv.models.element import ENTRIES, Element
 from orv.templates.compiler import TemplateCode
 from orv.templates.library import Language, add_library
 from orv.templates.lexer import PlacingLexer
+from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
@@ -126,6 +127,9 @@ class Environment(ImmutableSandboxedEnvironment):
     def lexer(self) -> PlacingLexer:
         """The lexer of every template; see jinja2.Environment."""
         return PlacingLexer(self)
+
+    def _parse(self, source: str, name: str | None, filename: str | None) -> nodes.Template:
+        return TemplateParser(self, source, name, filename).parse()
 
     def render(self, template: str, model: Mapping[str, object]) -> None:
         """Run the template with the variables of `model`."""

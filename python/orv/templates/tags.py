@@ -18,6 +18,7 @@ from jinja2.parser import Parser
 from orv import _native
 from orv.errors import did_you_mean
 from orv.templates.lexer import TagEnd, TagName
+from orv.templates.parser import complain
 
 
 class PackagingTags(Extension):
@@ -128,7 +129,7 @@ def _parse_kind(parser: Parser, tag: Token) -> tuple[nodes.Expr, nodes.Expr]:
     kinds = _native.FILE_KINDS
     if kind.value not in kinds:
         hint = did_you_mean(kind.value, kinds) or "; the kinds are " + ", ".join(kinds)
-        parser.fail(f'there is no kind of file "{kind.value}"{hint}', kind.lineno)
+        complain(parser, f'there is no kind of file "{kind.value}"{hint}', kind.lineno)
     if parser.stream.skip_if("lparen"):
         while not parser.stream.skip_if("rparen"):
             if arguments.items:
@@ -145,7 +146,7 @@ def _parse_assignments(parser: Parser, tag: Token) -> nodes.Dict:
         parser.stream.expect("assign")
         key = nodes.Const(name.value, lineno=name.lineno)
         if any(pair.key == key for pair in pairs):
-            parser.fail(f"{name.value} is given twice", name.lineno)
+            complain(parser, f"{name.value} is given twice", name.lineno)
         pairs.append(nodes.Pair(key, parser.parse_expression(), lineno=name.lineno))
     return nodes.Dict(pairs, lineno=tag.lineno)
 
@@ -177,11 +178,11 @@ def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:
         return name
     names = _native.SECTION_NAMES
     if name.value not in names:
-        parser.fail(
-            f'there is no section "{name.value}"{did_you_mean(str(name.value), names)}\n'
-            f"the sections are {', '.join(names)}; a custom section is filled with {{% fill %}}",
-            name.lineno,
+        hint = did_you_mean(str(name.value), names) or (
+            f"; the sections are {', '.join(names)}; a custom section is filled with {{% fill %}}"
         )
+        complain(parser, f'there is no section "{name.value}"{hint}', name.lineno)
+        return nodes.Const(0, lineno=name.lineno)
     return nodes.Const(names.index(name.value), lineno=name.lineno)
 
 

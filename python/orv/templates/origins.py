@@ -1,0 +1,131 @@
+"""Where the values came from that a failing line of a template was working with."""
+
+from __future__ import annotations
+
+import ast
+import re
+from collections.abc import Iterator
+from typing import Any, NamedTuple
+
+from jinja2 import Undefined
+from jinja2.utils import missing
+
+from orv._native import Places
+from orv.models.element import ENTRIES, Element
+from orv.positions import Step
+
+# The most values that a message names.
+_MOST = 3
+
+_LOCAL = re.compile(r"l_\d+_\w+")
+
+
+class _Value(NamedTuple):
+    """A value, and the container and key that it was found by, if any."""
+
+    value: Any
+    container: Any = None
+    key: Any = None
+
+
+def origins(step: Step, places: Places, argument: int, owner: object = missing) -> list[str]:
+    """The values that the failing part of the step reads from the model: `v[1].t (m.json:7)`.
+
+    The step's code is made again and the part found by the columns that Python keeps for each
+    instruction. `argument` is the one that could not be printed, or -1. Only `owner` is named if it is given.
+    """
+    part = _failing_part(step)
+    if part is None:
+        return []
+    if argument >= 0 and isinstance(part, ast.Call) and argument < len(part.args):
+        part = part.args[argument]
+    names: dict[str, None] = {}
+    for value in _values(part, step.at.tb_frame.f_locals):
+        path = _path(value, places) if owner is missing or value.value == owner else None
+        if path is not None:
+            names[path] = None
+    return list(names)[:_MOST]
+
+
+def _failing_part(step: Step) -> ast.AST | None:
+    positions = list(step.at.tb_frame.f_code.co_positions())
+    first, last, begin, end = positions[step.at.tb_lasti // 2]
+    if first is None or last is None or begin is None or end is None:
+        return None
+    lines = [line.encode() for line in _code(step).splitlines()[first - 1 : last]]
+    lines[-1] = lines[-1][:end]
+    lines[0] = lines[0][begin:]
+    try:
+        return ast.parse(b"(" + b"\n".join(lines) + b")", mode="eval").body
+    except SyntaxError:
+        return _list_of_loop(lines[0])
+
+
+def _list_of_loop(line: bytes) -> ast.AST | None:
+    try:
+        loop = ast.parse(line + b" pass").body[0]
+    except SyntaxError:
+        return None
+    return loop.iter if isinstance(loop, ast.For) else None
+
+
+def _code(step: Step) -> str:
+    template = step.template
+    environment: Any = template.environment
+    source = environment.loader.get_source(environment, template.name)[0]
+    return str(environment.compile(source, template.name, template.filename, raw=True))
+
+
+def _values(node: ast.AST, names: dict[str, Any]) -> Iterator[_Value]:
+    """The longest ways to a value that an expression has, as far as they lead."""
+    found = _value(node, names)
+    if found is not None:
+        yield found
+        return
+    for child in ast.iter_child_nodes(node):
+        yield from _values(child, names)
+
+
+def _value(node: ast.AST, names: dict[str, Any]) -> _Value | None:
+    if isinstance(node, ast.IfExp):
+        return _value(node.orelse, names)
+    if isinstance(node, ast.Name) and _LOCAL.fullmatch(node.id):
+        value = names.get(node.id, missing)
+        return None if value is missing or isinstance(value, Undefined) else _Value(value)
+    if (
+        isinstance(node, ast.Call)
+        and isinstance(node.func, ast.Attribute)
+        and node.func.attr in ("getattr", "getitem")
+        and len(node.args) == 2
+    ):
+        owner = _value(node.args[0], names)
+        return None if owner is None else _entry(owner, node.args[1], names)
+    return None
+
+
+def _entry(owner: _Value, node: ast.AST, names: dict[str, Any]) -> _Value | None:
+    key = node.value if isinstance(node, ast.Constant) else None
+    if key is None:
+        found = _value(node, names)
+        key = None if found is None else found.value
+    container = owner.value
+    if isinstance(container, dict) and key in container:
+        if isinstance(owner.container, Element):
+            return _Value(container[key], owner.container, key)
+        return _Value(container[key], container, key)
+    if isinstance(container, list) and isinstance(key, int) and 0 <= key < len(container):
+        return _Value(container[key], container, key)
+    if isinstance(container, Element) and key in ENTRIES:
+        return _Value(getattr(container, key), container)
+    return owner
+
+
+def _path(value: _Value, places: Places) -> str | None:
+    if isinstance(value.value, (dict, list, Element)) and places.path_of(value.value):
+        path, place = places.path_of(value.value), places.place_of(value.value)
+    elif value.container is not None:
+        path = places.path_of(value.container, value.key)
+        place = places.place_of(value.container, value.key)
+    else:
+        return None
+    return f"{path} ({place})" if path and place else None
