@@ -3,6 +3,7 @@
 #include <varn/CustomContents.hpp>
 
 #include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
 
@@ -19,9 +20,8 @@ std::string customName(const py::object& name) {
 void declare(PackagedFiles& files, int index, const py::object& builtin, const py::object& name) {
   std::string section = textArgument(builtin, "a section's name");
   if (section == "Types") section = "Typedefs";
-  Varn::VarnFile& file = files.file(index);
   const Varn::VarnFileSectionKind kind = requireSection(files, index, sectionNumber(section));
-  file.getCustomContent().addCustomSection(customName(name), kind);
+  declareCustomSection(files, index, kind, customName(name));
 }
 
 }  // namespace

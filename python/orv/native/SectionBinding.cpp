@@ -4,6 +4,7 @@
 #include <varn/IncludesSection.hpp>
 
 #include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
 
@@ -53,15 +54,6 @@ void addInclude(PackagedFiles& files, int index, const py::object& header, bool 
                                                            isSystem);
 }
 
-void placeAll(PackagedFiles& files, int index) {
-  Varn::VarnFile& file = files.file(index);
-  for (int i = 0; i < textSection; ++i) {
-    const auto kind = static_cast<Varn::VarnFileSectionKind>(i);
-    if (!file.hasSection(kind)) continue;
-    file.getCustomContent().appendMissingTokens(file.getFileSection(kind), kind);
-  }
-}
-
 }  // namespace
 
 void bindSections(RepositoryClass& repository) {
@@ -70,7 +62,7 @@ void bindSections(RepositoryClass& repository) {
       .def("section_text", &textOf)
       .def("function_names", &functionNames)
       .def("add_include", &addInclude)
-      .def("place_custom_sections", &placeAll);
+      .def("place_custom_sections", &placeCustomSections);
 }
 
 }  // namespace orv

@@ -7,6 +7,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 
 namespace orv {
@@ -109,13 +110,6 @@ std::string guardOf(const Varn::VarnFile& file) {
   throw pybind11::value_error("its DefinedMacro \"" + macro + "\" is no identifier");
 }
 
-void placeCustomSections(Varn::VarnFile& file) {
-  for (const VarnFileSectionKind kind : headerOrder) {
-    if (!file.hasSection(kind)) continue;
-    file.getCustomContent().appendMissingTokens(file.getFileSection(kind), kind);
-  }
-}
-
 // `whatLeavesOut` begins the message.
 void requireAll(const Varn::VarnFile& file, const SectionOrder& order, const char* whatLeavesOut) {
   for (const VarnFileSectionKind kind : headerOrder) {
@@ -127,10 +121,10 @@ void requireAll(const Varn::VarnFile& file, const SectionOrder& order, const cha
   }
 }
 
-ComposedFile composeText(const Varn::VarnFile& file) {
-  requireAll(file, {textKind}, "a text file leaves out");
+ComposedFile composeText(PackagedFiles& files, int index) {
+  requireAll(files.file(index), {textKind}, "a text file leaves out");
   MemoryStream memory;
-  file.getFileSection(textKind).writeToFile(memory.stream());
+  writeSection(files, index, textKind, memory.stream());
   const std::size_t size = memory.written().size();
   return memory.finish({{textSection, size}});
 }
@@ -145,8 +139,9 @@ bool dropsBlankLine(std::string_view written, std::string_view text, bool blankL
 }
 
 // Returns the number of bytes of the section.
-std::size_t writeSection(MemoryStream& memory, const Varn::FileSection& section,
-                         VarnFileSectionKind kind, bool blankLines) {
+std::size_t writeLines(PackagedFiles& files, int index, VarnFileSectionKind kind,
+                       MemoryStream& memory, bool blankLines) {
+  const Varn::FileSection& section = files.file(index).getFileSection(kind);
   if (blankLines) {
     const std::string& text = section.getContent();
     const bool isApart = text.empty() || text[0] == '\n';
@@ -158,7 +153,7 @@ std::size_t writeSection(MemoryStream& memory, const Varn::FileSection& section,
     if (dropsBlankLine(memory.written(), text, blankLines)) text.remove_prefix(1);
     memory.write(text);
   } else {
-    section.writeToFile(memory.stream());
+    writeSection(files, index, kind, memory.stream());
   }
   const std::string_view written = memory.written();
   const std::size_t size = written.size() - before;
@@ -181,8 +176,8 @@ bool isHeader(const Varn::VarnFile& file) {
 
 ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order, bool blankLines) {
   Varn::VarnFile& file = files.file(index);
-  placeCustomSections(file);
-  if (files.isText(index)) return composeText(file);
+  placeCustomSections(files, index);
+  if (files.isText(index)) return composeText(files, index);
   const std::string guard = guardOf(file);
   if (order == nullptr) {
     order = isHeader(file) ? &headerOrder : &sourceOrder();
@@ -199,10 +194,9 @@ ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order,
       isOpen = true;
     }
     if (!file.hasSection(kind)) continue;
-    const Varn::FileSection& section = file.getFileSection(kind);
     // The includes section counts as empty while it has nothing but required or utility includes.
-    if (kind != Varn::INCLUDES_SECTION && section.isEmpty()) continue;
-    const std::size_t size = writeSection(memory, section, kind, blankLines);
+    if (kind != Varn::INCLUDES_SECTION && file.getFileSection(kind).isEmpty()) continue;
+    const std::size_t size = writeLines(files, index, kind, memory, blankLines);
     if (size != 0) sections.push_back({static_cast<int>(kind), size});
   }
   if (isOpen) memory.write("\n#endif /* ").write(guard).write(" */\n");

@@ -5,6 +5,7 @@
 
 #include <varn/FunctionsSection.hpp>
 
+#include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 
 namespace orv {
@@ -174,12 +175,13 @@ void Printer::commit(Body& body) {
 }
 
 void Printer::add(const Body& body) {
-  Varn::FileSection& section = files_->file(body.file).getFileSection(body.section);
-  if (body.kind == Body::Kind::function) {
-    dynamic_cast<Varn::FunctionsSection&>(section).addFunction(body.name, body.text);
-  } else {
-    section.addContent_cstr(body.text.c_str());
+  if (body.kind == Body::Kind::section) {
+    addSectionText(*files_, body.file, body.section, body.text.c_str());
+    return;
   }
+  // The bridge has no operation for functions.
+  Varn::FileSection& section = files_->file(body.file).getFileSection(body.section);
+  dynamic_cast<Varn::FunctionsSection&>(section).addFunction(body.name, body.text);
 }
 
 bool Printer::isWaiting(int file, int section) const {

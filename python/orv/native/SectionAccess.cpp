@@ -1,0 +1,56 @@
+#include "python/orv/native/SectionAccess.hpp"
+
+#include <varn/VarnFile.hpp>
+
+#include "python/orv/native/SectionNames.hpp"
+
+namespace orv {
+namespace {
+
+using Varn::VarnFileSectionKind;
+
+bool hasBridgeName(VarnFileSectionKind kind) { return kind != Varn::FORWARD_DECLS_SECTION; }
+
+const std::string& bridgeName(VarnFileSectionKind kind) { return sectionNames()[kind]; }
+
+}  // namespace
+
+void addSectionText(PackagedFiles& files, int file, VarnFileSectionKind kind, const char* text) {
+  if (hasBridgeName(kind)) {
+    files.bridge().addSectionContent(file, bridgeName(kind), text);
+  } else {
+    files.file(file).getFileSection(kind).addContent_cstr(text);
+  }
+}
+
+void declareCustomSection(PackagedFiles& files, int file, VarnFileSectionKind kind,
+                          const std::string& name) {
+  if (hasBridgeName(kind)) {
+    files.bridge().addCustomSection(file, bridgeName(kind), name);
+  } else {
+    files.file(file).getCustomContent().addCustomSection(name, kind);
+  }
+}
+
+void placeCustomSections(PackagedFiles& files, int file) {
+  Varn::VarnFile& holder = files.file(file);
+  for (int i = 0; i < textSection; ++i) {
+    const auto kind = static_cast<VarnFileSectionKind>(i);
+    if (!holder.hasSection(kind)) continue;
+    if (hasBridgeName(kind)) {
+      files.bridge().appendMissingTokens(file, bridgeName(kind));
+    } else {
+      holder.getCustomContent().appendMissingTokens(holder.getFileSection(kind), kind);
+    }
+  }
+}
+
+void writeSection(PackagedFiles& files, int file, VarnFileSectionKind kind, FILE* stream) {
+  if (hasBridgeName(kind)) {
+    files.bridge().writeSection(file, bridgeName(kind), stream);
+  } else {
+    files.file(file).writeSectionToFile(kind, stream);
+  }
+}
+
+}  // namespace orv
