@@ -18,7 +18,7 @@ namespace {
 class Catalogue {
  public:
   static Catalogue& instance() {
-    // Never destroyed: an error may be thrown after every other static object is gone.
+    // Never destroyed: an error may be thrown after every other static object is destroyed.
     static Catalogue& catalogue = *new Catalogue;
     return catalogue;
   }

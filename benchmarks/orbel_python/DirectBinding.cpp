@@ -1,4 +1,4 @@
-// The library's classes bound with pybind11 directly: what calls through orbel are compared with.
+// The library's classes bound with pybind11 directly, to compare calls through orbel with.
 
 #include <pybind11/pybind11.h>
 

@@ -1,4 +1,4 @@
-"""What packaging costs: the same templates rendered through orv and by Jinja2 alone."""
+"""The cost of packaging: the same templates rendered through orv and by Jinja2 alone."""
 
 from __future__ import annotations
 

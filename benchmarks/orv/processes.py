@@ -1,4 +1,4 @@
-"""Whole processes: what they take of the processor and of the memory."""
+"""Whole processes: their processor time and memory."""
 
 from __future__ import annotations
 

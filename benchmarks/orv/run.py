@@ -30,7 +30,7 @@ class Report:
         self.missed = False
 
     def add(self, what: str, ratio: float, goal: float | None = None, note: str = "") -> None:
-        """`goal` is the most that the ratio may be."""
+        """`goal` is the upper bound of the ratio."""
         met = goal is None or ratio <= goal
         self.missed |= not met
         verdict = "" if goal is None else f"goal {goal:.2f} {'met' if met else 'MISSED'}"
@@ -95,7 +95,7 @@ def compare_with_glad(report: Report, rounds: int, folder: Path) -> None:
 
 
 def compare_sizes(report: Report, rounds: int, folder: Path) -> None:
-    """What one more file costs in a large run over what it costs in a small one."""
+    """The cost of one more file in a large run over that in a small one."""
     commands = []
     for size in SIZES:
         model = folder / f"{size}.json"

@@ -1,4 +1,4 @@
-"""Runs a command and prints what it took: processor seconds and the largest resident megabytes.
+"""Runs a command and prints its processor seconds and largest resident size in megabytes.
 
 A process begins with the size of the one that it comes from as its largest. This program is small,
 so that it may be in between.

@@ -8,10 +8,10 @@
 
 namespace bench {
 
-// How large the workloads are. A smoke run is small enough to be a test, and measures nothing.
+// The sizes of the workloads. A smoke run is small enough to be a test, and measures nothing.
 struct Scale {
   bool isSmoke;
-  // How often each contender runs in a process of its own.
+  // How often each contender runs in a new process.
   int newProcesses;
   std::size_t pieces;
   std::size_t files;
@@ -35,8 +35,8 @@ constexpr std::size_t sectionCount = 21;
 // The names of the sections that are reached by name, in the order of their kinds.
 const std::array<std::string, sectionCount>& sectionNames();
 
-// What is generated in a run: files of 220 pieces, spread over all sections in a random order that
-// is the same for each file.
+// The text that a run generates: files of 220 pieces, spread over all sections in a random order
+// that is the same for each file.
 class Job {
  public:
   static constexpr std::size_t piecesPerFile = 220;

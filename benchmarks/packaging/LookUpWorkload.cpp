@@ -68,8 +68,8 @@ struct Call {
 
 constexpr std::size_t callCount = 65'536;
 
-// Calls that go to ten of the files, so that what differs between repositories is not how much
-// memory is touched; `runLength` calls in a row are the same.
+// Calls that go to ten of the files, so that large and small repositories touch as much memory;
+// `runLength` calls in a row are the same.
 std::vector<Call> makeCalls(std::size_t files, std::size_t names, std::size_t runLength) {
   std::mt19937 random;  // NOLINT(cert-msc51-cpp): the same sequence every time
   std::vector<Call> calls;

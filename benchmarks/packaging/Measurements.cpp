@@ -14,7 +14,7 @@ double medianOf(std::vector<double> values) {
                                 : (values.at(middle - 1) + values.at(middle)) / 2;
 }
 
-// How far the middle half of the values lies apart, in percent of the median.
+// The interquartile range of the values, in percent of the median.
 double spreadOf(std::vector<double> values) {
   std::sort(values.begin(), values.end());
   const double low = values.at(values.size() / 4);

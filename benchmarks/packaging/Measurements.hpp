@@ -11,7 +11,7 @@
 
 namespace bench {
 
-// What was measured: of which workload, done by whom.
+// The subject of a measurement: a workload and the contender that ran it.
 struct Subject {
   std::string workload;
   std::string contender;
@@ -21,19 +21,19 @@ struct Subject {
   }
 };
 
-// The measurements of one process: those that are entered as they are made, and the times of the
-// benchmarks that were registered here, entered while they run.
+// The measurements of one process: those that are entered directly, and the times of the
+// registered benchmarks, entered while they run.
 class Measurements : public benchmark::BenchmarkReporter {
  public:
-  // Registers a benchmark whose one iteration does `items` things.
+  // Registers a benchmark that processes `items` items in one iteration.
   void addBenchmark(const Subject& subject, std::size_t items,
                     const std::function<void(benchmark::State&)>& body);
-  // Enter a measurement of what no benchmark measures, in bytes or nanoseconds.
+  // Enter a measurement made without a benchmark, in bytes or nanoseconds.
   void addMemory(const Subject& subject, double bytes);
   void addTime(const Subject& subject, double nanoseconds);
 
-  // Bytes, or nanoseconds of thread CPU time for one thing: the median of the repetitions.
-  // Throws std::out_of_range for what was not measured.
+  // Bytes, or nanoseconds of thread CPU time per item: the median of the repetitions.
+  // Throws std::out_of_range for a subject that was not measured.
   double median(const Subject& subject) const;
 
   // All medians in the order of registration, as a Markdown table.
@@ -50,7 +50,7 @@ class Measurements : public benchmark::BenchmarkReporter {
     std::vector<double> values;
   };
 
-  // The series of `subject`, begun unless it is there.
+  // The series of `subject`, created if it does not exist.
   Series& seriesOf(const Subject& subject, std::size_t items, bool isTime);
 
   std::vector<Series> series_;

@@ -41,7 +41,7 @@ ProcessCost costOfChild(const std::function<void()>& work) {
 }  // namespace
 
 ProcessCost costInNewProcess(const std::function<void()>& work) {
-  // A child would otherwise fill free memory of this process first, which is touched already.
+  // A child would otherwise reuse free memory of this process first, which is mapped already.
   ::malloc_trim(0);
   const ProcessCost idle = costOfChild([] {});
   const ProcessCost busy = costOfChild(work);

@@ -5,16 +5,16 @@
 
 namespace bench {
 
-// What a process of its own took.
+// The cost of a new process.
 struct ProcessCost {
-  // The most bytes that it had resident.
+  // The largest resident size, in bytes.
   double peakMemory;
-  // Nanoseconds of CPU time, its own and the system's for it.
+  // Nanoseconds of CPU time, user and system.
   double time;
 };
 
-// What it takes to do `work` in a new process, whose memory is all untouched, over what it takes to
-// do nothing there. Throws std::runtime_error when `work` fails.
+// The cost of `work` in a new process, less the cost of a process that does nothing. Throws
+// std::runtime_error when `work` fails.
 ProcessCost costInNewProcess(const std::function<void()>& work);
 
 }  // namespace bench

@@ -37,7 +37,7 @@ class VarnRun {
   Varn::FileRepOrvBridge& bridge_ = repository_.orvBridge();
 };
 
-// Every piece handed over as an object of its own.
+// Every piece passed as a separate fragment object.
 class VarnObjectsRun : public VarnRun {
  public:
   void add(std::size_t file, const std::string& section, const char* text) {
@@ -61,8 +61,8 @@ void generate(const Job& job, const ScratchFolder& folder) {
   }
 }
 
-// What no representation can do without: each byte copied once, and each file opened, written with
-// one call and closed. The pieces come in the order in which they stand in the file.
+// The lower bound of every representation: each byte copied once, and each file opened, written
+// with one call and closed. The pieces come in the order of the file.
 void generateAtTheLimit(const Job& job, const ScratchFolder& folder) {
   std::vector<std::size_t> order;
   for (std::size_t section = 0; section < sectionCount; ++section) {
@@ -146,7 +146,7 @@ void addRunWorkload(Measurements& measurements, const Scale& scale, const Scratc
       {"Printer, raw", generate<SectionsByName<RawPrinterSection>>},
       {"limit", generateAtTheLimit},
   };
-  // New processes come first, while this one has left no memory that they would share.
+  // New processes run first: later they would share memory that this process has allocated.
   const Job job(scale.files);
   for (int repetition = 0; repetition < scale.newProcesses; ++repetition) {
     addNearlyEmptyFile<VarnRun>(measurements, "varn", scale.nearlyEmptyFiles);

@@ -7,7 +7,7 @@
 
 namespace bench {
 
-// A folder of its own under `parent`, which goes with all that is in it.
+// A new folder under `parent`, removed with its contents by the destructor.
 class ScratchFolder {
  public:
   explicit ScratchFolder(const std::string& parent);
@@ -17,7 +17,7 @@ class ScratchFolder {
 
   std::string path(const std::string& name) const { return folder_ + '/' + name; }
 
-  // Removes what is in it.
+  // Removes its contents.
   void clear() const;
 
  private:

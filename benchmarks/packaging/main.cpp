@@ -1,5 +1,5 @@
-// Measures the library beside other ways to do the same, all in one run and interleaved, and prints
-// the medians and how they stand to the goals.
+// Measures the library and other ways to do the same, interleaved in one run, and prints the
+// medians and the goals.
 //
 //   varn_benchmarks [--smoke] [--folder=FOLDER] [options of Google Benchmark]
 //
@@ -21,9 +21,9 @@
 
 namespace {
 
-// Keeps what was released for the next repetition: where the C library's allocator gives memory
-// back to the system depends on what other contenders have left, and memory would be new to one and
-// not to another. What new memory costs is measured in new processes.
+// Keeps released memory for the next repetition: whether the C library's allocator returns memory
+// to the system depends on what other contenders have allocated, so that some would get new memory
+// and others not. The cost of new memory is measured in new processes.
 void keepReleasedMemory() {
   ::mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
   ::mallopt(M_MMAP_MAX, 0);
@@ -38,7 +38,7 @@ std::string defaultFolder() {
 struct Options {
   bool isSmoke = false;
   std::string folder = defaultFolder();
-  // What comes later on the command line counts.
+  // The last option on the command line wins.
   std::vector<std::string> forBenchmark = {"--benchmark_enable_random_interleaving=true",
                                            "--benchmark_repetitions=9", "--benchmark_min_time=0.1"};
 };

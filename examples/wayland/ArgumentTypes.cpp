@@ -29,7 +29,7 @@ std::string objectType(const Argument& argument, Side side) {
   return argument.interface.empty() ? "void *" : fmt::format("struct {} *", argument.interface);
 }
 
-// What goes on the wire, or to the call, in front of the id of an object of any interface.
+// The arguments that precede the id of an object of any interface, on the wire and in calls.
 void addInterfaceParameters(const Message& message, Side side, std::vector<std::string>& result) {
   const char* type = side == Side::ClientRequest ? "const struct wl_interface *" : "const char *";
   result.push_back(type + freeParameterName(message, "interface"));

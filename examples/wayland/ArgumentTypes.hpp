@@ -1,4 +1,4 @@
-// How the arguments of messages look in signatures and in C. The signature letters and the types
+// The arguments of messages in signatures and in C. The signature letters and the types
 // array are those that libwayland documents for wl_message in wayland-util.h.
 #ifndef WAYLAND_ARGUMENTTYPES_HPP
 #define WAYLAND_ARGUMENTTYPES_HPP
@@ -31,11 +31,11 @@ std::string signatureOf(const Message& message);
 // The interface of each signature letter of `message`; empty where there is none.
 std::vector<std::string> signatureInterfaces(const Message& message);
 
-// Who declares the parameters of a message.
+// The function whose parameters a message gives.
 enum class Side {
-  ClientRequest,  // the client's call: what it makes is returned, not passed
+  ClientRequest,  // the client's call: the object that it makes is returned, not passed
   ClientEvent,    // the client's handler
-  ServerRequest,  // the server's handler: what is to be made comes as an object id
+  ServerRequest,  // the server's handler: the object to make is passed as an id
   ServerEvent     // the server's call
 };
 

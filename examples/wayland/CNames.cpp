@@ -30,8 +30,8 @@ bool isNameCharacter(char c) {
   return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 
-// What the generated code uses, the macros of <stdbool.h>, and the tags that are libwayland's own
-// and no protocol's.
+// The names that the generated code uses, the macros of <stdbool.h>, and the tags of libwayland
+// that no protocol declares.
 constexpr std::array<std::string_view, 34> foreignNames = {
     "NULL",
     "WL_MARSHAL_FLAG_DESTROY",
@@ -85,7 +85,7 @@ class NamesInUse {
   // functions with those arguments use.
   void addExclusive(const std::string& name, int line) { add(name, {line, true}); }
 
-  // For the name of an interface, a message or an argument, which has a scope of its own.
+  // For the names of interfaces, messages and arguments, each of which is a scope.
   void requireUsable(const std::string& name, int line) const {
     const auto found = uses_.find(name);
     if (found != uses_.end() && found->second.exclusive) reject(name, line, found->second.line);

@@ -1,4 +1,4 @@
-// The names that generated C code declares, and what a name may look like.
+// The names that generated C code declares, and which names are valid.
 #ifndef WAYLAND_CNAMES_HPP
 #define WAYLAND_CNAMES_HPP
 
@@ -37,8 +37,8 @@ std::string versionMacro(const Interface& interface);
 // "xdg_shell_find_interface".
 std::string findFunction(const Protocol& protocol);
 
-// Whether a client has a function "wl_surface_destroy" that is no request's: every object can be
-// let go of but the display, which is disconnected instead.
+// Whether a client has a function "wl_surface_destroy" that is not a request: every object has one
+// but the display, which is disconnected instead.
 bool hasDestroyFunction(const Interface& interface);
 
 // Throws ProtocolError when two different things of `protocol` have the same name in C, which

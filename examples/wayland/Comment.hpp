@@ -14,10 +14,10 @@ namespace wayland {
 // apart, so that the result is one comment that compiles without a warning.
 std::string blockComment(const std::string& text, const std::string& indent = "");
 
-// The summary, a blank line and the text, as far as they are there.
+// The summary, a blank line and the text, if present.
 std::string wholeText(const Description& description);
 
-// What there is to say of `message` and its arguments.
+// The descriptions of `message` and its arguments.
 std::string describe(const Message& message);
 
 }  // namespace wayland

@@ -10,8 +10,8 @@
 namespace wayland {
 namespace {
 
-// Each enumeration has a guard of its own, under the name that other generators give it too:
-// headers of several makers meet in one program.
+// Each enumeration has a guard under the name that other generators use too: a program may include
+// headers of several generators.
 std::string enumerationText(const Interface& interface, const Enumeration& enumeration) {
   const std::string tag = enumerationTag(interface, enumeration);
   std::string entries;
@@ -35,7 +35,7 @@ class EnumerationsHeader : public ProtocolFile {
   void begin(const Protocol& protocol, const ProtocolText& text) override {
     setAttributes(protocol, "SystemHeader");
     file().addCustomSection("Defines", "SinceVersions");
-    // It has to stand before the end of the include guard, so it cannot be left to be appended.
+    // It must precede the end of the include guard, so it is placed here rather than appended.
     file().addCustomSection("Types", "Enumerations");
     file().add("Defines", text.introduction);
     openGuard();

@@ -36,17 +36,16 @@ class GeneratedFile {
   // Adds to the forward declarations, the one section that has no name.
   void addForwardDeclaration(const std::string& text);
 
-  // A custom section of `builtin`. What is not placed is appended to `builtin` when that is
+  // Declares a custom section of `builtin`. If it is not placed, it is appended when `builtin` is
   // written.
   void addCustomSection(const std::string& builtin, const std::string& custom);
   void fillCustomSection(const std::string& custom, const std::string& text);
   // Adds the text of `custom` to `section`, once.
   void placeCustomSection(const std::string& custom, const std::string& section);
 
-  // Writes every section in the one order that all files have. The size is told by the stream's
-  // position: that of a pipe, which has none, stays 0. Throws std::system_error, naming
-  // `path`, as soon as the stream has failed. The stream stays the caller's, who also has to find
-  // out whether its last bytes arrive.
+  // Writes every section, in the same order for all files. The size is taken from the stream's
+  // position, and is 0 for a pipe, which has none. Throws std::system_error, naming `path`, as soon
+  // as the stream fails. The caller owns the stream, and checks it when it is closed.
   WrittenSize write(FILE* stream, const std::string& path) const;
 
  private:

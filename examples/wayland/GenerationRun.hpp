@@ -27,8 +27,8 @@ class GenerationRun {
   // of another protocol's ("a_client" has the "a-client-protocol.h" of "a"); nothing is made then.
   std::vector<std::string> add(const Protocol& protocol);
 
-  // Writes all files, the folder too if need be. They take their places only when every one is
-  // complete. Throws std::system_error with the path, having left no half-written file.
+  // Creates the folder if it is missing and writes all files. They are renamed only when every one
+  // is complete. Throws std::system_error with the path; no partial file is left then.
   void write();
 
   // Prints the table of the files that were written. Throws std::system_error.

@@ -97,7 +97,7 @@ class MarshallingCode : public ProtocolFile {
   }
 
  private:
-  // What the interface says for its messages: the array, or NULL when there are none.
+  // The interface's reference to its messages: the array, or NULL when there are none.
   std::string addMessages(const std::string& array, const std::vector<Message>& messages) {
     if (messages.empty()) return "NULL";
     std::string rows;

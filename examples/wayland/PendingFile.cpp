@@ -14,7 +14,7 @@ namespace {
   throw std::system_error(errno, std::generic_category(), path);
 }
 
-// What an ordinary new file gets; temporary files are the owner's alone.
+// The mode of an ordinary new file; temporary files are private to their owner.
 mode_t newFileMode() {
   const mode_t mask = umask(0);
   umask(mask);

@@ -6,8 +6,8 @@
 
 namespace wayland {
 
-// A file on its way to the disk: written beside its place under another name, then moved there in
-// one step, so that nobody ever sees half of it. One that is not moved is removed.
+// A file that is replaced atomically: written under a temporary name in the same folder, then
+// renamed. Removed by the destructor when it was not renamed.
 //
 // Every operation throws std::system_error with the path of the final file.
 class PendingFile {
@@ -24,14 +24,14 @@ class PendingFile {
   // Open until close().
   FILE* stream() const { return stream_; }
 
-  // Flushes and closes: after that all bytes are there.
+  // Flushes and closes; failures are reported here.
   void close();
-  // Puts the closed file in its place, instead of what was there.
+  // Renames the closed file to its name, replacing an existing file.
   void commit();
 
  private:
   std::string path_;
-  std::string temporaryPath_;  // empty once it is not ours to remove
+  std::string temporaryPath_;  // empty after the rename
   FILE* stream_ = nullptr;
 };
 

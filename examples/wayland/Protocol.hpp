@@ -1,4 +1,4 @@
-// What a protocol description says, in its own order.
+// The contents of a protocol description, in the order of the file.
 #ifndef WAYLAND_PROTOCOL_HPP
 #define WAYLAND_PROTOCOL_HPP
 

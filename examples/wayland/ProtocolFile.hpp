@@ -21,8 +21,8 @@ ProtocolText commonText(const Protocol& protocol);
 // The description of `interface` as a comment.
 SharedText interfaceDocumentation(const Interface& interface);
 
-// A module is what one side needs of one protocol: the client's modules have even indices, the
-// server's follow theirs.
+// A module is the files that one side needs of one protocol: the client's modules have even
+// indices, the server's follow theirs.
 struct Modules {
   int client;
   int server;
@@ -57,7 +57,7 @@ class ProtocolFile {
   GeneratedFile file_;
 };
 
-// What opens and closes the part of a header that C++ has to take for C.
+// The opening and the end of the part of a header that has C linkage.
 extern const char* const openExternC;
 extern const char* const closeExternC;
 

@@ -11,11 +11,11 @@
 
 namespace wayland {
 
-// What a client calls and is called back with.
+// The functions that a client calls, and its callbacks.
 std::unique_ptr<ProtocolFile> makeClientHeader(Varn::VarnFileRepository& repository,
                                                const Protocol& protocol, Modules modules);
 
-// What a server calls and is called back with.
+// The functions that a server calls, and its callbacks.
 std::unique_ptr<ProtocolFile> makeServerHeader(Varn::VarnFileRepository& repository,
                                                const Protocol& protocol, Modules modules);
 

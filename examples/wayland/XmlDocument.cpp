@@ -54,7 +54,7 @@ XmlDocument::XmlDocument(const std::string& path) : path_(path) {
   for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1)) {
     lineEnds_.push_back(static_cast<std::ptrdiff_t>(at));
   }
-  // With any other encoding offsets would no longer be those of the file.
+  // With any other encoding, offsets would not be those of the file.
   const pugi::xml_parse_result result = document_.load_buffer(
       text.data(), text.size(), pugi::parse_default | pugi::parse_declaration, pugi::encoding_utf8);
   if (!result) {

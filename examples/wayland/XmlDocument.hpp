@@ -1,4 +1,4 @@
-// XML as the protocol reader needs it: elements that know their line, and errors that tell it.
+// XML for the protocol reader: elements with their lines, and errors that name them.
 #ifndef WAYLAND_XMLDOCUMENT_HPP
 #define WAYLAND_XMLDOCUMENT_HPP
 
@@ -14,7 +14,7 @@ namespace wayland {
 class XmlDocument {
  public:
   // Throws std::system_error when the file cannot be read, ProtocolError when it is
-  // malformed or says that it is in another encoding.
+  // malformed or declares another encoding.
   explicit XmlDocument(const std::string& path);
   XmlDocument(const XmlDocument&) = delete;
   XmlDocument& operator=(const XmlDocument&) = delete;

@@ -37,10 +37,10 @@ struct CommandLine {
   std::vector<std::string> files;
 };
 
-// There is nobody left to tell when standard error does not take it.
+// A failure to write to standard error cannot be reported.
 void complain(const std::string& text) { static_cast<void>(std::fputs(text.c_str(), stderr)); }
 
-// What is wrong with the option that getopt_long() has answered with `found`, '?' or ':'.
+// The message for an option for which getopt_long() returned `found`, '?' or ':'.
 std::string misusedOption(int found, const char* longOption) {
   const std::string option =
       optopt == 0 ? longOption : fmt::format("-{}", static_cast<char>(optopt));

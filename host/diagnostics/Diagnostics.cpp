@@ -14,7 +14,7 @@ struct Text {
 
 constexpr const char* codeGen = "Pyx:codeGen";
 
-// What the messages say unless the host replaces their words.
+// The default texts; the host can replace them.
 constexpr Text texts[] = {
     {"CustomContentPreviousAssociation",
      "The custom section \"{1}\" cannot be attached to the built-in section \"{2}\": it is already "
@@ -35,8 +35,7 @@ constexpr Text texts[] = {
      "\"{1}\" is not the name of a file attribute or section that can be used here."},
     {"DuplicateFileEntry",
      "The file name \"{1}\" was already given as \"{2}\". Names that differ only in letter case "
-     "are "
-     "one file on some file systems."},
+     "are one file on some file systems."},
 };
 
 bool addTexts() {
@@ -52,6 +51,10 @@ orbel::DiagnosticPtr createDiagnostic(const orbel::MessageRecord& record) {
 }
 
 }  // namespace
+
+// Nothing here refers to them: without the attribute the linker would drop them.
+[[gnu::used]] const char bundleErrorId[] = "Orbel:MultipleErrors";
+[[gnu::used]] const char16_t bundleErrorId16[] = u"Orbel:MultipleErrors";
 
 CustomContentPreviousAssociation::CustomContentPreviousAssociation(const std::string& customSection,
                                                                    const std::string& requested,

@@ -44,9 +44,10 @@ struct DuplicateFileEntry : orbel::MessageRecord {
   DuplicateFileEntry(const std::string& name, const std::string& registeredName);
 };
 
-// The host's identifier for an error that bundles several errors, in both widths of host text.
-inline constexpr char bundleErrorId[] = "Orbel:MultipleErrors";
-inline constexpr char16_t bundleErrorId16[] = u"Orbel:MultipleErrors";
+// The host's identifier for an error that bundles several errors, in both widths of host text. The
+// library carries it and raises no such error.
+extern const char bundleErrorId[];
+extern const char16_t bundleErrorId16[];
 
 // Throws `record` as a host exception. The caller must not have changed anything yet.
 [[noreturn]] void raise(const orbel::MessageRecord& record);

@@ -49,8 +49,8 @@ ORBEL_EXPORT void checkSignature(const Member& member, const Signature& signatur
 ORBEL_EXPORT void checkSignature(const Constructor& constructor,
                                  std::initializer_list<TypeKind> arguments);
 
-// Calls its first argument with the others, which an initialiser list makes from left to right: the
-// error of the leftmost unfit argument is the one that is thrown.
+// Calls its first argument with the others. They are converted in an initialiser list, so from left
+// to right: the error is that of the leftmost argument that cannot be converted.
 struct InOrder {
   template <class F, class... X>
   explicit InOrder(const F& function, const X&... arguments) {

@@ -16,7 +16,7 @@ namespace orbel {
 
 class PackageInterface;
 
-// A class as the host knows it. A module makes one for each class and passes ownership with
+// The definition of a host class. A module makes one for each class and passes ownership with
 // ClassRegistrar::addClass; the host never destroys it. Modules derive from HandleClass,
 // which binds a C++ class.
 //

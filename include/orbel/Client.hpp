@@ -42,7 +42,7 @@ class ORBEL_EXPORT Client {
 };
 
 // Destroys the object that `value` refers to, now; every handle to it becomes invalid. Throws
-// "WrongObjectClass" for what is no handle, "InvalidHandle" for an object that has died, and
+// "WrongObjectClass" for a value that is not a handle, "InvalidHandle" for a destroyed object, and
 // "NotOwnedByScript" for an object that no script made.
 ORBEL_EXPORT void destroyObject(const Value& value);
 

@@ -1,4 +1,4 @@
-// Marks what liborbel offers to others; every other symbol of the library is hidden.
+// Marks the exported symbols of liborbel; every other symbol of the library is hidden.
 #ifndef ORBEL_EXPORT_HPP
 #define ORBEL_EXPORT_HPP
 

@@ -36,7 +36,7 @@ class ORBEL_EXPORT ObjectIdentity
   // Whether a script made the object, which is then destroyed with its last handle at the latest.
   virtual bool ownsObject() const { return false; }
 
-  // Destroys the object if it is owned here and still lives.
+  // Destroys the object if it is owned here and was not destroyed before.
   virtual void destroyObject() noexcept {}
 
  protected:

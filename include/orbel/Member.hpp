@@ -26,7 +26,7 @@ class ORBEL_EXPORT Member {
   const std::string& qualifiedName() const { return qualifiedName_; }
 
   // The object that `value` refers to, which is of the owning class or derived from it. Throws
-  // "WrongObjectClass" for any other value and "InvalidHandle" for an object that has died.
+  // "WrongObjectClass" for any other value and "InvalidHandle" for a destroyed object.
   HandleBase& objectIn(const Value& value) const;
 
  private:

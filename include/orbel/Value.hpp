@@ -50,7 +50,7 @@ class ORBEL_EXPORT Value {
   const Content& content() const { return content_; }
 
   // "missing", "logical", "uint32", "double", "char", "cell", "string", or the qualified class name
-  // of the object or objects; an object that has died has the class "invalid object".
+  // of the object or objects; a destroyed object has the class "invalid object".
   std::string className() const;
 
   // The number of elements: 1 for a single number, logical or object, 0 for a missing value.

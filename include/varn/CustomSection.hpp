@@ -24,7 +24,7 @@ class VARN_EXPORT CustomSection : public FileSection {
 
   VarnFileSectionKind getBuiltinSection();
 
-  // Whether the text is appended to the built-in section if nobody retrieves it: true unless
+  // Whether the text is appended to the built-in section if it is not retrieved: true unless
   // attached to the documentation.
   bool isRequired() const;
 

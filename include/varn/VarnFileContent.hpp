@@ -89,7 +89,7 @@ class VARN_EXPORT VarnFileContent {
   FileSection* plainSections_ = nullptr;
   std::uint8_t plainCapacity_ = 0;
   std::uint8_t plainCount_ = 0;
-  // Owned, out of reach.
+  // Owned, unreachable.
   std::vector<FileSection*> replaced_;
   EmptyFileSection emptySection_;
 };

@@ -9,7 +9,7 @@
 
 namespace Varn {
 
-// Ties a repository to the bridge through which the template engine asks for files by packaging
+// Ties a repository to the bridge through which the template engine finds files by packaging
 // key. It owns the bridge, not the repository, which must outlive it.
 class VARN_EXPORT VarnFilePackagingManager {
  public:

@@ -1,11 +1,12 @@
 // A class derived from each exported class, overriding each virtual operation with its documented
-// signature. What is tested is that this compiles and links against the exported names alone.
+// signature. The test is that this compiles and links against the exported names alone.
 
 #include <ostream>
 #include <type_traits>
 
 #include <gtest/gtest.h>
 
+#include <orbel/Value.hpp>
 #include <varn/varn_filepackaging.hpp>
 
 namespace {
@@ -13,19 +14,38 @@ namespace {
 using namespace Varn;  // NOLINT(google-build-using-namespace): the classes under test
 using std::string;
 
-// The virtual operations of a section of the class `Base`.
+// The virtual operations of every object that scripts can hold.
 template <class Base>
-class Section : public Base {
+class Exposed : public Base {
  public:
   using Base::Base;
+  string getFullyQualifiedKoboTypeName() const override {
+    return Base::getFullyQualifiedKoboTypeName();
+  }
+  orbel::Value toHostValue() override { return Base::toHostValue(); }
+  void prePropertySet(const string& property, const orbel::Value& value,
+                      std::size_t valueSize) override {
+    Base::prePropertySet(property, value, valueSize);
+  }
+  void postPropertySet(const string& property, const orbel::Value& value,
+                       std::size_t valueSize) override {
+    Base::postPropertySet(property, value, valueSize);
+  }
+  bool isSavedWithModel() const override { return Base::isSavedWithModel(); }
+  void lock() override { Base::lock(); }
+  void unlock() override { Base::unlock(); }
+};
+
+// The virtual operations of a section of the class `Base`.
+template <class Base>
+class Section : public Exposed<Base> {
+ public:
+  using Exposed<Base>::Exposed;
   Section() = default;
   Section(const Section&) = default;
   Section& operator=(const Section&) = delete;
   ~Section() override = default;
 
-  string getFullyQualifiedKoboTypeName() const override {
-    return Base::getFullyQualifiedKoboTypeName();
-  }
   bool isEmpty() const override { return Base::isEmpty(); }
   void printToStream(std::ostream& os) const override { Base::printToStream(os); }
   const string& getContent() const override { return Base::getContent(); }
@@ -96,22 +116,6 @@ class Builder : public Base {
 };
 
 template <class Base>
-class File : public Base {
- public:
-  using Base::Base;
-  string getFullyQualifiedKoboTypeName() const override {
-    return Base::getFullyQualifiedKoboTypeName();
-  }
-};
-
-class Repository : public VarnFileRepository {
- public:
-  string getFullyQualifiedKoboTypeName() const override {
-    return VarnFileRepository::getFullyQualifiedKoboTypeName();
-  }
-};
-
-template <class Base>
 class Derived : public Base {
  public:
   using Base::Base;
@@ -135,7 +139,7 @@ static_assert(
 
 template <class Base>
 string classNameOf() {
-  return File<Base>("a.c").getFullyQualifiedKoboTypeName();
+  return Exposed<Base>("a.c").getFullyQualifiedKoboTypeName();
 }
 
 TEST(DerivedClasses, UseTheExportedNamesOnly) {
@@ -155,7 +159,7 @@ TEST(DerivedClasses, UseTheExportedNamesOnly) {
 
   VarnFile file("b.c", std::make_unique<Builder<VarnModuleFileContentBuilder>>());
   VarnFile types("b.h", std::make_unique<Builder<VarnSDataTypesFileContentBuilder>>());
-  File<VarnFile> generic("c.c", std::make_unique<Builder<VarnSGenericFileContentBuilder>>());
+  Exposed<VarnFile> generic("c.c", std::make_unique<Builder<VarnSGenericFileContentBuilder>>());
   Builder<VarnFileContentBuilder>().buildBannerSection();
   EXPECT_FALSE(file.hasSection(BANNER_SECTION));
   EXPECT_FALSE(types.hasSection(FUNCTIONS_SECTION));
@@ -164,7 +168,7 @@ TEST(DerivedClasses, UseTheExportedNamesOnly) {
   EXPECT_EQ("Varn.VarnModuleFile", classNameOf<VarnModuleFile>());
   EXPECT_EQ("Varn.VarnDataTypesFile", classNameOf<VarnDataTypesFile>());
 
-  Repository repository;
+  Exposed<VarnFileRepository> repository;
   repository.createGenericFile("d.c");
   EXPECT_EQ("d.c", Derived<FileRepOrvBridge>(repository).getFileFromIndex(0).getNameAscii());
   Derived<VarnFilePackagingManager> manager(&repository);

@@ -93,7 +93,7 @@ TEST(FileRepOrvBridge, KnowsTheFamilyOfEachName) {
             found);
 }
 
-// Every operation with an index and a name, and a name that only other operations take.
+// Every operation with an index and a name, and a name that only other operations accept.
 using Operation = std::function<void(FileRepOrvBridge&, int, const std::string&)>;
 const std::pair<const char*, Operation> operations[] = {
     {"Filter", [](auto& b, int i, auto& name) { b.getStringAttribute(i, name); }},

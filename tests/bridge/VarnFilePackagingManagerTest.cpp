@@ -5,7 +5,7 @@
 namespace Varn {
 namespace {
 
-// What asking for `key` returns, and the files there are then.
+// The index returned for `key`, and the files afterwards.
 std::string ask(VarnFilePackagingOrvBridge& bridge, const VarnFileRepository& repository,
                 const std::string& key) {
   std::string result;

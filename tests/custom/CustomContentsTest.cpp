@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// What `contents` still has to append for `builtin`, one write per fragment.
+// The fragments that `contents` has yet to append for `builtin`, one write each.
 std::vector<std::string> appended(CustomContents& contents, VarnFileSectionKind builtin) {
   FileSection section;
   contents.appendMissingTokens(section, builtin);
@@ -20,7 +20,7 @@ std::vector<std::string> appended(CustomContents& contents, VarnFileSectionKind 
 }
 using Texts = std::vector<std::string>;
 
-TEST(CustomContents, AppendsWhatNobodyPlacedInOrder) {
+TEST(CustomContents, AppendsUnplacedSectionsInOrder) {
   CustomContents contents("a.c");
   const char* const names[] = {"Z", "Used", "A", "Retrieved", "A_InUse"};
   contents.setCustomTokenInUse("Used");

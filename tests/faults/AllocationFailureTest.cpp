@@ -15,7 +15,7 @@
 
 namespace {
 
-// Of the program's allocations: how many are alive, and how many more succeed (negative: all).
+// The number of live allocations, and how many more succeed (negative: all).
 long aliveAllocations = 0;
 long allocationsLeft = -1;
 
@@ -51,7 +51,7 @@ const char* const longText = "a text that is too long for a string to hold witho
 const std::vector<std::string> longNames{"s", longText};
 const std::vector<int> indices{2, 3, 4, 3};
 
-// One object of each class that can be changed, all with something in them.
+// One non-empty object of each class that can be changed.
 struct World {
   VarnFileRepository repository;
   VarnFilePackagingManager manager{&repository};
@@ -86,7 +86,7 @@ struct World {
   ~World() { static_cast<void>(std::fclose(sink)); }
 };
 
-// All that can be seen of a file; places its custom sections to see them.
+// The observable state of a file, with its custom sections placed.
 void show(std::ostream& os, VarnFile& file) {
   os << file.getNameAscii() << '|' << file.getType() << '|' << file.getGroup() << '|';
   for (const auto& name : file.getSystemsInFile()) os << name << ',';
@@ -123,7 +123,7 @@ std::string stateOf(World& world) {
 struct Operation {
   const char* title;
   void (*run)(World&);
-  // What happens in steps may fail between them; done again, it gives the same.
+  // An operation in steps may fail between them; repeating it gives the same result.
   bool inSteps = false;
 };
 
@@ -182,7 +182,7 @@ const Operation operations[] = {
     {"assigned packaging", [](World& w) { w.otherPackaging = w.manager.orvBridge(); }},
 };
 
-// Whether `run` got through with its first `allocations` allocations only.
+// Whether `run` succeeds when only its first `allocations` allocations do.
 bool runsWith(long allocations, const Operation& operation, World& world) {
   allocationsLeft = allocations;
   bool passed = true;

@@ -1,4 +1,4 @@
-// What host scripts see of the library.
+// The classes that host scripts see.
 
 #include <fstream>
 #include <iterator>

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 
 orbel::ObjectSystem& objects() { return orbel::ObjectSystem::instance(); }
 
-// A class that is declared by whatever the test says.
+// A class whose declaration each test supplies.
 class Declared final : public orbel::HandleClass<sample::Item> {
  public:
   using Declaration = std::function<void(Declared&)>;

@@ -22,7 +22,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// A fragment of the engine's own, whose two ways to give its text can be told apart.
+// An engine's own fragment; getContent() and writeToFile() give different texts.
 class ForeignFragment : public FileSectionFragment {
  public:
   explicit ForeignFragment(std::string text) : text_(std::move(text)) {}
@@ -107,7 +107,7 @@ TEST(FileSection, WithoutTextDoesNotTouchTheStream) {
 
 struct Writing {
   Buffering buffering;
-  // What was written before.
+  // The text written before.
   std::size_t pending;
   // The number of a write that fails.
   std::size_t failing;

@@ -95,7 +95,7 @@ TEST(VarnFileContent, CopiesCloneAndClearingKeepsLists) {
                                           copy.getSection(FUNCTIONS_SECTION).getContent());
 }
 
-// Records its end.
+// Records its destruction.
 class RecordedSection : public FileSection {
  public:
   RecordedSection(VarnFileSectionKind kind, std::vector<int>& destroyed)
@@ -109,7 +109,7 @@ class RecordedSection : public FileSection {
   std::vector<int>& destroyed_;
 };
 
-// Writes the name of each step down.
+// Records the name of each step.
 // clang-format off
 class StepRecorder : public VarnFileContentBuilder {
  public:

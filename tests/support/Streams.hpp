@@ -11,7 +11,7 @@
 
 namespace Varn {
 
-// How a stream is buffered, as std::setvbuf() takes it.
+// The buffering of a stream, as for std::setvbuf().
 struct Buffering {
   int mode;
   std::size_t size;
@@ -64,7 +64,7 @@ inline std::vector<std::string> writesOf(const FileSection& section) {
   return writesTo({_IONBF, 0}, [&section](FILE* stream) { section.writeToFile(stream); });
 }
 
-// What `write(FILE*)` writes to a buffered stream.
+// The bytes that `write(FILE*)` writes to a buffered stream.
 template <typename Write>
 std::string bytesOf(Write write) {
   char* memory = nullptr;

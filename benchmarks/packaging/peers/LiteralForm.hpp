@@ -16,7 +16,7 @@
 
 namespace bench::literal {
 
-// The plainest thing that keeps the library's contracts: every fragment an object of its own in a
+// The simplest code that keeps the library's contracts: every fragment a separate object in a
 // list, names looked up in hash maps of bound functions, repeated include lines found by searching
 // the whole text.
 

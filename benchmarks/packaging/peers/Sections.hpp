@@ -13,7 +13,7 @@
 
 namespace bench {
 
-// What else one could keep the text of a section in. Each takes pieces, answers the whole text and
+// Other containers for the text of a section. Each appends pieces, returns the whole text and
 // writes it to a stream.
 
 class StringSection {
@@ -27,7 +27,7 @@ class StringSection {
   std::string text_;
 };
 
-// The same with a copy of the text, made in the same place whenever it is asked for.
+// The same, but the whole text is copied to a reused buffer at each call.
 class CopiedStringSection : public StringSection {
  public:
   const std::string& text() {
@@ -66,7 +66,7 @@ class CordSection {
   absl::Cord text_;
 };
 
-// protobuf's printer on a string. The text is there when the printer is gone.
+// protobuf's printer on a string. The text is complete when the printer is destroyed.
 class PrinterSection {
  public:
   // `text` ends with a NUL.

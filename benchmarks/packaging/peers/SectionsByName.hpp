@@ -16,7 +16,7 @@
 
 namespace bench {
 
-// A name look-up as one writes it who thinks no more of it, and as the literal form has it.
+// A straightforward name look-up, as in the literal form.
 class MapLookUp {
  public:
   MapLookUp() {

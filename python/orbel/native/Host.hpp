@@ -5,7 +5,7 @@
 
 namespace orbel::python {
 
-// For Module.cpp: adds what the Python side needs of the host's modules, packages and catalogue.
+// For Module.cpp: adds the functions for the host's modules, packages and catalogue.
 void addHost(pybind11::module_& module);
 
 }  // namespace orbel::python

@@ -127,7 +127,7 @@ void addClassType(py::module_& module) {
   static PyGetSetDef properties[] = {
       {"__text_signature__", getTextSignature, nullptr, "How scripts make objects.", nullptr},
       {nullptr, nullptr, nullptr, nullptr, nullptr}};
-  static char doc[] = "The class of the classes that stand for host classes.";
+  static char doc[] = "The class of the classes made for host classes.";
   static PyType_Slot slots[] = {{Py_tp_doc, doc},
                                 {Py_tp_base, &PyType_Type},
                                 {Py_tp_new, reinterpret_cast<void*>(&refuseSubclass)},

@@ -15,7 +15,7 @@ namespace orbel::python {
 // The Python class of a defined host class; borrowed.
 PyTypeObject* typeOf(const ClassInfo& info);
 
-// The Python class of what `handle` refers to; of an object that died before its class was ever
+// The Python class of what `handle` refers to; of an object that was destroyed before its class was
 // looked up, the base of all. Raises "UnknownClass" for an object of a class that no package has.
 PyTypeObject* typeOf(const Handle& handle);
 

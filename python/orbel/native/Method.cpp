@@ -66,7 +66,7 @@ void deallocate(PyObject* object) {
   Py_DECREF(type);
 }
 
-// The texts that inspect and help() ask a method for.
+// The attributes of a method that inspect and help() read.
 template <std::string (*Make)(const Method&)>
 PyObject* textOfMethod(PyObject* object, void* /*closure*/) {
   return guarded<PyObject*>(nullptr, [&] { return newText(Make(methodOf(object))); });

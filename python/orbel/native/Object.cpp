@@ -60,7 +60,7 @@ int clear(PyObject* object) {
   return 0;
 }
 
-// The value goes before the owner: what it refers to may live in what the owner keeps.
+// The value is destroyed before the owner, which may own what it refers to.
 void deallocate(PyObject* object) {
   PyTypeObject* type = Py_TYPE(object);
   PyObject_GC_UnTrack(object);
@@ -71,8 +71,8 @@ void deallocate(PyObject* object) {
   Py_DECREF(type);
 }
 
-// The first text property tells objects of a class apart for people; without one, the place in
-// memory does.
+// Objects of a class are distinguished by their first text property, or by address when there is
+// none.
 std::optional<std::string> distinctiveText(const Object& object) {
   const Property* property = firstTextProperty(*object.handle().identity().classInfo());
   if (property == nullptr) return std::nullopt;
@@ -128,7 +128,7 @@ void addObjectType(pybind11::module_& module) {
   static PyMethodDef methods[] = {
       {"__reduce_ex__", refuseReduction, METH_O, "Raises TypeError: host objects are not copied."},
       {nullptr, nullptr, 0, nullptr}};
-  static char doc[] = "Base of the classes that stand for host classes.";
+  static char doc[] = "Base of the classes made for host classes.";
   static PyType_Slot slots[] = {{Py_tp_doc, doc},
                                 {Py_tp_new, reinterpret_cast<void*>(&construct)},
                                 {Py_tp_traverse, reinterpret_cast<void*>(&traverse)},

@@ -1,4 +1,4 @@
-// The areas that the native part consists of; each adds its classes or operations to the module.
+// The areas of the native module; each adds its classes or operations.
 #ifndef ORV_BINDINGS_HPP
 #define ORV_BINDINGS_HPP
 

@@ -12,7 +12,7 @@ void raiseDiagnostic(const orbel::HostException& diagnostic) {
 }
 
 void bindErrors() {
-  // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 asks for
+  // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 requires
   pybind11::register_local_exception_translator([](std::exception_ptr error) {
     try {
       if (error) std::rethrow_exception(error);

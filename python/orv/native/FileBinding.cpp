@@ -92,7 +92,8 @@ std::string classOf(PackagedFiles& files, int index) {
   return name.substr(name.find('.') + 1);
 }
 
-// What orbel.wrap() makes a host handle of. It owns nothing: the repository must stay alive.
+// The object that orbel.wrap() makes a host handle of. It owns nothing: the repository must outlive
+// it.
 py::capsule handle(PackagedFiles& files) {
   return py::capsule(static_cast<orbel::HandleBase*>(&files.repository), "orbel.HandleBase");
 }

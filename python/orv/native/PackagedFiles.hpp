@@ -10,8 +10,8 @@
 
 namespace orv {
 
-// The repository of one run with its packaging manager, which goes first. Everything in Python that
-// refers to a file holds this object alive.
+// The repository of one run with its packaging manager, which is destroyed first. Every Python
+// object that refers to a file keeps this object alive.
 struct PackagedFiles {
   Varn::FileRepOrvBridge& bridge() { return repository.orvBridge(); }
   Varn::VarnFile& file(int index) { return bridge().getFileFromIndex(index); }

@@ -8,12 +8,12 @@
 
 namespace orv {
 
-// The UTF-8 form of a Python text, good as long as the text lives; a NUL follows its end. Throws
+// The UTF-8 form of a Python text, valid until the text is destroyed and followed by a NUL. Throws
 // pybind11::type_error naming `what` for anything but a text, and pybind11::value_error for a text
 // with a lone surrogate, which has no UTF-8 form.
 std::string_view utf8(pybind11::handle text, const char* what);
 
-// utf8(), for what the library keeps as a C string: refuses a NUL, which would cut it short.
+// utf8(), for text that the library stores as a C string: refuses a NUL, which would truncate it.
 std::string_view utf8WithoutNul(pybind11::handle text, const char* what);
 std::string textArgument(pybind11::handle text, const char* what);
 

@@ -1,4 +1,4 @@
-// A program that has nothing but the installed package.
+// A program that uses the installed package only.
 
 #include <cstdio>
 

@@ -52,7 +52,7 @@ class Item : public orbel::HandleBase {
   bool hidden_ = false;
 };
 
-// Larger than what the host offers as storage.
+// Larger than the storage that the host provides.
 class Box : public Item {
  public:
   using Item::Item;

@@ -69,7 +69,7 @@ bool isIdentifier(std::string_view name) {
   return !name.empty() && isLetter(name[0]) && std::all_of(name.begin(), name.end(), isPart);
 }
 
-// A stream that collects what is written to it.
+// A stream that writes to memory.
 class MemoryStream {
  public:
   MemoryStream() : stream_(open_memstream(&characters_, &size_)) {

@@ -55,7 +55,7 @@ bool isHeader(const Varn::VarnFile& file);
 // guarded by it: the guard opens before the first section that is not the banner and closes at the
 // end. The blank line that an includes section begins with is left out on top of a file. With
 // `blankLines`, sections are apart by a blank line at least. A text file is its one section as it
-// is. Custom sections that nobody has placed are placed.
+// is. Custom sections that were not placed are appended.
 //
 // Throws pybind11::value_error for a DefinedMacro that is no identifier and for a section with text
 // that the order or a text file leaves out.

@@ -59,7 +59,7 @@ class Bytes {
   Py_buffer buffer_{};
 };
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 asks for
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 requires
 void translateOutputErrors(std::exception_ptr error) {
   try {
     if (error) std::rethrow_exception(error);

@@ -9,7 +9,7 @@
 
 namespace orv {
 
-// What the system said about a path.
+// The system's error for a path.
 class SystemError : public std::system_error {
  public:
   SystemError(int reason, const std::string& path)

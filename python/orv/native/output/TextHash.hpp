@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#define XXH_INLINE_ALL  // NOLINT: how the header is asked for code that needs no library
+#define XXH_INLINE_ALL  // NOLINT: makes the header self-contained, without a library
 #include <xxhash.h>
 
 namespace orv {

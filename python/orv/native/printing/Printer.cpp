@@ -11,7 +11,7 @@
 namespace orv {
 namespace {
 
-// Above this size the memory of a closed body is given back.
+// The buffer of a closed body is freed above this size.
 constexpr std::size_t largestKept = std::size_t{1} << 20;
 
 // The body's text with every custom section in its place.

@@ -16,9 +16,9 @@
 
 namespace orv {
 
-// What is printed between an opening and its end, with the place that it goes to.
+// The text printed between an opening tag and its end, with its destination.
 struct Body {
-  // Outside holds nothing: what is printed there belongs to no section. The text of fill and
+  // Outside holds no text: text there belongs to no section. The text of fill and
   // capture becomes a value again, that of indent goes to the body below, all other text to a file.
   enum class Kind { outside, section, function, fill, capture, indent };
 
@@ -45,8 +45,8 @@ struct Body {
   std::vector<Placement> placements;
 };
 
-// Takes what templates print, in the order in which they print it, and puts it into the sections of
-// files. It has a stack of bodies; text goes to the top one. A body is committed when it is closed:
+// Appends the text that templates print, in order, to the sections of files. It has a stack of
+// bodies; text goes to the top one. A body is committed when it is closed:
 // a section's text is added in one piece, a function whole.
 //
 // A body with placements is kept back, and so is everything that is committed to the same section
