@@ -11,7 +11,9 @@ using Varn::VarnFileSectionKind;
 
 bool hasBridgeName(VarnFileSectionKind kind) { return kind != Varn::FORWARD_DECLS_SECTION; }
 
-const std::string& bridgeName(VarnFileSectionKind kind) { return sectionNames()[kind]; }
+const std::string& bridgeName(VarnFileSectionKind kind) {
+  return sectionNames()[static_cast<std::size_t>(kind)];
+}
 
 }  // namespace
 
