@@ -79,6 +79,7 @@ class Events {
   Events(std::string_view text, const json::StringStream& stream, ModelBuilder& builder)
       : text_(text), lines_(text), stream_(stream), builder_(builder) {}
 
+  // NOLINTBEGIN(readability-identifier-naming): the names that the parser calls
   bool Null() { return scalar(py::none()); }
   bool Bool(bool value) { return scalar(py::bool_(value)); }
   bool Int(int value) { return scalar(py::int_(value)); }
@@ -122,6 +123,7 @@ class Events {
   bool EndArray(json::SizeType /*count*/) { return end(); }
   // Never called, but part of the parser's interface.
   bool RawNumber(const char* /*digits*/, json::SizeType /*size*/, bool /*copy*/) { return false; }
+  // NOLINTEND(readability-identifier-naming)
 
  private:
   Location here() { return lines_.at(stream_.Tell()); }

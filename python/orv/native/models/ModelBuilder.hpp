@@ -24,6 +24,7 @@ class ModelBuilder {
  public:
   // Records where values are written in `places`, unless it is null. `file` is of that table.
   ModelBuilder(Places* places, std::uint32_t file) : places_(places), file_(file) {}
+  ~ModelBuilder() = default;
   ModelBuilder(const ModelBuilder&) = delete;
   ModelBuilder& operator=(const ModelBuilder&) = delete;
 

@@ -210,12 +210,12 @@ std::optional<std::uint32_t> Places::positionOf(std::uint32_t record, py::handle
 
 Places::Place Places::entryPlace(const Record& record, std::uint32_t position) const {
   const unsigned char* entries = entries_.data() + record.entries;
+  const std::size_t first = 2 * std::size_t{position};
   Place place = record.place;
   if (record.width == Width::byte) {
     place.line += entries[position];
   } else if (record.width == Width::word) {
-    place.line +=
-        static_cast<std::uint32_t>(entries[2 * position] << 8 | entries[2 * position + 1]);
+    place.line += static_cast<std::uint32_t>(entries[first] << 8 | entries[first + 1]);
   } else if (record.width == Width::place) {
     std::memcpy(&place, entries + position * sizeof place, sizeof place);
   }

@@ -36,6 +36,7 @@ class Places {
   };
 
   Places() = default;
+  ~Places() = default;
   Places(const Places&) = delete;
   Places& operator=(const Places&) = delete;
 
