@@ -158,7 +158,7 @@ class Outputs:
         if self._state is not None and settled.before.intent:
             self._state.save(settled.before)
         writer.write(self._files, wrote)
-        writer.remove(settled.removed, settled.before.folders)
+        writer.remove(settled.removed, settled.before.folders - settled.after.folders)
         is_new = settled.after != self._known or self._known.was_interrupted
         if self._state is not None and (settled.before.intent or is_new):
             self._state.save(settled.after)

@@ -10,7 +10,7 @@ from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
 from orv.output.folder import reason, shown
-from orv.output.plan import PlannedFile, State, folders_of
+from orv.output.plan import PlannedFile, State
 
 
 class Writer:
@@ -60,20 +60,16 @@ class Writer:
                 self._folder.remove_abandoned(folder)
 
     def remove(self, locations: Iterable[str], folders: Iterable[str]) -> None:
-        """Remove files, and those of `folders`, which runs have made, that are empty then.
-
-        Raises OutputError.
-        """
-        empty = set(folders)
+        """Remove files, and those of `folders` that are empty then. Raises OutputError."""
         for location in locations:
             try:
                 self._folder.remove(location)
             except OSError as error:
                 name = shown(self._folder, location)
                 raise OutputError(f"{name} cannot be removed: {reason(error)}") from error
-            for folder in folders_of(location):
-                if folder not in empty or not self._folder.remove_folder(folder):
-                    break
+        # A folder comes after those below it.
+        for folder in sorted(folders, reverse=True):
+            self._folder.remove_folder(folder)
 
     def _set_modes(self, files: Sequence[PlannedFile]) -> None:
         if self._mode is None:
