@@ -10,7 +10,7 @@ PLACE = re.compile(r"([^\n:]+):(\d+)(?::\d+)?: ")
 
 
 class OrvError(Exception):
-    """A failure that the user can do something about. Its text stands on its own."""
+    """A failure that the user can do something about. Its text needs no context."""
 
 
 class Misuse(OrvError):
@@ -51,7 +51,7 @@ class OutputError(OrvError):
 
 
 def ignore(_: str) -> None:
-    """A listener that drops what it hears."""
+    """A listener that ignores its text."""
 
 
 class Messages:
@@ -69,7 +69,7 @@ class Messages:
         self.debug = debug
 
     def warn(self, text: str, place: object | None = None) -> None:
-        """Report `text`, about what stands at `place` (None: the place is found by the caller)."""
+        """Report `text`, about what is at `place` (None: the caller finds the place)."""
         if self.strict:
             raise OrvError(text) if place is None else Located(f"{place}: {text}")
         self._listener(text if place is None else f"{place}: {text}")

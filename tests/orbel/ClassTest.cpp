@@ -190,6 +190,7 @@ TEST(Class, AHandleGivesItsObjectWhileItLives) {
   {
     sample::Box library("b");
     first = library.add("x").toHostValue();
+    EXPECT_EQ(call("first", {library.toHostValue()}), first);
     EXPECT_EQ(orbel::HandleBase::fromHostValue(first, "Sample.Item"), &library.first());
     EXPECT_EQ(orbel::HandleBase::fromHostValue(library.toHostValue(), "Sample.Item"), &library);
     EXPECT_EQ(orbel::HandleBase::fromHostValue(first, "Sample.Box"), nullptr);

@@ -303,7 +303,7 @@ SCRIPT_FAILURES = {
     "from orv.errors import OrvError; raise OrvError('no')": "s.py:3: no",
     "raise GeneratorExit": "s.py:3: GeneratorExit: ",
     "sys.path.clear(); 1 / 0": "s.py:3: ZeroDivisionError: division by zero",
-    "sys.stdout.close()": "s.py: the script closed the standard output or error",
+    "sys.stdout.close()": "error: s.py: the script closed the standard output or error",
 }
 
 
@@ -327,7 +327,7 @@ def test_scripts(orv: Command, tmp_path: Path) -> None:
     for end, message in SCRIPT_FAILURES.items():
         failing = orv(*run, "--set", "start=9", s__py=f"import sys\n\n{end}\n")
         assert (failing.returncode, failing.stdout) == (1, "")
-        assert failing.stderr == f"error: {message}\n"
+        assert failing.stderr == f"{message}\n"
     unloading = orv(*run, "--script", "s.py", s__py="import orbel\norbel.unload(Varn)\n")
     assert unloading.stderr.startswith("error: scripts cannot reach the files: The module ")
     assert "return 1;" in (tmp_path / "out/src/count.c").read_text()

@@ -9,7 +9,7 @@ from orv.errors import PLACE
 
 
 def say(text: str, options: MessageOptions) -> None:
-    """Say `text` to those who want to hear everything."""
+    """Print `text` with --verbose."""
     if options.verbose:
         print(text, file=sys.stderr)
 

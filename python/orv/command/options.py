@@ -100,7 +100,7 @@ class TemplateOptions:
     template: list[str] = operands(file("TEMPLATE"), "a template; others are looked for beside it")
     templates: list[str] = values(folder("DIR"), "look for templates here too")
     delimiters: tuple[str, ...] | None = value(
-        DELIMITERS, "what tags, values and comments stand between, instead of '{% %} {{ }} {# #}'"
+        DELIMITERS, "the delimiters of tags, values and comments, instead of '{% %} {{ }} {# #}'"
     )
 
 

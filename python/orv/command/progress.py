@@ -12,7 +12,7 @@ _DELAY = 1.0
 
 @contextmanager
 def progress(what: str, total: int | None, quiet: bool) -> Iterator[Callable[[], None] | None]:
-    """What to call at each step; None when nobody is looking."""
+    """What to call at each step; None when stderr is not a terminal."""
     if quiet or not sys.stderr.isatty():
         yield None
         return

@@ -33,7 +33,7 @@ class Placement(NamedTuple):
 class CustomSections:
     """All custom sections of a run, by file and name.
 
-    Text for a section that nobody has declared yet is kept until somebody does.
+    Text for a section that is not declared yet is kept until it is.
     """
 
     def __init__(self, repository: _native.Repository, messages: Messages) -> None:
@@ -76,7 +76,7 @@ class CustomSections:
             section.early_text.append(text)
 
     def mark_in_use(self, file: int, name: str) -> None:
-        """Say that the templates see to the custom section themselves."""
+        """Mark the custom section as placed by the templates themselves."""
         self._repository.mark_custom_in_use(file, name)
         section = self._section(file, name)
         section.in_use = section.in_use or here()
@@ -117,7 +117,7 @@ class CustomSections:
             )
 
     def report_never_placed(self) -> None:
-        """Report the custom sections whose text goes nowhere."""
+        """Report the custom sections whose text is never placed."""
         for (file, name), section in self._sections.items():
             if section.first_fill is None or section.placed:
                 continue

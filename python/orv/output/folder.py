@@ -44,7 +44,7 @@ def lock(
 ) -> None:
     """Lock the folder for readers or one writer, until the process ends or the folder is dropped.
 
-    While another run holds it, wait at most `timeout` seconds; `waiting` hears of that once. Raises
+    While another run holds it, wait at most `timeout` seconds; `waiting` is called once. Raises
     OutputError when the time is over. On file systems without locks nothing is locked.
     """
     end = time.monotonic() + timeout

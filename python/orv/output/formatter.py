@@ -28,7 +28,7 @@ _LONGEST_COMPLAINT = 2000
 class Formatter:
     """Runs a command for each text, which it gets on standard input and prints on standard output.
 
-    In the words of the command, `{path}` stands for the path of the file. Results are kept in the
+    `{path}` in the command is replaced by the path of the file. Results are kept in the
     user's cache folder, by the text, the command, its program, the files that it names and the
     style files.
     """

@@ -24,7 +24,7 @@ class Writer:
     def write(
         self, files: Sequence[PlannedFile], wrote: Callable[[PlannedFile], None] = lambda _: None
     ) -> None:
-        """Write the files that differ; `wrote` hears of each.
+        """Write the files that differ; `wrote` is called for each.
 
         Raises OutputError, which says for every file whether it is old or new, when one cannot be
         written.

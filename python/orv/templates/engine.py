@@ -23,7 +23,7 @@ class RecordingLoader(BaseLoader):
     """Loads templates from folders and adds the files that it has read to `files`."""
 
     def __init__(self, folders: Sequence[str], files: list[str]) -> None:
-        # A byte order mark is none of the template's text.
+        # A byte order mark is not part of the template's text.
         self._loader = FileSystemLoader(folders, encoding="utf-8-sig")
         self.folders = list(folders)
         self._files = files
@@ -66,7 +66,7 @@ def render(
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
     `step` is called each time a template opens a file; `places` knows where the model's values were
-    written. Raises TemplateError, whose text begins with the line that is to blame.
+    written. Raises TemplateError, whose text begins with the line at fault.
     """
     run = Run(messages, text_of, refuse_outside, step)
     for source in sources:

@@ -26,7 +26,7 @@ _INSTEAD: dict[type, str] = {
 def text_of(value: object) -> str:
     """The text that is printed for a value, also by `~`.
 
-    Raises OrvError for one that C has no use for, or whose text tells only where it lies in memory.
+    Raises OrvError for one that C has no use for, or whose text would be its address.
     Texts and numbers need not come here; everything else that reaches an output does.
     """
     instead = _INSTEAD.get(type(value))
@@ -47,7 +47,7 @@ def outside_text(text: str) -> str:
     """The complaint about text that belongs to no section."""
     line, *more = text.strip().splitlines()
     shown = line[:60] + ("..." if more or len(line) > 60 else "")
-    return f'this text stands outside every section: "{shown}"; put it between' + (
+    return f'this text is outside every section: "{shown}"; put it between' + (
         " {% section %} and {% endsection %}"
     )
 

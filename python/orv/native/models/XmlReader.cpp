@@ -41,7 +41,7 @@ XmlReader::XmlReader(XmlDocument& document)
 void XmlReader::read(std::string_view text) {
   if (text.size() > largestDocument) throw ModelError({}, "the document is larger than 1 GiB");
   text_ = text;
-  // The parser takes a reference to an external subset as leave to drop entities that nobody
+  // The parser takes a reference to an external subset as permission to drop entities that nobody
   // declares. It gets to see blanks instead.
   const ExternalId id = externalIdOf(text);
   parse(text.substr(0, id.begin), false);

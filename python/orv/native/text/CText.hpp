@@ -15,7 +15,7 @@ std::string cString(std::string_view text);
 // A character constant. `character` is below 128.
 std::string cCharacter(char character);
 
-// The text as it can stand in a comment of either kind, line by line: without the ends and
+// The text as it can be written in a comment of either kind, line by line: without the ends and
 // beginnings of comments, lines that a backslash joins to the next, and characters that change the
 // direction of what follows. Line endings become '\n'.
 std::string cComment(std::string_view text);
