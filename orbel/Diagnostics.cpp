@@ -48,7 +48,7 @@ struct HostException::Content {
   std::size_t message;
 };
 
-HostException::HostException(MessageRecord record, std::string text) {
+HostException::HostException(MessageRecord record, const std::string& text) {
   std::string what = fullId(record) + ": ";
   const std::size_t message = what.size();
   what += text;

@@ -36,7 +36,7 @@ class ORBEL_EXPORT MessageRecord {
 // A diagnostic as it unwinds to the script or the engine that made the failing call.
 class ORBEL_EXPORT HostException : public std::exception {
  public:
-  HostException(MessageRecord record, std::string text);
+  HostException(MessageRecord record, const std::string& text);
   HostException(const HostException&) noexcept = default;
   HostException& operator=(const HostException&) noexcept = default;
   ~HostException() override;
