@@ -22,24 +22,38 @@ _STANDARD_LIBRARY = tuple(sysconfig.get_path(name) + os.sep for name in ("stdlib
 def surroundings_kept(path: str) -> Iterator[None]:
     """Undo what the file does to the process: where it is, finds modules and prints.
 
-    The file's folder is where modules are looked for first. Those found there leave no compiled
-    file behind, are dependencies of the run, and are not seen by files of other folders.
+    The file's folder is where modules are looked for first. Those found there are dependencies of
+    the run and are not seen by files of other folders.
     """
-    kept = sys.path, sys.dont_write_bytecode, sys.stdout, sys.stderr
+    with imports_recorded():
+        kept = sys.path, sys.stdout, sys.stderr
+        folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
+        sys.path = [os.path.dirname(os.path.abspath(path)), *sys.path]
+        try:
+            yield
+        finally:
+            sys.path, *streams = kept
+            sys.stdout, sys.stderr = (open(os.devnull, "w") if s.closed else s for s in streams)
+            os.fchdir(folder)
+            os.close(folder)
+    if any(stream.closed for stream in streams):
+        raise ScriptError(f"{path}: the script closed the standard output or error")
+
+
+@contextmanager
+def imports_recorded() -> Iterator[None]:
+    """Make the user's modules that are imported from now on dependencies of the run.
+
+    They leave no compiled file behind, and are forgotten at the end.
+    """
+    writes_nothing = sys.dont_write_bytecode
     modules = set(sys.modules)
-    folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
-    sys.path = [os.path.dirname(os.path.abspath(path)), *sys.path]
     sys.dont_write_bytecode = True
     try:
         yield
     finally:
-        sys.path, sys.dont_write_bytecode, *streams = kept
-        sys.stdout, sys.stderr = (open(os.devnull, "w") if s.closed else s for s in streams)
-        os.fchdir(folder)
-        os.close(folder)
+        sys.dont_write_bytecode = writes_nothing
         _forget(set(sys.modules) - modules)
-    if any(stream.closed for stream in streams):
-        raise ScriptError(f"{path}: the script closed the standard output or error")
 
 
 def failure(path: str, error: BaseException) -> str:

@@ -83,7 +83,9 @@ def test_check_diff_and_dry_run_write_nothing(orv: Command, tmp_path: Path) -> N
 
 def test_manifest(orv: Command, tmp_path: Path) -> None:
     run = ("generate", "t.j2", "--model", "m.json", "--out", "out", "--manifest", "man.json")
-    assert orv(*run, t__j2=TEMPLATE, m__json=MODEL).returncode == 0
+    outputs = ("--outputs", "paths")
+    assert orv(*run, *outputs, t__j2=TEMPLATE, m__json=MODEL).returncode == 0
+    assert (tmp_path / "paths").read_text() == "out/count.h\nout/src/count.c\n"
     first = (tmp_path / "man.json").read_bytes()
     files = json.loads(first)["files"]
     assert [(file["path"], file["empty"]) for file in files] == [
@@ -133,6 +135,10 @@ OVERLAPS = {
     " each other",
     "--stamp out/.orv-state.json": 'the stamp "out/.orv-state.json" would take the place of'
     ' the state file "out/.orv-state.json"',
+    "--outputs out/a.c --expect ./a.c": 'the list of outputs "out/a.c" would take the place of the'
+    ' file "out/a.c"',
+    "--expect b.c": "nothing was written\na.c is made, but no --expect names it\n"
+    "b.c is not made, but --expect names it",
     "--manifest .": ". is a folder; a report is a file",
     "--manifest t.j2/m": 'the manifest "t.j2/m" cannot be written: Not a directory',
     "--out .": 't.j2:1: the file "t.j2" would take the place of "t.j2", which was read',
@@ -201,6 +207,9 @@ def test_depfile_is_understood_by_make_and_ninja(orv: Command, tmp_path: Path) -
     refused = orv(*run, "--model", "\n.json", **{"\n__json": "{}"})
     assert refused.returncode == 1 and "holds a control character" in refused.stderr
     assert not (tmp_path / "d").exists() and not (tmp_path / "out/a b.s").stat().st_size
+    orv(*run, "--depfile-target", f"{tmp_path}/t")
+    whole = text.replace("out/a\\ b.s", "t").replace("  ", f"  {tmp_path}/")
+    assert (tmp_path / "d").read_text() == f"{tmp_path}/{whole}"
     orv(*run)
     assert (tmp_path / "d").read_text() == text
     rule = "touch 'out/a b.s' && echo ran >> log"

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 from pathlib import Path
 
 import pytest
@@ -16,6 +17,7 @@ import helpers
 
 @orv.filter
 def member(name: str) -> str:
+    import late
     return helpers.PREFIX + name
 
 @orv.test("paired")
@@ -44,7 +46,7 @@ def reverse(model: orv.Model) -> orv.Model:
     return model
 """
 TEMPLATE = """\
-{{ depends("t.j2") }}{{ debug(fields) }}
+{{ depends("./t.j2") }}{{ debug(fields) }}
 {% file "a.c" %}{% section "Enums" %}
 {% for f in fields %}{{ f | member }} {{ "x" | counted }} {{ 'e' if loop.index is paired }} {% endfor %}
 {{ count(step=5) }}{% endsection %}{% endfile %}
@@ -55,15 +57,19 @@ def test_extensions(orv: Command, tmp_path: Path) -> None:
     (tmp_path / "other").mkdir()
     (tmp_path / "other" / "helpers.py").write_text('PREFIX = "other"\n')
     (tmp_path / "other" / "e.py").write_text("import helpers\nassert helpers.PREFIX == 'other'\n")
+    (tmp_path / "lib").mkdir()
+    (tmp_path / "lib" / "late.py").write_text("")
     done = orv(
         "generate", "t.j2", "--extend", "other/e.py", "--extend", "e.py", "--out", "out",
-        "--depfile", "/dev/stdout", "--depfile-target", "out/a.c", "--quiet",
-        t__j2=TEMPLATE,
+        "--depfile", "/dev/stdout", "--depfile-target", "out/a.c", "--quiet", "--script", "s.py",
+        env={"PYTHONPATH": f"{tmp_path / 'lib'}{os.pathsep}{os.environ.get('PYTHONPATH', '')}"},
+        t__j2=TEMPLATE, s__py="import shown\ndepends('s.txt')\n", shown__py="", s__txt="",
         e__py=EXTENSION, helpers__py='PREFIX = "m_"\n', data__txt="",
     )  # fmt: skip
     assert (done.returncode, done.stderr) == (0, "debug: t.j2:1: ['b', 'a']\n")
     assert (tmp_path / "out" / "a.c").read_text() == "m_b x1  m_a x2 e 7\n"
-    read = ["data.txt", "e.py", "helpers.py", "other/e.py", "other/helpers.py", "t.j2"]
+    read = ["data.txt", "e.py", "helpers.py", "lib/late.py", "other/e.py", "other/helpers.py",
+            "s.py", "s.txt", "shown.py", "t.j2"]  # fmt: skip
     assert done.stdout == "out/a.c: \\\n  " + " \\\n  ".join(read) + "\n"
     assert not list(tmp_path.rglob("__pycache__"))
 

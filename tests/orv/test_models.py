@@ -325,14 +325,16 @@ def test_sources_that_do_not_go_together(
 def test_patterns_and_standard_input(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.chdir(tmp_path)
     (tmp_path / "d").mkdir()
+    (tmp_path / "e" / "f").mkdir(parents=True)
     for name, text in {"d/b.c.json": "{}", "d/a.xml": "<r/>", "[x].json": "[1]"}.items():
         write(tmp_path, name, text)
     monkeypatch.setattr("sys.stdin", TextIOWrapper(BytesIO(b"a,b\n1,2\n")))
-    sources = ["m=d/*", "in=-:csv", "x=[x].json"]
+    sources = ["m=d/*", "in=-:csv", "x=[x].json", "n=**/b*.json"]
     model, places, files, folders = build_model(map(ModelSource.parse, sources), [])
     assert list(model["m"]) == ["a", "b.c"] and model["m"]["a"]["r"].tag == "r"
     assert (model["in"], model["x"]) == ([{"a": "1", "b": "2"}], [1])
-    assert (files, folders) == (["d/a.xml", "d/b.c.json", "[x].json"], ["d"])
+    assert files == ["d/a.xml", "d/b.c.json", "[x].json", "d/b.c.json"]
+    assert folders == ["d", ".", "e", "e/f"]
     assert places.place_of(model["in"][0], "a") == "<stdin>:2"
 
 

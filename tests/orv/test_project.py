@@ -56,7 +56,7 @@ MISTAKES: dict[str, str | tuple[str, str]] = {
     "orv.toml:2: Invalid value": "[run.a]\nset = [\n",
     'orv.toml:4: the key "modle": there is no such option; did you mean "model"?':
         RUN + "modle = 1\n",
-    'orv.toml:6: the key "project": there is no such option':
+    'orv.toml:6: the key "project": there is no such option; did you mean "expect"?':
         RUN + 'set = [\n"x=1"]\nproject = "x"\n',
     'orv.toml:1: the key "out" belongs below [run.NAME]': 'out = "x"\n',
     'orv.toml:3: the key "runs" is unknown': "\n# runs\nruns = 1\n",

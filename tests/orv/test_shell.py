@@ -19,7 +19,7 @@ SHARE = PACKAGE.parents[1] / "share"
 # What a shell offers for the last word of a command line.
 COMPLETIONS = {
     "orv gen": "generate",
-    "orv generate --ou": "--out",
+    "orv generate --ou": "--out --outputs",
     "orv generate --out ''": "folder",
     "orv generate --check ''": "folder main.j2",
     "orv generate --model x = m": "main.j2",

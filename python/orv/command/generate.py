@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Sequence
+from contextlib import ExitStack
 from typing import Any
 
 from orv.command.console import debug, say, warn
@@ -46,7 +47,11 @@ def generate(options: GenerateOptions) -> Outcome:
 
 def render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
     """Render and run the scripts. Returns the run and the paths of what it has read."""
-    with recorded() as dependencies:
+    with recorded() as dependencies, ExitStack() as imports:
+        if options.extend or options.script:
+            from orv.pythonfiles import imports_recorded
+
+            imports.enter_context(imports_recorded())
         run, sources = _render_run(options)
     run.dependencies = dependencies
     return run, sources

@@ -7,8 +7,8 @@ from typing import Any
 
 from orv.command.generate import render_run
 from orv.command.runs import requested_runs
-from orv.output.folder import open_folder, shown
-from orv.output.plan import plan
+from orv.output.folder import open_folder
+from orv.output.plan import plan, shown_paths
 
 
 def run(given: dict[str, Any]) -> int:
@@ -18,8 +18,7 @@ def run(given: dict[str, Any]) -> int:
     for options in requested_runs(given):
         rendered, _ = render_run(options)
         folder = open_folder(options.out)
-        files = plan(rendered, folder)
-        paths |= {shown(folder, file.path) for file in files if not file.is_empty}
+        paths.update(shown_paths(plan(rendered, folder)))
     if as_json:
         print(json.dumps(sorted(paths), indent=2))
     else:

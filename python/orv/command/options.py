@@ -134,6 +134,14 @@ class OutputOptions(OutputFolderOptions):
     depfile_target: str | None = value(text("NAME"), "the target of the depfile")
     stamp: str | None = value(file("FILE"), "write this file last, when all went well")
     manifest: str | None = value(file("FILE.json"), "write what the run made, for other programs")
+    outputs: str | None = value(
+        file("FILE"), "write the paths of the run's files, as list-outputs prints them"
+    )
+    expect: list[str] = values(
+        text("PATH"),
+        "a file that the run makes, from DIR; if any is given, a run that does not make exactly"
+        " these fails",
+    )
     check: bool = flag("write nothing; end with 1 when a file differs", exclusive="mode")
     dry_run: bool = flag("write nothing; list what would be written", exclusive="mode")
     diff: bool = flag("write nothing; show what would change")

@@ -14,10 +14,11 @@ from orv.errors import OutputError
 from orv.files.run import Run
 from orv.output import reports
 from orv.output.depfile import depfile
+from orv.output.expected import require_expected
 from orv.output.folder import lock, make_folder, open_folder, shown
 from orv.output.layout import Layout
 from orv.output.ownership import Policy, Settlement, require_writable, settle
-from orv.output.plan import PlannedFile, State, compare, plan, real_path
+from orv.output.plan import PlannedFile, State, compare, plan, real_path, shown_paths
 from orv.output.state import FolderState, StateFile
 from orv.output.writer import Writer
 
@@ -48,6 +49,7 @@ class Outputs:
         )
         self._policy = Policy(options.run_name or "", options.edited, options.stale, options.adopt)
         self._files = plan(run, self._folder, _layout(options))
+        require_expected(self._files, options.expect)
         self._settle()
 
     def finish(self) -> Outcome:
@@ -94,6 +96,10 @@ class Outputs:
 
             data = manifest(self._run, self._files)
             wanted.append(reports.Report("manifest", options.manifest, data))
+        if options.outputs is not None:
+            text = "".join(f"{path}\n" for path in shown_paths(self._files))
+            data = text.encode("utf-8", "surrogateescape")
+            wanted.append(reports.Report("list of outputs", options.outputs, data))
         if options.depfile is not None:
             target = options.depfile_target or options.stamp or ""
             wanted.append(
@@ -107,7 +113,9 @@ class Outputs:
         """What the run read and what it says it depends on, without its own outputs."""
         made = {real_path(self._folder, file.location) for file in self._files}
         named = [path for path in self._run.dependencies if os.path.realpath(path) not in made]
-        return [*self._sources, *named]
+        # A file that is named in several ways is one dependency.
+        paths = {os.path.abspath(path): path for path in [*named, *self._sources]}
+        return list(paths.values())
 
     def _taken(self) -> dict[str, str]:
         """What the run reads and the files it makes, by their real paths."""

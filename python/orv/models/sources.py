@@ -96,8 +96,7 @@ class Reader:
         paths = sorted(glob.glob(pattern, recursive=True))
         if not paths:
             raise ModelError(f"{pattern}: no file has such a name")
-        folders = {os.path.dirname(path) or "." for path in paths}
-        self.folders += sorted(folders - set(self.folders))
+        self.folders += sorted(_folders_of(pattern) - set(self.folders))
         models: dict[str, object] = {}
         by_stem: dict[str, str] = {}
         for path in paths:
@@ -116,3 +115,14 @@ class Reader:
         if len(warnings) > _MOST_WARNINGS:
             self._warn(f"{label}: {len(warnings) - _MOST_WARNINGS} more numbers like these")
         return model
+
+
+def _folders_of(pattern: str) -> set[str]:
+    """The folders that are looked in: one of them changes when another file would be found."""
+    folders: set[str] = set()
+    head = pattern
+    while glob.has_magic(head):
+        head = os.path.dirname(head)
+        found = glob.iglob(os.path.join(head, ""), recursive=True) if head else ["."]
+        folders.update(os.path.normpath(path) for path in found)
+    return folders

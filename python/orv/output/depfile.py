@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 from collections.abc import Iterable
 
 from orv.errors import OutputError
@@ -10,8 +11,11 @@ from orv.errors import OutputError
 def depfile(target: str, sources: Iterable[str]) -> bytes:
     """One rule without commands: the target depends on the sources, which are sorted.
 
-    Raises OutputError for a path with a control character, which the rule cannot hold.
+    The paths of the sources are absolute if the target is, for a build system that has another
+    working directory. Raises OutputError for a path with a control character, which the rule cannot hold.
     """
+    if os.path.isabs(target):
+        sources = map(os.path.abspath, sources)
     right = "".join(f" \\\n  {_escaped(path)}" for path in sorted(set(sources)))
     return f"{_escaped(target)}:{right}\n".encode("utf-8", "surrogateescape")
 

@@ -123,6 +123,11 @@ def compare(files: Plan, run: Run) -> None:
     _refuse_files_as_folders(owners, run)
 
 
+def shown_paths(files: Plan) -> list[str]:
+    """The paths of the files that have text, sorted, as messages show them."""
+    return sorted(shown(files.folder, file.path) for file in files if not file.is_empty)
+
+
 def real_path(folder: _native.OutputFolder, location: str) -> str:
     """The full path of a file, as Python's file functions take it."""
     return os.path.join(folder.real, os.fsdecode(location.encode("utf-8", "surrogateescape")))
