@@ -9,7 +9,8 @@ varn_install(dev libvarn-filepackaging-dev
 configure_package_config_file(
   cmake/varn_filepackagingConfig.cmake.in
   ${PROJECT_BINARY_DIR}/varn_filepackagingConfig.cmake
-  INSTALL_DESTINATION ${package_dir})
+  INSTALL_DESTINATION ${package_dir}
+  PATH_VARS CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(
   ${PROJECT_BINARY_DIR}/varn_filepackagingConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
@@ -17,6 +18,7 @@ varn_install(dev libvarn-filepackaging-dev
   FILES
     ${PROJECT_BINARY_DIR}/varn_filepackagingConfig.cmake
     ${PROJECT_BINARY_DIR}/varn_filepackagingConfigVersion.cmake
+    cmake/OrvGenerate.cmake
   DESTINATION ${package_dir})
 
 # The prefix is where the file lies, so that it may be moved.

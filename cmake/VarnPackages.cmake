@@ -93,7 +93,8 @@ varn_debian_package(libvarn-filepackaging-dev libdevel
   "packages generated C text into files (development)"
   "The headers, the CMake package and the pkg-config file of the library that\n\
 packages generated C text into files, section by section."
-  SAME_VERSION libvarn-filepackaging1 liborbel-dev)
+  SAME_VERSION libvarn-filepackaging1 liborbel-dev
+  RECOMMENDS "orv (= ${PROJECT_VERSION})")
 if(NOT VARN_PYTHON_PACKAGES)
   include(CPack)
   return()
