@@ -1,6 +1,7 @@
 #include "varn/VarnFilePackagingOrvBridge.hpp"
 
 #include <cassert>
+#include <optional>
 
 #include <varn/VarnFileRepository.hpp>
 
@@ -78,9 +79,14 @@ void VarnFilePackagingOrvBridge::constructDefaultFilePackagingTable() {
 
 std::size_t VarnFilePackagingOrvBridge::getFileRecIndexForKey(const std::string& key) {
   const std::string& fileName = packagingTable_[key].second;
+  // What may find no memory comes before the file is made: a new entry, and the error.
+  const AttributeSetter& setAttributes = attributeSetters_[key];
+  std::optional<boost::bad_function_call> error;
+  if (setAttributes.empty()) error.emplace();
   VarnFile* file = repository_->findFileByName(fileName);
   if (file == nullptr) file = &repository_->createGenericFile(fileName);
-  attributeSetters_[key](this, file);
+  if (error) throw *error;
+  setAttributes(this, file);
   return repository_->getFileList().size() - 1;
 }
 

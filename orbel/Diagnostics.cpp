@@ -35,6 +35,10 @@ HostText toHostText(const std::string& text) {
 
 }  // namespace
 
+MessageArgument::MessageArgument(const MessageArgument& source) : MessageArgument(0.0) {
+  *this = source;
+}
+
 MessageRecord::MessageRecord(std::string component, std::string identifier,
                              std::vector<MessageArgument> arguments)
     : arguments_(std::move(arguments)),

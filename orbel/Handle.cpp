@@ -5,12 +5,16 @@
 namespace orbel {
 
 boost::intrusive_ptr<ObjectIdentity> ObjectIdentity::of(HandleBase& object) {
-  if (object.identity_ == nullptr) {
-    boost::intrusive_ptr<ObjectIdentity> identity(new ObjectIdentity);
-    identity->attach(object);
-    return identity;
-  }
-  return object.identity_;
+  if (object.identity_ != nullptr) return object.identity_;
+  boost::intrusive_ptr<ObjectIdentity> identity = reserve();
+  identity->attach(object);
+  return identity;
+}
+
+boost::intrusive_ptr<ObjectIdentity> ObjectIdentity::reserve() { return new ObjectIdentity; }
+
+void ObjectIdentity::offerTo(HandleBase& object) {
+  if (object.identity_ == nullptr) attach(object);
 }
 
 ObjectIdentity::~ObjectIdentity() {

@@ -13,6 +13,7 @@
 #include <orbel/ClassInfo.hpp>
 #include <orbel/Conversion.hpp>
 #include <orbel/Export.hpp>
+#include <orbel/Handle.hpp>
 
 // Turns C++ callables into members that scripts use. Class definitions use HandleClass, which is
 // built on this.
@@ -58,6 +59,11 @@ struct InOrder {
   }
 };
 
+// Whether a result of the type R is an object, by reference.
+template <class R>
+constexpr bool isObjectReference =
+    std::is_lvalue_reference_v<R>&& std::is_base_of_v<HandleBase, std::decay_t<R>>;
+
 struct NoGuard {
   template <class... X>
   void operator()(const X&... /*ignored*/) const {}
@@ -87,6 +93,12 @@ class BoundMethod final : public Method {
       guard_(std::as_const(object), argument.get()...);
       if constexpr (std::is_void_v<R>) {
         std::invoke(function_, object, argument.get()...);
+      } else if constexpr (isObjectReference<R>) {
+        // The call may make the object: what its handle takes is allocated before.
+        const auto identity = ObjectIdentity::reserve();
+        R made = std::invoke(function_, object, argument.get()...);
+        identity->offerTo(made);
+        result = ResultFor<R>::toValue(made, signature().result());
       } else {
         result = ResultFor<R>::toValue(std::invoke(function_, object, argument.get()...),
                                        signature().result());

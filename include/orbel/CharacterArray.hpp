@@ -16,6 +16,13 @@ class ORBEL_EXPORT CharacterArray {
   CharacterArray() = default;
   explicit CharacterArray(std::string text) : text_(std::move(text)) {}
   explicit CharacterArray(std::u16string text) : text_(std::move(text)) {}
+  // The copy of std::variant has undefined behaviour where that of its text finds no memory
+  // (libstdc++ 12); its assignment copies the text first.
+  CharacterArray(const CharacterArray& source) : CharacterArray() { text_ = source.text_; }
+  CharacterArray(CharacterArray&&) noexcept = default;
+  CharacterArray& operator=(const CharacterArray&) = default;
+  CharacterArray& operator=(CharacterArray&&) noexcept = default;
+  ~CharacterArray() = default;
 
   std::string toText() const;
   std::u16string toText16() const;

@@ -12,7 +12,18 @@
 namespace orbel {
 
 // One value that a message mentions: a text or a number.
-using MessageArgument = std::variant<std::string, double>;
+//
+// Copied by a constructor of its own: where the copy of a text finds no memory, the one of
+// std::variant destroys a text that was never made (libstdc++ 12).
+class ORBEL_EXPORT MessageArgument : public std::variant<std::string, double> {
+ public:
+  using variant::variant;
+  MessageArgument(const MessageArgument& source);
+  MessageArgument(MessageArgument&&) noexcept = default;
+  MessageArgument& operator=(const MessageArgument&) = default;
+  MessageArgument& operator=(MessageArgument&&) noexcept = default;
+  ~MessageArgument() = default;
+};
 
 // A message without its text: the component that reports, the identifier of the message within that
 // component, and its arguments in the order that the text expects.

@@ -21,6 +21,11 @@ class ORBEL_EXPORT ObjectIdentity
   // The identity of `object`, made now if it has none yet.
   static boost::intrusive_ptr<ObjectIdentity> of(HandleBase& object);
 
+  // An identity for an object to come, so that showing that object does not allocate any more.
+  static boost::intrusive_ptr<ObjectIdentity> reserve();
+  // Makes this the identity of `object`, unless the object has one.
+  void offerTo(HandleBase& object);
+
   ObjectIdentity(const ObjectIdentity&) = delete;
   ObjectIdentity& operator=(const ObjectIdentity&) = delete;
   virtual ~ObjectIdentity();

@@ -9,6 +9,8 @@
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
+#include <orbel/Module.hpp>
+#include <orbel/ObjectSystem.hpp>
 #include <varn/varn_filepackaging.hpp>
 
 #include "support/Streams.hpp"
@@ -51,6 +53,15 @@ const char* const longText = "a text that is too long for a string to hold witho
 const std::vector<std::string> longNames{"s", longText};
 const std::vector<int> indices{2, 3, 4, 3};
 
+// A call of a script to the repository.
+orbel::Value callByScript(VarnFileRepository& repository, const char* method) {
+  static const auto module = orbel::Module::load("varn_filepackaging");
+  static const orbel::ClassInfo& info =
+      orbel::ObjectSystem::instance().publicClient().getClass("Varn.VarnFileRepository");
+  return info.getMethod(method).invoke(
+      std::vector{repository.toHostValue(), orbel::Value(orbel::CharacterArray(longText))});
+}
+
 // One non-empty object of each class that can be changed.
 struct World {
   VarnFileRepository repository;
@@ -69,7 +80,8 @@ struct World {
 
   World() {
     repository.createModuleHeaderFile("a.h", {1, 2});
-    repository.checkForDuplicateEntry("known.c", nullptr);
+    repository.checkForDuplicateEntry("known_by_its_long_name.c", nullptr);
+    callByScript(repository, "findFileByName");
     functions.addFunction("f", "f();");
     bridge.addSectionContent(0, "UserTop", std::string(70'000, 'x').c_str());
     includes.addInclude("i.h", false);
@@ -132,8 +144,19 @@ const Operation operations[] = {
     {"data types file", [](World& w) { w.repository.createDataTypesFile(longText); }},
     {"module file", [](World& w) { w.repository.createModuleHeaderFile(longText, indices); }},
     {"model file", [](World& w) { w.repository.createModelHeaderFile(); }},
+    {"file by script", [](World& w) { callByScript(w.repository, "createGenericFile"); }},
+    {"data file by script", [](World& w) { callByScript(w.repository, "createDataTypesFile"); }},
     {"file by key", [](World& w) { w.manager.orvBridge().getFileRecIndexForKey("mdl_hdr"); }},
-    {"duplicate", [](World& w) { w.repository.checkForDuplicateEntry("KNOWN.C", &w.status); }},
+    {"file by new key",
+     [](World& w) {
+       try {
+         w.manager.orvBridge().getFileRecIndexForKey(longText);
+       } catch (const boost::bad_function_call&) {
+         w.registered = "no attributes";
+       }
+     }},
+    {"duplicate",
+     [](World& w) { w.repository.checkForDuplicateEntry("KNOWN_BY_ITS_LONG_NAME.C", &w.status); }},
     {"new name", [](World& w) { w.repository.checkForDuplicateEntry("new.c", &w.status); }},
     {"new name out", [](World& w) { w.repository.findDuplicateFileEntry(longText, w.registered); }},
     {"table entry", [](World& w) { w.repository.addFileNameToTable(ModelDataFile, longText); }},
