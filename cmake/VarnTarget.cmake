@@ -29,8 +29,8 @@ function(varn_target target)
   endif()
   if(VARN_SANITIZE)
     target_compile_options(${target} PRIVATE
-      -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -UNDEBUG)
-    target_link_options(${target} PRIVATE -fsanitize=address,undefined)
+      -fsanitize=${VARN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -UNDEBUG)
+    target_link_options(${target} PRIVATE -fsanitize=${VARN_SANITIZE})
   endif()
 endfunction()
 

@@ -5,6 +5,7 @@
 #include <orbel/ObjectSystem.hpp>
 #include <orbel/PackageInterface.hpp>
 
+#include "orbel/DefinitionLock.hpp"
 #include "orbel/HostErrors.hpp"
 
 namespace orbel {
@@ -97,6 +98,8 @@ void ClassInfo::refuseRepeatedName(const std::string& name) const {
 }
 
 void ClassInfo::ensureDefined() {
+  if (state_.load(std::memory_order_acquire) == State::defined) return;
+  const DefinitionLock lock(definitionMutex());
   if (state_ == State::defined) return;
   if (state_ == State::inDefinition) raise("SuperclassCycle", {qualifiedName_});
   state_ = State::inDefinition;
@@ -109,7 +112,7 @@ void ClassInfo::ensureDefined() {
     state_ = State::undefined;
     throw;
   }
-  state_ = State::defined;
+  state_.store(State::defined, std::memory_order_release);
 }
 
 void ClassInfo::resolveSuperclasses() {

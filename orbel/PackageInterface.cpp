@@ -4,6 +4,7 @@
 
 #include <orbel/Client.hpp>
 
+#include "orbel/DefinitionLock.hpp"
 #include "orbel/HostErrors.hpp"
 
 namespace orbel {
@@ -59,11 +60,19 @@ void PackageInterface::addClass(std::unique_ptr<ClassInfo> info) {
   classes_.push_back(std::move(info));
 }
 
+// A registration that fails is not repeated: the classes that it added stay.
 void PackageInterface::ensureRegistered() {
-  if (!registered_) {
-    registered_ = true;
+  if (registered_.load(std::memory_order_acquire)) return;
+  const DefinitionLock lock(definitionMutex());
+  if (registrationBegun_) return;
+  registrationBegun_ = true;
+  try {
     info_->registerClasses(*this);
+  } catch (...) {
+    registered_.store(true, std::memory_order_release);
+    throw;
   }
+  registered_.store(true, std::memory_order_release);
 }
 
 }  // namespace orbel

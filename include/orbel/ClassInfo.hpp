@@ -2,6 +2,7 @@
 #define ORBEL_CLASSINFO_HPP
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,9 @@ class PackageInterface;
 // ClassRegistrar::addClass; the host never destroys it. Modules derive from HandleClass,
 // which binds a C++ class.
 //
+// Several threads may use a class at once, also for the first time: one of them defines it while
+// the others wait. A class that is defined never changes.
+//
 // The order of the virtual operations is part of the contract with modules.
 class ORBEL_EXPORT ClassInfo : public HostMemory {
  public:
@@ -37,7 +41,8 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
 
   // Declares superclasses, properties, methods and constructor. The host calls it when the class is
   // first needed and never again after it succeeded; when it throws, the declarations are dropped
-  // and the class stays undefined.
+  // and the class stays undefined. No other class is defined meanwhile, but for those that this one
+  // needs: a definition must not wait for another thread.
   virtual void define() = 0;
 
   // Whether only subclasses have objects. False by default.
@@ -117,7 +122,7 @@ class ORBEL_EXPORT ClassInfo : public HostMemory {
 
   std::string qualifiedName_;
   const PackageInterface* package_ = nullptr;
-  State state_ = State::undefined;
+  std::atomic<State> state_ = State::undefined;
   std::vector<DeclaredSuperclass> declaredSuperclasses_;
   std::vector<Superclass> superclasses_;
   std::vector<std::unique_ptr<const Method>> methods_;

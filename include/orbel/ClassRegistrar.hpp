@@ -13,7 +13,8 @@ class ORBEL_EXPORT ClassRegistrar {
  public:
   virtual ~ClassRegistrar() = default;
 
-  // Throws "ClassExists" for a name that the package has already; the class is then released.
+  // Throws "ClassExists" for a name that the package has already; the class is then released. After
+  // PackageInfo::registerClasses() has returned, only while no other thread uses the package.
   virtual void addClass(std::unique_ptr<ClassInfo> info) = 0;
 };
 

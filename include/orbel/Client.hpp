@@ -14,6 +14,7 @@
 namespace orbel {
 
 // A user of the object system's packages, with its own view of which of them are in service.
+// Several threads may use one client at once.
 class ORBEL_EXPORT Client {
  public:
   Client() = default;

@@ -10,7 +10,8 @@ namespace orbel {
 
 // The texts of messages, by identifier. Placeholders "{1}", "{2}", ... are replaced by the
 // arguments, in the order of the message record; "{{" and "}}" are escaped braces. The catalogue is
-// process-wide; a host replaces entries to translate them.
+// process-wide and may be used by several threads at once; a host replaces entries to translate
+// them.
 
 // Sets the words of the message `component`:`identifier`, replacing any that were there.
 ORBEL_EXPORT void setMessage(const std::string& component, const std::string& identifier,

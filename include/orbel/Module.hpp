@@ -21,6 +21,7 @@ namespace orbel {
 //   extern const char* const N_relative_path;
 //
 // A module starts and stops at most once in a process, and its code stays in memory to the end.
+// Modules are loaded and closed while no other thread uses the object system.
 class ORBEL_EXPORT Module {
  public:
   // Loads and initialises a module, by the path of its file (anything with a "/") or by its name

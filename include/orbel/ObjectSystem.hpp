@@ -14,8 +14,11 @@
 
 namespace orbel {
 
-// The packages of the process. There is one object system, which lives until the process ends; it
-// is used by one thread at a time.
+// The packages of the process. There is one object system, which lives until the process ends.
+//
+// Several threads may look packages and classes up at once, also for the first time. Packages are
+// added, modules loaded and closed, and packages released for a client while no other thread uses
+// the object system: usually before the threads begin.
 //
 // It has one package of its own: "orbel.mixin" with the class "Heterogeneous", the superclass of
 // classes whose object arrays may hold objects of different subclasses.

@@ -1,6 +1,7 @@
 #ifndef ORBEL_PACKAGEINTERFACE_HPP
 #define ORBEL_PACKAGEINTERFACE_HPP
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,6 +18,8 @@ class Client;
 
 // A registered package. Its classes are registered when one of them is first looked up, and each is
 // defined when it is first found.
+//
+// Several threads may look classes up at once, the first look-up included.
 class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
  public:
   explicit PackageInterface(std::unique_ptr<PackageInfo> info);
@@ -37,7 +40,7 @@ class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
   const ClassInfo& getClass(const std::string& name);
 
   // Withdraws the package from `client`, which no longer finds it or makes objects of its classes.
-  // Objects that exist stay usable.
+  // Objects that exist stay usable. Not while another thread uses that client.
   void releaseForClient(Client& client) const;
   bool isAvailableTo(const Client& client) const;
 
@@ -50,7 +53,8 @@ class ORBEL_EXPORT PackageInterface final : private ClassRegistrar {
 
   std::unique_ptr<PackageInfo> info_;
   std::string name_;
-  bool registered_ = false;
+  std::atomic<bool> registered_ = false;
+  bool registrationBegun_ = false;
   std::vector<std::unique_ptr<ClassInfo>> classes_;
   std::map<std::string, ClassInfo*> classesByName_;
 };

@@ -38,8 +38,7 @@
 // Threads: no class here locks. A repository and everything reached from it (files, contents,
 // sections, fragments, custom sections, bridges, host handles), together with copies and clones of
 // these, is used by one thread at a time; so is any other object. Two threads may use two
-// repositories at once, and all free functions. Host scripts use all repositories, and run in one
-// thread.
+// repositories at once, also through their host classes, and all free functions.
 #ifndef VARN_VARN_FILEPACKAGING_HPP
 #define VARN_VARN_FILEPACKAGING_HPP
 

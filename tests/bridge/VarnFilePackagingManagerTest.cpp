@@ -41,6 +41,12 @@ TEST(VarnFilePackagingManager, FindsOrMakesTheFileOfAKey) {
     EXPECT_EQ(answer, ask(manager.orvBridge(), repository, key)) << key;
   }
   EXPECT_EQ("2 '' model SystemBody 'Includes'   'Functions'  ", ask(copy, repository, "mdl_src"));
+
+  VarnFileRepository otherRepository;
+  copy = VarnFilePackagingManager(&otherRepository).orvBridge();
+  EXPECT_EQ("bad call 'ExternData'  ",
+            ask(copy, otherRepository, "qz_machine_public_extern_data_decl"));
+  EXPECT_EQ("1 'ExternData'   '' model SystemHeader", ask(copy, otherRepository, "mdl_hdr"));
 }
 
 }  // namespace

@@ -147,6 +147,11 @@ TEST(Class, SetsListsOfTexts) {
     set(box, "Tags", given);
     EXPECT_EQ(get(box, "Tags"), expected);
   }
+  std::string hooks;
+  for (const char* given : {"cell 3", "string 2", "missing 0", "cell 1", "cell 0", "cell 1"}) {
+    hooks += std::string("before Tags ") + given + "\nafter Tags b\n";
+  }
+  EXPECT_EQ(library.log, hooks);
   EXPECT_EQ(raisedText([&] { set(box, "Tags", text("a")); }),
             "Orbel:MustBeCellArray: The value of Sample.Item.Tags must be a cell array of "
             "character arrays, but is char.");

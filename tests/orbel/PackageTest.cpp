@@ -1,5 +1,8 @@
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -68,15 +71,47 @@ TEST(Package, DefinesEachClassOnceWhenItIsFirstNeeded) {
             "Orbel:UnknownPackage: There is no package \"\".");
 }
 
+TEST(Package, DefinesAClassOnceForSeveralThreads) {
+  int definitions = 0;
+  const auto slowly = [&](Declared&) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    ++definitions;
+  };
+  const auto package = add("Shared", {{"A",
+                                       [&](Declared& info) {
+                                         info.addSuperclass("Shared.B", true);
+                                         slowly(info);
+                                       }},
+                                      {"B", slowly}});
+  std::atomic<int> found = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 6; ++i) {
+    threads.emplace_back([&, first = i % 2 == 0 ? "A" : "B"] {
+      found += static_cast<int>(package->getClass(first).derivesFrom("Shared.B"));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(found, 6);
+  EXPECT_EQ(definitions, 2);
+}
+
 TEST(Package, AFailedDefinitionLeavesNothingBehind) {
-  bool fail = true;
+  const auto property = [](Declared& info) { info.addProperty("P", &sample::Item::label); };
+  const auto method = [](Declared& info) {
+    info.addMethod("P", {"char", "Retry.A"}, &sample::Item::describe);
+  };
+  const std::vector<Declared::Declaration> repeated[] = {
+      {property, property}, {method, method}, {property, method}, {method, property}};
+  std::vector<Declared::Declaration> members;
   const auto package = add("Retry", {{"A", [&](Declared& info) {
-                                        info.addProperty("P", &sample::Item::label);
-                                        if (fail) info.addProperty("P", &sample::Item::label);
+                                        for (const auto& declare : members) declare(info);
                                       }}});
-  EXPECT_EQ(raisedText([&] { package->getClass("A"); }),
-            "Orbel:MemberExists: The class Retry.A declares \"P\" twice.");
-  fail = false;
+  for (const auto& twice : repeated) {
+    members = twice;
+    EXPECT_EQ(raisedText([&] { package->getClass("A"); }),
+              "Orbel:MemberExists: The class Retry.A declares \"P\" twice.");
+  }
+  members = {property};
   EXPECT_EQ(package->getClass("A").properties().size(), 1U);
 }
 
@@ -105,6 +140,14 @@ TEST(Package, RefusesSignaturesThatDoNotFit) {
        },
        "m does not fit what it calls: argument 1 is declared \"char\", but is \"a qualified class "
        "name\"."},
+      {[](Declared& c) {
+         c.addMethod("m", {"logical scalar", "Bad.A", "Bad.B"}, &sample::Item::isSameAs);
+       },
+       "m does not fit what it calls: there is no class \"Bad.B\"."},
+      {[](Declared& c) {
+         c.addMethod("m", {"logical scalar", "Bad.A", "No.Such"}, &sample::Item::isSameAs);
+       },
+       "m does not fit what it calls: there is no class \"No.Such\"."},
       {[](Declared& c) { c.addConstructor<std::string>({"int"}); },
        "A does not fit what it calls: argument 1 is declared \"int\", which is no type."},
   };

@@ -47,6 +47,7 @@ TEST(Text, EveryPairOfBytesSurvivesTheRoundTrip) {
 TEST(Text, WritesForeignLoneSurrogatesAsTheirOwnSequence) {
   EXPECT_EQ(orbel::toUtf8(u"\xD800x"), "\xED\xA0\x80x");
   EXPECT_EQ(orbel::toUtf8(u"\xDC7F"), "\xED\xB1\xBF");
+  EXPECT_EQ(orbel::toUtf8(u"\xDD00"), "\xED\xB4\x80");
 }
 
 TEST(Text, CharacterArraysReadBackInEitherWidth) {
