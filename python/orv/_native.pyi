@@ -1,5 +1,5 @@
 from collections.abc import Callable, Sequence
-from typing import Literal, TypeAlias
+from typing import Any, Literal, TypeAlias
 
 from _typeshed import ReadableBuffer
 
@@ -37,7 +37,14 @@ class Repository:
     def function_names(self, file: int) -> list[str]: ...
     def add_include(self, file: int, header: str, is_system: bool) -> None: ...
     def compose(
-        self, file: int, order: Sequence[str] | None = None, blank_lines: bool = False
+        self,
+        file: int,
+        order: Sequence[str] | None = None,
+        blank_lines: bool = False,
+        guarded: bool = True,
+        guard_form: str = "",
+        path: str = "",
+        extern_c: bool = False,
     ) -> ComposedFile: ...
     def is_header(self, file: int) -> bool: ...
     def place_custom_sections(self, file: int) -> None: ...
@@ -49,6 +56,9 @@ class Repository:
 class ComposedFile:
     @property
     def sections(self) -> dict[str, int]: ...
+    # The macro; empty for another guard, None for none.
+    @property
+    def guard(self) -> str | None: ...
     def __len__(self) -> int: ...
     # Gives its bytes as a buffer, so that bytes() takes it.
     def __bytes__(self) -> bytes: ...
@@ -58,13 +68,16 @@ BodyKind: TypeAlias = Literal["outside", "section", "function", "fill", "capture
 
 class Printer:
     # text_of(value) is the text of what is neither str nor int, refuse(text) raises for text outside
-    # of every section, find(target) is the index of a file that no name gives.
+    # of every section, find(target) is the index of a file that no name gives, repeated(file, name,
+    # template, line) is told of a function whose name one of the same file has, and of the line of
+    # compiled code where that one is; the template is None when none was running.
     def __init__(
         self,
         files: Repository,
         text_of: Callable[[object], str],
         refuse: Callable[[str], None],
         find: Callable[[object], int],
+        repeated: Callable[[int, str, Any, int], None],
     ) -> None: ...
     @property
     def kind(self) -> BodyKind: ...

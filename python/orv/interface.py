@@ -36,6 +36,7 @@ from orv.errors import Messages, ignore
 from orv.files.run import Run
 from orv.output import plan as planning
 from orv.output.folder import lock, make_folder, open_folder
+from orv.output.guards import check_guards
 from orv.output.plan import Plan
 from orv.output.writer import Writer
 from orv.templates import engine
@@ -67,7 +68,9 @@ def plan(run: Run, out: str | os.PathLike[str]) -> Plan:
     Changes nothing. Raises OutputError, with the file and where it was declared, when a file cannot
     go where it belongs.
     """
-    return planning.plan(run, open_folder(os.fspath(out)))
+    files = planning.plan(run, open_folder(os.fspath(out)))
+    check_guards(files, run)
+    return files
 
 
 def write(files: Plan, run: Run) -> None:

@@ -33,7 +33,7 @@ def here() -> Position:
     while frame is not None:
         template = _template_of(frame)
         if template is not None:
-            return _position(template, frame.f_lineno)
+            return position_of(template, frame.f_lineno)
         frame = frame.f_back
     raise RuntimeError("no template is running")
 
@@ -64,14 +64,14 @@ def trail(traceback: TracebackType | None, more: int = 0) -> list[Step]:
         if template is None:
             between.append(frame)
         elif not frame.f_code.co_name.startswith("t_"):
-            position = _position(template, traceback.tb_lineno)
+            position = position_of(template, traceback.tb_lineno)
             way = _way(frame.f_code.co_name, between) if steps else ""
             steps.append(Step(position, way, _macro_of(between), template, traceback))
             between = []
         traceback = traceback.tb_next
     if more and steps:
         line = steps[-1].at.tb_lineno + more
-        steps[-1] = steps[-1]._replace(position=_position(steps[-1].template, line))
+        steps[-1] = steps[-1]._replace(position=position_of(steps[-1].template, line))
     return steps
 
 
@@ -102,6 +102,7 @@ def _template_of(frame: FrameType) -> Template | None:
     return template
 
 
-def _position(template: Template, line: int) -> Position:
+def position_of(template: Template, line: int) -> Position:
+    """The position that a line of a template's compiled code was made of."""
     label = template_label(template.name, template.filename)
     return Position(label, template.get_corresponding_lineno(line))

@@ -293,6 +293,44 @@ def test_strict_and_quiet(orv: Command, tmp_path: Path) -> None:
     assert (loud.returncode, loud.stderr) == (0, f"t.j2:2: warning: {clash}")
 
 
+def test_strict_runs_refuse_settings_that_nothing_reads(orv: Command) -> None:
+    template = (
+        "{% macro size(x) %}{{ x.width }}{{ x['depth'] }}{% endmacro %}"
+        '{% include "p.j2" %}{% set c = colour | default("") %}'
+    )
+    run = ("generate", "t.j2", "--model", "m.json", "--extend", "e.py", "--script", "s.py",
+           "--out", "o", "--strict")  # fmt: skip
+    known = (
+        "colour",
+        "m.a",
+        "m.width",
+        "m.depth",
+        "l.width",
+        "part",
+        "prepared",
+        "scripted",
+        "helped",
+    )
+    settings = [word for name in known for word in ("--set", f"{name}=1")]
+    done = orv(
+        *run, *settings, t__j2=template, p__j2="{% if part is defined %}{% endif %}",
+        m__json='{"m": {"a": 1}, "l": []}', s__py='model.get("scripted")\n',
+        e__py="import h\nimport orv\n\n@orv.prepare\ndef f(model):\n    model.get('prepared')\n    return model\n",
+        h__py="NAMES = [\"helped\"]\n",
+    )  # fmt: skip
+    assert (done.returncode, done.stderr) == (0, "")
+    wrong = ("--set", "color=1", "--set", "m.wdith=1", "--set", "a=1", "--set", "m.b.c=1")
+    done = orv(*run, *wrong)
+    says = '--set {}: no model has "{}", and no template, extension or script reads it'
+    assert (done.returncode, done.stderr.splitlines()) == (1, [
+        f"error: {says.format('color', 'color')}; did you mean \"colour\"?",
+        f"{says.format('m.wdith', 'wdith')}; did you mean \"width\"?",
+        says.format("a", "a"),
+        says.format("m.b.c", "b"),
+    ])  # fmt: skip
+    assert orv(*run[:-1], *wrong).returncode == 0
+
+
 def test_paths_that_differ_only_in_case(orv: Command) -> None:
     text = "\n".join(
         '{% file "' + name + '" %}{% section "Banner" %}x{% endsection %}{% endfile %}'

@@ -15,6 +15,7 @@ from conftest import files_of
 from orv import _native, interface
 from orv.errors import OrvError
 from orv.extensions import Extensions
+from orv.output.layout import Layout
 from orv.templates.library import DELIMITERS, Language
 
 DOCUMENT = Path(__file__).parents[2] / "docs" / "templates.md"
@@ -32,6 +33,7 @@ class Example(NamedTuple):
     message: list[str]
     extensions: dict[str, str]
     delimiters: Sequence[str]
+    guard: str
 
 
 def examples() -> list[Example]:
@@ -50,8 +52,11 @@ def examples() -> list[Example]:
             extensions[argument] = text
         elif language == "jinja":
             templates, strict = {"main.j2": text, **more}, argument == "strict"
-            delimiters = argument.split() if argument and not strict else DELIMITERS
-            found.append(Example(title, templates, model, strict, {}, [], extensions, delimiters))
+            guard = argument.removeprefix("--guard ") if argument.startswith("--guard ") else ""
+            delimiters = argument.split() if argument and not (strict or guard) else DELIMITERS
+            found.append(
+                Example(title, templates, model, strict, {}, [], extensions, delimiters, guard)
+            )
             model, more, extensions = {}, {}, {}
         elif language == "text":
             found[-1].message.append(text.strip())
@@ -83,6 +88,7 @@ def test_example(example: Example, tmp_path: Path) -> None:
             extensions.prepare(example.model),
             example.strict,
             language=Language(extensions, example.delimiters),
+            layout=Layout(guard=example.guard),
         )
     except OrvError as error:
         outcome = [str(error)]

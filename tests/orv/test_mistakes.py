@@ -15,6 +15,7 @@ from orv.errors import Messages, OrvError
 from orv.models.model import build_model
 from orv.models.sources import ModelSource
 from orv.output.folder import open_folder
+from orv.output.guards import check_guards
 from orv.output.plan import plan
 from orv.templates.engine import lint, render, source_beside
 
@@ -57,5 +58,5 @@ def _said(template: str) -> list[str]:
     )
     model = build_model([ModelSource(None, path)], [])
     run = render([source], model.values, messages, places=model.places)
-    plan(run, open_folder("out"))
+    check_guards(plan(run, open_folder("out")), run)
     return []

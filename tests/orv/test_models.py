@@ -272,7 +272,7 @@ def test_models_merge_by_name(tmp_path: Path) -> None:
     c = write(tmp_path, "c.json", "[3]")
     arguments = ["x.p=v1.10", "x.n=-12", "z.l=[1, null]", 'z.t="5"', "z.u=007", "y="]
     arguments.append(".".join("a" * 499) + "=1")
-    model, places, files, _ = build_model(
+    model, _, places, files, _ = build_model(
         [ModelSource.parse(a), ModelSource.parse(b), ModelSource.parse(f"list={c}")],
         [Setting.parse(argument) for argument in arguments],
     )
@@ -330,7 +330,7 @@ def test_patterns_and_standard_input(tmp_path: Path, monkeypatch: pytest.MonkeyP
         write(tmp_path, name, text)
     monkeypatch.setattr("sys.stdin", TextIOWrapper(BytesIO(b"a,b\n1,2\n")))
     sources = ["m=d/*", "in=-:csv", "x=[x].json", "n=**/b*.json"]
-    model, places, files, folders = build_model(map(ModelSource.parse, sources), [])
+    model, _, places, files, folders = build_model(map(ModelSource.parse, sources), [])
     assert list(model["m"]) == ["a", "b.c"] and model["m"]["a"]["r"].tag == "r"
     assert (model["in"], model["x"]) == ([{"a": "1", "b": "2"}], [1])
     assert files == ["d/a.xml", "d/b.c.json", "[x].json", "d/b.c.json"]
@@ -341,7 +341,7 @@ def test_patterns_and_standard_input(tmp_path: Path, monkeypatch: pytest.MonkeyP
 def test_places_follow_what_scripts_change(tmp_path: Path) -> None:
     rows = ",\n".join(f'{{"n": {i},\n\n"t": "x"}}' for i in range(70000))
     path = write(tmp_path, "m.json", f'{{"a b": [{rows}],\n "s": [1, 2,\n 3]}}')
-    model, places, _, _ = build_model([ModelSource(None, path)], [])
+    model, _, places, _, _ = build_model([ModelSource(None, path)], [])
     row, s = model["a b"][69999], model["s"]
     assert places.place_of(row, "t") == f"{path}:{69999 * 3 + 3}"
     assert places.place_of(model["a b"], 69999) == f"{path}:{69999 * 3 + 1}"

@@ -16,7 +16,7 @@ from orv.errors import Diagnostic
 def test_indices_are_checked_first(index: int) -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
-    printer = _native.Printer(repository, str, print, id)
+    printer = _native.Printer(repository, str, print, id, print)
     calls: list[tuple[Any, tuple[Any, ...]]] = [
         (repository.get_attribute, (index, "Type")),
         (repository.set_attribute, (index, "Type", "x")),
@@ -43,9 +43,9 @@ def test_wrong_arguments_are_refused(wrong: Any) -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
     repository.declare_custom(0, "Enums", "c")
-    printer = _native.Printer(repository, str, print, id)
+    printer = _native.Printer(repository, str, print, id, print)
     calls: list[tuple[Any, tuple[Any, ...]]] = [
-        (_native.Printer, (wrong, str, print, id)),
+        (_native.Printer, (wrong, str, print, id, print)),
         (repository.create_generic, (wrong,)),
         (repository.create_module_header, ("m.h", [wrong])),
         (repository.packaging_file, (wrong,)),
@@ -68,7 +68,7 @@ def test_the_printer_refuses_what_it_cannot_do() -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
     heard: list[str] = []
-    printer = _native.Printer(repository, repr, heard.append, id)
+    printer = _native.Printer(repository, repr, heard.append, id, print)
     printer.write("lost", " ", 1, None)
     assert (heard, printer.depth, printer.kind) == (["lost", "1", "None"], 1, "outside")
     calls: list[tuple[Any, tuple[Any, ...]]] = [
@@ -100,7 +100,7 @@ def test_the_printer_refuses_what_it_cannot_do() -> None:
 def test_the_repository_lives_as_long_as_its_users() -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
-    printer = _native.Printer(repository, str, print, id)
+    printer = _native.Printer(repository, str, print, id, print)
     handle = repository.handle()
     del repository
     gc.collect()
@@ -113,7 +113,7 @@ def test_the_repository_lives_as_long_as_its_users() -> None:
             return 0
 
     owner: Any = Owner()
-    owner.printer = _native.Printer(_native.Repository(), str, print, owner.find)
+    owner.printer = _native.Printer(_native.Repository(), str, print, owner.find, print)
     alive = weakref.ref(owner)
     del owner
     gc.collect()

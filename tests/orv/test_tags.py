@@ -194,6 +194,9 @@ def test_errors(message: str) -> None:
     assert str(raised.value) == message
 
 
+ENUM = '{% section "Enums" %}e{% endsection %}'
+
+
 def test_blank_lines_between_sections() -> None:
     text = (
         '{% file "a.h" DefinedMacro="A" %}{% include_required "r.h" %}{% include_added "x.h" %}'
@@ -227,3 +230,45 @@ def test_warnings_do_not_stop_a_run_that_is_not_strict() -> None:
             'main.j2:1: the text of custom section "c" of "a.c" is never ',
         ],
     )
+
+
+@pytest.mark.parametrize(
+    ("tag", "guard"),
+    [
+        ('"3d/x-y.z.hpp"', "H_3D_X_Y_Z"),
+        ('"a.h" OutputDirectory="é/b.c"', "___B_C_A"),
+        ('".x.h"', "_X"),
+        ('"b" Type="SystemHeader"', "B"),
+        ('"a.h" DefinedMacro="own"', "own"),
+        ('"a.c"', None),
+        ('"a.h" guard=false', None),
+        ('"a.h" as text', None),
+    ],
+)
+def test_guards_of_paths(tag: str, guard: str | None) -> None:
+    text = f"{{% file {tag} %}}{'e' if ' as text' in tag else ENUM}{{% endfile %}}"
+    (written,) = files_of(text, layout=Layout(guard="{PATH}")).values()
+    expected = f"#ifndef {guard}\n#define {guard}\n\ne\n\n#endif /* {guard} */\n"
+    assert written == (expected if guard else "e" if " as text" in tag else "e\n")
+
+
+def test_c_linkage_holds_declarations_only() -> None:
+    sections = "".join(
+        f'{{% section "{name}" %}}{name}\n{{% endsection %}}'
+        for name in ("UserBottom", "Typedefs", "Defines", "UserTop", "Banner")
+    )
+    text = (
+        f'{{% file "a.h" extern_c=true %}}{{% include_required "r.h" %}}{sections}{{% endfile %}}'
+        '{% file "b.h" extern_c=true order=["Enums", "Includes", "Typedefs"] %}'
+        f'{{% include_added "b.h" %}}{ENUM}{{% endfile %}}'
+        '{% file "c.h" extern_c=true %}{% include_added "b.h" %}{% endfile %}'
+    )
+    begin = '#ifdef __cplusplus\nextern "C" {\n#endif\n\n'
+    end = "\n#ifdef __cplusplus\n}\n#endif\n"
+    for blank_lines, blank in ((False, ""), (True, "\n")):
+        assert files_of(text, layout=Layout(blank_lines, guard="pragma")) == {
+            "a.h": f'Banner\n{blank}#pragma once\n\n{"" if blank else chr(10)}#include "r.h"\n{blank}UserTop\n\n{begin}'
+            f"Defines\n{blank}Typedefs\n{end}{blank}UserBottom\n",
+            "b.h": f'#pragma once\n\n{begin}e\n{end}{blank}#include "b.h"\n',
+            "c.h": '#pragma once\n\n#include "b.h"\n',
+        }

@@ -15,8 +15,8 @@ from orv.dependencies import recorded
 from orv.errors import Messages
 from orv.extensions import load_extensions
 from orv.files.run import Run
-from orv.models.model import build_model
-from orv.templates.engine import render, source_beside
+from orv.models.model import build_model, refuse_unknown
+from orv.templates.engine import mentioned_names, render, source_beside
 from orv.templates.library import DELIMITERS, Language
 
 # How many empty files are named.
@@ -52,12 +52,12 @@ def render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
             from orv.pythonfiles import imports_recorded
 
             imports.enter_context(imports_recorded())
-        run, sources = _render_run(options)
+        run, sources = _render_run(options, dependencies)
     run.dependencies = dependencies
     return run, sources
 
 
-def _render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
+def _render_run(options: GenerateOptions, dependencies: list[str]) -> tuple[Run, list[str]]:
     if options.run_name is not None:
         say(f"run {options.run_name}", options)
     messages = Messages(lambda text: warn(text, options), options.strict, debug)
@@ -74,6 +74,9 @@ def _render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
 
         say(f"running {script}", options)
         run_script(script, run, values)
+    if options.strict:
+        python = [path for path in [*options.script, *dependencies] if path.endswith(".py")]
+        refuse_unknown(options.set, model, lambda: mentioned_names(read, python, language))
     for path in [*model.files, *read]:
         say(f"read {path}", options)
     sources = [*read, *model.files, *model.folders, *options.script]

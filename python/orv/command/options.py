@@ -46,7 +46,16 @@ def _formatter(argument: str) -> Formatter:
     return Formatter(argument)
 
 
+def _guard(argument: str) -> str:
+    if argument == "pragma" or re.fullmatch(
+        r"(?:[A-Za-z_]\w*)?\{PATH\}(?:\w|\{PATH\})*", argument, re.ASCII
+    ):
+        return argument
+    raise ValueError(f"expected pragma or a macro such as {{PATH}}_H, got {argument!r}")
+
+
 FORMATTER = ValueType("COMMAND", _formatter)
+GUARD = ValueType("GUARD", _guard)
 MODE = ValueType("MODE", _mode)
 MODEL = ValueType("[NAME=]FILE", _model, _model_below, "file")
 
@@ -154,6 +163,12 @@ class LayoutOptions:
     GROUP: ClassVar[str] = "layout"
 
     blank_lines: bool = flag("put a blank line between the sections of a file")
+    guard: str = value(
+        GUARD,
+        "guard headers without a DefinedMacro by this macro; {PATH} in it becomes the path of the"
+        " file without its ending; or pragma, for #pragma once",
+        default="",
+    )
     format: Formatter | None = value(
         FORMATTER,
         "run this formatter on the files whose attribute Indent is true; {path} in it becomes the"

@@ -16,6 +16,7 @@ from orv.output import reports
 from orv.output.depfile import depfile
 from orv.output.expected import require_expected
 from orv.output.folder import lock, make_folder, open_folder, shown
+from orv.output.guards import check_guards
 from orv.output.layout import Layout
 from orv.output.ownership import Policy, Settlement, require_writable, settle
 from orv.output.plan import PlannedFile, State, compare, plan, real_path, shown_paths
@@ -50,6 +51,7 @@ class Outputs:
         self._policy = Policy(options.run_name or "", options.edited, options.stale, options.adopt)
         self._files = plan(run, self._folder, _layout(options))
         require_expected(self._files, options.expect)
+        check_guards(self._files, run)
         self._settle()
 
     def finish(self) -> Outcome:
@@ -218,4 +220,4 @@ class Outputs:
 
 
 def _layout(options: GenerateOptions) -> Layout:
-    return Layout(options.blank_lines, options.format, options.format_all)
+    return Layout(options.blank_lines, options.format, options.format_all, options.guard)

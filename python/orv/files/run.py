@@ -4,11 +4,13 @@ from __future__ import annotations
 
 from collections.abc import Callable
 
+from jinja2 import Template
+
 from orv import _native
 from orv.errors import Located, Messages, OrvError, TemplateError
 from orv.files.customsections import CustomSections, Placement
 from orv.files.table import FileTable
-from orv.positions import here
+from orv.positions import here, position_of
 
 
 class Run:
@@ -31,7 +33,9 @@ class Run:
         self.step = step
         self.repository = _native.Repository()
         self.files = FileTable(self.repository, messages)
-        self.printer = _native.Printer(self.repository, text_of, refuse_outside, self.files.find)
+        self.printer = _native.Printer(
+            self.repository, text_of, refuse_outside, self.files.find, self._report_repeated
+        )
         self.files.is_waiting = self.printer.is_waiting
         self.custom = CustomSections(self.repository, messages)
         self._placements: list[Placement] = []
@@ -48,6 +52,14 @@ class Run:
         self.custom.report_never_placed()
         for file in self.custom.filled_files():
             self.repository.place_custom_sections(file)
+
+    def _report_repeated(self, file: int, name: str, template: Template, line: int) -> None:
+        """Warn about a function that the running template adds a second time."""
+        first = position_of(template, line)
+        self.messages.warn(
+            f'the file {self.files.label(file)} has a function "{name}" already, added at {first}',
+            here(),
+        )
 
     def _retrieve(self, number: int, file: int, section: str) -> str:
         placement = self._placements[number]

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Mapping, Sequence
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 
 from orv import _native
 from orv.errors import Messages, OrvError, did_you_mean
@@ -18,7 +18,7 @@ ATTRIBUTES = tuple(name for name, _, _ in _native.ATTRIBUTES)
 _SETTABLE = {name: kind for name, kind, settable in _native.ATTRIBUTES if settable}
 
 # What a `file` tag sets that is no attribute.
-_OF_THE_TAG = ("order",)
+_OF_THE_TAG = ("extern_c", "guard", "order")
 
 
 def attribute_mistake(name: str) -> str | None:
@@ -31,13 +31,23 @@ def attribute_mistake(name: str) -> str | None:
 
 
 @dataclass
+class FileShape:
+    """How a file is composed: the order of its sections, if it is not the usual one, whether a
+    header gets a guard, and whether it has C linkage in C++."""
+
+    order: tuple[str, ...] | None = None
+    guard: bool = True
+    extern_c: bool = False
+
+
+@dataclass
 class FileRecord:
     """What the templates said about one file beside what the library keeps."""
 
     kind: str
     declared: Position
     modules: tuple[int, ...] = ()
-    order: tuple[str, ...] | None = None
+    shape: FileShape = field(default_factory=FileShape)
 
 
 class FileView:
@@ -169,10 +179,14 @@ class FileTable:
         return self._named(name, kind)
 
     def set_attributes(self, file: int, attributes: Mapping[str, object]) -> None:
-        """Set attributes by name; `order` sets the written order of the sections."""
+        """Set attributes by name, and what the tag says beside them."""
         for name, value in attributes.items():
             if name == "order":
                 self._set_order(file, value)
+            elif name == "guard":
+                self._records[file].shape.guard = _flag(name, value)
+            elif name == "extern_c":
+                self._records[file].shape.extern_c = _flag(name, value)
             else:
                 self._set_attribute(file, name, value)
 
@@ -302,7 +316,7 @@ class FileTable:
             self.repository.require_section(file, section)
             if value.count(section) > 1:
                 raise OrvError(f'order names the section "{section}" twice')
-        self._records[file].order = tuple(value)
+        self._records[file].shape.order = tuple(value)
 
     def _set_attribute(self, file: int, name: str, value: object) -> None:
         kind = _SETTABLE[name]
@@ -315,11 +329,10 @@ class FileTable:
             self._report_move(file, name, _text(name, value))
             self.repository.set_attribute(file, name, _text(name, value))
             return
-        if not isinstance(value, bool):
-            raise OrvError(f"the value of {name} must be true or false, not {value!r}")
-        if name == "IsEmpty" and value and not self.repository.get_attribute(file, "IsEmpty"):
+        flag = _flag(name, value)
+        if name == "IsEmpty" and flag and not self.repository.get_attribute(file, "IsEmpty"):
             raise OrvError(f"the file {self.label(file)} is not empty and cannot be made so")
-        self.repository.set_attribute(file, name, value)
+        self.repository.set_attribute(file, name, flag)
 
     def _report_move(self, file: int, name: str, value: str) -> None:
         folder = self.repository.get_attribute(file, "OutputDirectory")
@@ -341,6 +354,12 @@ class FileTable:
 def _text(name: str, value: object) -> str:
     if not isinstance(value, str):
         raise OrvError(f"the value of {name} must be text, not {value!r}")
+    return value
+
+
+def _flag(name: str, value: object) -> bool:
+    if not isinstance(value, bool):
+        raise OrvError(f"the value of {name} must be true or false, not {value!r}")
     return value
 
 

@@ -3,11 +3,11 @@
 from __future__ import annotations
 
 import re
-from collections.abc import Callable, Iterable
+from collections.abc import Callable, Iterable, Sequence
 from typing import Any, NamedTuple
 
 from orv._native import Places, read_model
-from orv.errors import ModelError, ignore
+from orv.errors import ModelError, did_you_mean, ignore
 from orv.models.sources import ModelSource, Reader
 
 _WHOLE_NUMBER = re.compile(r"-?(0|[1-9][0-9]{0,17})")
@@ -44,9 +44,13 @@ class Setting(NamedTuple):
 
 
 class Model(NamedTuple):
-    """A model, where its values were written, and what was read for it."""
+    """A model, where its values were written, and what was read for it.
+
+    `written` is the model without the settings.
+    """
 
     values: dict[str, Any]
+    written: dict[str, Any]
     places: Places
     files: list[str]
     # The folders in which patterns were looked for.
@@ -72,18 +76,44 @@ def build_model(
         entries = _entries(source, reader.read(source), places)
         _refuse_conflicts(values, entries, source, places)
         values = _merged(values, entries, places) if values else entries
+    written = values
     for setting in settings:
         nested: Any = setting.value
         for name in reversed(setting.names):
             nested = {name: nested}
             places.note(nested, f"--set {'.'.join(setting.names)}")
         values = _merged(values, nested, places)
-    model = Model(values, places, reader.files, reader.folders)
+    model = Model(values, written, places, reader.files, reader.folders)
     for path in schemas:
         from orv.models.schema import check_model
 
         check_model(model, reader.read_file(path), path)
     return model
+
+
+def refuse_unknown(
+    settings: Sequence[Setting], model: Model, mentioned: Callable[[], set[str]]
+) -> None:
+    """Raise ModelError for settings whose names no model has and nothing mentions.
+
+    `mentioned` gives the names that whatever reads the model mentions.
+    """
+    wrong: list[str] = []
+    names = mentioned() if settings else set()
+    for setting in settings:
+        found: Any = model.written
+        for name in setting.names:
+            known = found if isinstance(found, dict) else {}
+            if name not in known and name not in names:
+                hint = did_you_mean(name, [*sorted(names), *known])
+                wrong.append(
+                    f'--set {".".join(setting.names)}: no model has "{name}", and no template,'
+                    f" extension or script reads it{hint}"
+                )
+                break
+            found = known.get(name)
+    if wrong:
+        raise ModelError("\n".join(wrong))
 
 
 def _entries(source: ModelSource, value: object, places: Places) -> dict[str, Any]:

@@ -8,11 +8,13 @@ from orv.output.formatter import Formatter
 
 
 class Layout(NamedTuple):
-    """What a run wants: blank lines between sections, and a formatter.
+    """What a run wants: blank lines between sections, a formatter, and guards of headers.
 
-    The formatter takes the files whose attribute Indent is true, or every file.
+    The formatter takes the files whose attribute Indent is true, or every file. `guard` is "pragma",
+    a macro with {PATH} in it, or empty for none.
     """
 
     blank_lines: bool = False
     formatter: Formatter | None = None
     formats_all: bool = False
+    guard: str = ""

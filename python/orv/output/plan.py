@@ -10,6 +10,7 @@ from enum import Enum
 from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
+from orv.files.table import FileShape
 from orv.output.folder import reason, shown
 from orv.output.formatter import Formatter
 from orv.output.layout import Layout
@@ -143,14 +144,16 @@ def folders_of(location: str) -> Iterator[str]:
 
 def _composed(run: Run, index: int, layout: Layout) -> PlannedFile:
     path = _native.output_path(_text(run, index, "OutputDirectory"), _disk_name(run, index))
-    return PlannedFile(index, path, _compose(run, index, layout), State.NEW)
+    return PlannedFile(index, path, _compose(run, index, path, layout), State.NEW)
 
 
-def _compose(run: Run, index: int, layout: Layout) -> _native.ComposedFile:
+def _compose(run: Run, index: int, path: str, layout: Layout) -> _native.ComposedFile:
     record = run.files.record(index)
+    shape = FileShape() if record is None else record.shape
     try:
-        order = None if record is None else record.order
-        return run.repository.compose(index, order, layout.blank_lines)
+        return run.repository.compose(
+            index, shape.order, layout.blank_lines, shape.guard, layout.guard, path, shape.extern_c
+        )
     except ValueError as error:
         raise OutputError(str(error)) from error
 

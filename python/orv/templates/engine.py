@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Callable, Iterator, Mapping, Sequence
+from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
 from contextlib import contextmanager
 from typing import Any, NamedTuple
 
@@ -16,6 +16,7 @@ from orv.templates.diagnosis import syntax_messages, template_error
 from orv.templates.environment import Environment
 from orv.templates.library import Language
 from orv.templates.lint import Linter
+from orv.templates.mentions import names_in_python, names_in_template
 from orv.templates.printable import refuse_outside, text_of
 
 
@@ -90,6 +91,20 @@ def lint(sources: Sequence[Source], language: Language = Language()) -> list[str
         linter.check()
         found.update(dict.fromkeys(linter.messages))
     return sorted(found, key=_file_and_line)
+
+
+def mentioned_names(
+    templates: Iterable[str], modules: Iterable[str], language: Language
+) -> set[str]:
+    """What templates and Python files, given by their paths, may read of a model."""
+    run = Run(Messages(), text_of, refuse_outside)
+    environment = Environment(run, BaseLoader(), language)
+    found: set[str] = set()
+    for path in templates:
+        found.update(names_in_template(environment, path))
+    for path in modules:
+        found.update(names_in_python(path))
+    return found
 
 
 def _file_and_line(message: str) -> tuple[str, int]:

@@ -62,13 +62,6 @@ bool endsWith(std::string_view text, std::string_view ending) {
   return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
 }
 
-bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
-
-bool isIdentifier(std::string_view name) {
-  const auto isPart = [](char c) { return isLetter(c) || (c >= '0' && c <= '9'); };
-  return !name.empty() && isLetter(name[0]) && std::all_of(name.begin(), name.end(), isPart);
-}
-
 // A stream that writes to memory.
 class MemoryStream {
  public:
@@ -92,9 +85,9 @@ class MemoryStream {
     if (std::fflush(stream_) != 0) throw std::bad_alloc();
     return {characters_, size_};
   }
-  ComposedFile finish(std::vector<ComposedFile::Section> sections) {
+  ComposedFile finish(std::vector<ComposedFile::Section> sections, Guard guard) {
     if (std::fclose(std::exchange(stream_, nullptr)) != 0) throw std::bad_alloc();
-    return {std::exchange(characters_, nullptr), size_, std::move(sections)};
+    return {std::exchange(characters_, nullptr), size_, std::move(sections), std::move(guard)};
   }
 
  private:
@@ -103,11 +96,25 @@ class MemoryStream {
   FILE* stream_;
 };
 
-std::string guardOf(const Varn::VarnFile& file) {
-  if (!isHeader(file)) return {};
+Guard guardOf(const Varn::VarnFile& file, const Composition& composition) {
   const std::string& macro = file.getDefinedMacro();
-  if (macro.empty() || isIdentifier(macro)) return macro;
-  throw pybind11::value_error("its DefinedMacro \"" + macro + "\" is no identifier");
+  if (!composition.guarded) {
+    if (macro.empty()) return {};
+    throw pybind11::value_error("it has the DefinedMacro \"" + macro + "\" and guard=false");
+  }
+  if (!isHeader(file)) return {};
+  if (!macro.empty()) return Guard::ofMacro(macro);
+  if (composition.guardForm.empty()) return {};
+  return Guard::ofForm(composition.guardForm, composition.path);
+}
+
+// Whether `extern "C"` holds the section. Include lines stay outside, and so does what the user
+// puts first and last, which may include headers.
+bool isExternC(VarnFileSectionKind kind) {
+  const auto position = std::find(headerOrder.begin(), headerOrder.end(), kind);
+  const auto first =
+      std::find(headerOrder.begin(), headerOrder.end(), Varn::MODELTYPES_DEFINES_SECTION);
+  return position >= first && kind != Varn::USERBOTTOM_SECTION;
 }
 
 // `whatLeavesOut` begins the message.
@@ -126,7 +133,7 @@ ComposedFile composeText(PackagedFiles& files, int index) {
   MemoryStream memory;
   writeSection(files, index, textKind, memory.stream());
   const std::size_t size = memory.written().size();
-  return memory.finish({{textSection, size}});
+  return memory.finish({{textSection, size}}, {});
 }
 
 bool endsWithBlankLine(std::string_view text) { return text.empty() || endsWith(text, "\n\n"); }
@@ -138,28 +145,90 @@ bool dropsBlankLine(std::string_view written, std::string_view text, bool blankL
          (written.empty() || (blankLines && endsWithBlankLine(written)));
 }
 
-// Returns the number of bytes of the section.
-std::size_t writeLines(PackagedFiles& files, int index, VarnFileSectionKind kind,
-                       MemoryStream& memory, bool blankLines) {
-  const Varn::FileSection& section = files.file(index).getFileSection(kind);
-  if (blankLines) {
-    const std::string& text = section.getContent();
-    const bool isApart = text.empty() || text[0] == '\n';
-    if (!isApart && !endsWithBlankLine(memory.written())) memory.write("\n");
+// Writes the sections of one file and what stands around them.
+class FileWriter {
+ public:
+  FileWriter(PackagedFiles& files, int index, const Composition& composition)
+      : files_(files),
+        index_(index),
+        file_(files.file(index)),
+        composition_(composition),
+        guard_(guardOf(file_, composition)) {}
+
+  ComposedFile finish() {
+    const SectionOrder& order = composition_.order ? *composition_.order
+                                : isHeader(file_)  ? headerOrder
+                                                   : sourceOrder();
+    for (const VarnFileSectionKind kind : order) {
+      if (kind != Varn::BANNER_SECTION) openGuard();
+      if (!hasText(kind)) continue;
+      setExternC(composition_.externC && isExternC(kind));
+      const std::size_t size = writeLines(kind);
+      if (size != 0) sections_.push_back({static_cast<int>(kind), size});
+    }
+    setExternC(false);
+    if (isGuardOpen_) memory_.write(guard_.closing());
+    return memory_.finish(std::move(sections_), std::move(guard_));
   }
-  const std::size_t before = memory.written().size();
-  if (kind == Varn::INCLUDES_SECTION) {
-    std::string_view text = section.getContent();
-    if (dropsBlankLine(memory.written(), text, blankLines)) text.remove_prefix(1);
-    memory.write(text);
-  } else {
-    writeSection(files, index, kind, memory.stream());
+
+ private:
+  // The includes section counts as empty while it has nothing but required or utility includes.
+  bool hasText(VarnFileSectionKind kind) const {
+    if (!file_.hasSection(kind)) return false;
+    const Varn::FileSection& section = file_.getFileSection(kind);
+    return kind == Varn::INCLUDES_SECTION ? !section.getContent().empty() : !section.isEmpty();
   }
-  const std::string_view written = memory.written();
-  const std::size_t size = written.size() - before;
-  if (size != 0 && written.back() != '\n') memory.write("\n");
-  return size;
-}
+
+  void separate() {
+    if (!endsWithBlankLine(memory_.written())) memory_.write("\n");
+  }
+
+  void openGuard() {
+    if (isGuardOpen_ || !guard_.exists()) return;
+    if (composition_.blankLines) separate();
+    memory_.write(guard_.opening());
+    isGuardOpen_ = true;
+  }
+
+  void setExternC(bool isWanted) {
+    if (isWanted == isExternCOpen_) return;
+    separate();
+    memory_.write("#ifdef __cplusplus\n").write(isWanted ? "extern \"C\" {" : "}");
+    memory_.write(isWanted ? "\n#endif\n\n" : "\n#endif\n");
+    isExternCOpen_ = isWanted;
+  }
+
+  // Returns the number of bytes of the section.
+  std::size_t writeLines(VarnFileSectionKind kind) {
+    const Varn::FileSection& section = file_.getFileSection(kind);
+    if (composition_.blankLines) {
+      const std::string& text = section.getContent();
+      if (!text.empty() && text[0] != '\n') separate();
+    }
+    const std::size_t before = memory_.written().size();
+    if (kind == Varn::INCLUDES_SECTION) {
+      std::string_view text = section.getContent();
+      if (dropsBlankLine(memory_.written(), text, composition_.blankLines)) text.remove_prefix(1);
+      memory_.write(text);
+    } else {
+      writeSection(files_, index_, kind, memory_.stream());
+    }
+    const std::string_view written = memory_.written();
+    const std::size_t size = written.size() - before;
+    if (size != 0 && written.back() != '\n') memory_.write("\n");
+    return size;
+  }
+
+  PackagedFiles& files_;
+  int index_;
+  Varn::VarnFile& file_;
+  const Composition& composition_;
+  Guard guard_;
+  MemoryStream memory_;
+  std::vector<ComposedFile::Section> sections_;
+  bool isGuardOpen_ = false;
+  bool isExternCOpen_ = false;
+};
 
 }  // namespace
 
@@ -174,33 +243,15 @@ bool isHeader(const Varn::VarnFile& file) {
   return endsWith(file.getType(), "Header");
 }
 
-ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order, bool blankLines) {
-  Varn::VarnFile& file = files.file(index);
+ComposedFile compose(PackagedFiles& files, int index, const Composition& composition) {
+  const Varn::VarnFile& file = files.file(index);
   placeCustomSections(files, index);
+  if (composition.externC && (files.isText(index) || !isHeader(file))) {
+    throw pybind11::value_error("extern_c=true is for headers, and it is none");
+  }
   if (files.isText(index)) return composeText(files, index);
-  const std::string guard = guardOf(file);
-  if (order == nullptr) {
-    order = isHeader(file) ? &headerOrder : &sourceOrder();
-  } else {
-    requireAll(file, *order, "its order leaves out");
-  }
-  MemoryStream memory;
-  std::vector<ComposedFile::Section> sections;
-  bool isOpen = false;
-  for (const VarnFileSectionKind kind : *order) {
-    if (!guard.empty() && !isOpen && kind != Varn::BANNER_SECTION) {
-      if (blankLines && !endsWithBlankLine(memory.written())) memory.write("\n");
-      memory.write("#ifndef ").write(guard).write("\n#define ").write(guard).write("\n\n");
-      isOpen = true;
-    }
-    if (!file.hasSection(kind)) continue;
-    // The includes section counts as empty while it has nothing but required or utility includes.
-    if (kind != Varn::INCLUDES_SECTION && file.getFileSection(kind).isEmpty()) continue;
-    const std::size_t size = writeLines(files, index, kind, memory, blankLines);
-    if (size != 0) sections.push_back({static_cast<int>(kind), size});
-  }
-  if (isOpen) memory.write("\n#endif /* ").write(guard).write(" */\n");
-  return memory.finish(std::move(sections));
+  if (composition.order) requireAll(file, *composition.order, "its order leaves out");
+  return FileWriter(files, index, composition).finish();
 }
 
 }  // namespace orv

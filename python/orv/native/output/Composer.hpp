@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -11,6 +13,7 @@
 #include <varn/VarnFileSectionKind.hpp>
 
 #include "python/orv/native/PackagedFiles.hpp"
+#include "python/orv/native/output/Guard.hpp"
 
 namespace orv {
 
@@ -24,14 +27,18 @@ class ComposedFile {
   };
 
   // Takes over `characters`, which came from malloc.
-  ComposedFile(char* characters, std::size_t size, std::vector<Section> sections)
-      : characters_(characters), size_(size), sections_(std::move(sections)) {}
+  ComposedFile(char* characters, std::size_t size, std::vector<Section> sections, Guard guard)
+      : characters_(characters),
+        size_(size),
+        sections_(std::move(sections)),
+        guard_(std::move(guard)) {}
 
   // Valid until the composed file is destroyed.
   std::string_view bytes() const { return {characters_.get(), size_}; }
   // The sections that have text in written order, each with its size in bytes before a newline was
   // added.
   const std::vector<Section>& sections() const { return sections_; }
+  const Guard& guard() const { return guard_; }
 
  private:
   struct Free {
@@ -41,25 +48,39 @@ class ComposedFile {
   std::unique_ptr<char, Free> characters_;
   std::size_t size_;
   std::vector<Section> sections_;
+  Guard guard_;
 };
 
 using SectionOrder = std::vector<Varn::VarnFileSectionKind>;
+
+// How a file is composed.
+struct Composition {
+  // Of headers or of sources when there is none.
+  std::optional<SectionOrder> order;
+  // Whether sections are apart by a blank line at least.
+  bool blankLines = false;
+  // Whether a header gets a guard: by its DefinedMacro, or else by `guardForm` unless that is empty
+  // (see Guard::ofForm), with the file's path below the output folder.
+  bool guarded = true;
+  std::string guardForm;
+  std::string path;
+  // Whether the declarations of a header have C linkage in C++.
+  bool externC = false;
+};
 
 // Whether a file is a header, by the end of its name (its BaseName when it has none) or, failing
 // that, of its Type.
 bool isHeader(const Varn::VarnFile& file);
 
-// Composes a file: its sections in the order of headers or sources or, unless null, in `order`.
+// Composes a file. A section that does not end its last line is given a newline. The guard opens
+// before the first section that is not the banner and closes at the end; `extern "C"` opens behind
+// the includes. The blank line that an includes section begins with is left out on top of a file. A
+// text file is its one section as it is. Custom sections that were not placed are appended.
 //
-// A section that does not end its last line is given a newline. A header with a DefinedMacro is
-// guarded by it: the guard opens before the first section that is not the banner and closes at the
-// end. The blank line that an includes section begins with is left out on top of a file. With
-// `blankLines`, sections are apart by a blank line at least. A text file is its one section as it
-// is. Custom sections that were not placed are appended.
-//
-// Throws pybind11::value_error for a DefinedMacro that is no identifier and for a section with text
-// that the order or a text file leaves out.
-ComposedFile compose(PackagedFiles& files, int index, const SectionOrder* order, bool blankLines);
+// Throws pybind11::value_error for a guard that is no identifier, a DefinedMacro without guard, C
+// linkage of what is no header, and for a section with text that the order or a text file leaves
+// out.
+ComposedFile compose(PackagedFiles& files, int index, const Composition& composition);
 
 }  // namespace orv
 

@@ -10,15 +10,26 @@ namespace {
 
 namespace py = pybind11;
 
-ComposedFile composeFile(PackagedFiles& files, int index, const py::object& names,
-                         bool blankLines) {
-  if (names.is_none()) return compose(files, index, nullptr, blankLines);
+SectionOrder orderOf(PackagedFiles& files, int index, const py::object& names) {
   SectionOrder order;
   for (const py::handle name : names) {
     const int section = sectionNumber(utf8(name, "a section's name"));
     order.push_back(requireSection(files, index, section));
   }
-  return compose(files, index, &order, blankLines);
+  return order;
+}
+
+ComposedFile composeFile(PackagedFiles& files, int index, const py::object& order, bool blankLines,
+                         bool guarded, const py::object& guardForm, const py::str& path,
+                         bool externC) {
+  Composition composition;
+  if (!order.is_none()) composition.order = orderOf(files, index, order);
+  composition.blankLines = blankLines;
+  composition.guarded = guarded;
+  composition.guardForm = textArgument(guardForm, "the form of guards");
+  composition.path = path.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
+  composition.externC = externC;
+  return compose(files, index, composition);
 }
 
 // The bytes are the composed file's own; whoever holds the buffer holds the file alive.
@@ -37,16 +48,24 @@ py::dict sectionSizes(const ComposedFile& file) {
   return sizes;
 }
 
+// None without a guard; empty for one that is no macro.
+py::object guardOf(const ComposedFile& file) {
+  if (!file.guard().exists()) return py::none();
+  return toPython(file.guard().macro());
+}
+
 }  // namespace
 
 void bindComposer(py::module_& module, RepositoryClass& repository) {
   py::class_<ComposedFile>(module, "ComposedFile", py::buffer_protocol())
       .def_buffer(&bufferOf)
       .def("__len__", [](const ComposedFile& file) { return file.bytes().size(); })
-      .def_property_readonly("sections", &sectionSizes);
+      .def_property_readonly("sections", &sectionSizes)
+      .def_property_readonly("guard", &guardOf);
   repository
       .def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none(),
-           py::arg("blank_lines") = false)
+           py::arg("blank_lines") = false, py::arg("guarded") = true, py::arg("guard_form") = "",
+           py::arg("path") = "", py::arg("extern_c") = false)
       .def("is_header",
            [](PackagedFiles& files, int index) { return isHeader(files.file(index)); });
 }

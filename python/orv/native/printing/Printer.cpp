@@ -40,7 +40,8 @@ bool goesToFile(Body::Kind kind) {
 
 }  // namespace
 
-Printer::Printer(std::shared_ptr<PackagedFiles> files) : files_(std::move(files)) {
+Printer::Printer(std::shared_ptr<PackagedFiles> files, RepeatListener repeated)
+    : files_(std::move(files)), repeated_(std::move(repeated)) {
   openOutside(-1);
 }
 
@@ -76,12 +77,13 @@ void Printer::openSection(int file, int section) {
   body.section = kind;
 }
 
-void Printer::openFunction(int file, std::string name) {
+void Printer::openFunction(int file, std::string name, std::size_t tag) {
   const Varn::VarnFileSectionKind kind = requireSection(*files_, file, Varn::FUNCTIONS_SECTION);
   Body& body = open(Body::Kind::function);
   body.file = file;
   body.section = kind;
   body.name = std::move(name);
+  body.tag = tag;
 }
 
 void Printer::openFill(int file, std::string name) {
@@ -164,6 +166,7 @@ void Printer::appendIndented(std::string_view text, const Indentation& indentati
 void Printer::commit(Body& body) {
   // No text, no fragment: it would make an empty file one that is written.
   if (body.text.empty() && body.placements.empty()) return;
+  if (body.kind == Body::Kind::function) noteFunction(body);
   if (body.placements.empty() && !isWaitingFor(body.file, body.section)) {
     add(body);
     return;
@@ -172,6 +175,12 @@ void Printer::commit(Body& body) {
   if (file >= waitingSections_.size()) waitingSections_.resize(file + 1);
   waiting_.push_back(std::move(body));
   waitingSections_[file] |= 1U << waiting_.back().section;
+}
+
+void Printer::noteFunction(const Body& body) {
+  const auto [known, isNew] =
+      functions_.try_emplace(std::to_string(body.file) + ' ' + body.name, body.tag);
+  if (!isNew) repeated_(body, known->second);
 }
 
 void Printer::add(const Body& body) {

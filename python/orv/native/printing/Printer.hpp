@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include <varn/VarnFileSectionKind.hpp>
@@ -39,6 +40,8 @@ struct Body {
   int file = -1;
   Varn::VarnFileSectionKind section = Varn::BANNER_SECTION;
   std::string name;
+  // Of a function: where its tag is, a number of the template side.
+  std::size_t tag = 0;
   // Of the text of indent, when it goes to the body below.
   Indentation indentation;
   std::string text;
@@ -57,9 +60,12 @@ class Printer {
  public:
   // Gives the text of placement `number` in `body`, a body that is about to be committed.
   using Placer = std::function<std::string(std::size_t number, const Body& body)>;
+  // Called for a function whose name another one of the same file has, before it is committed.
+  // `first` is the tag of the other one. May throw.
+  using RepeatListener = std::function<void(const Body& function, std::size_t first)>;
 
   // Starts with one body, which is outside, and no current file.
-  explicit Printer(std::shared_ptr<PackagedFiles> files);
+  Printer(std::shared_ptr<PackagedFiles> files, RepeatListener repeated);
 
   PackagedFiles& files() { return *files_; }
   Body& top() { return bodies_[depth_ - 1]; }
@@ -73,7 +79,7 @@ class Printer {
   // The body of the tag that makes a file the current one: outside or, in a text file, its section.
   void openFile(int file);
   void openSection(int file, int section);
-  void openFunction(int file, std::string name);
+  void openFunction(int file, std::string name, std::size_t tag);
   void openFill(int file, std::string name);
   void openCapture();
   // In a body that is outside, which has no lines to indent, another one that is outside.
@@ -103,9 +109,13 @@ class Printer {
   void indent(const Body& body);
   void appendIndented(std::string_view text, const Indentation& indentation);
   void commit(Body& body);
+  void noteFunction(const Body& body);
   void add(const Body& body);
 
   std::shared_ptr<PackagedFiles> files_;
+  RepeatListener repeated_;
+  // The tags of functions, by file and name.
+  std::unordered_map<std::string, std::size_t> functions_;
   // The first `depth_` are open; the others are kept for their memory.
   std::vector<Body> bodies_;
   std::size_t depth_ = 0;

@@ -3,11 +3,13 @@
 
 #include <charconv>
 #include <climits>
+#include <cstdint>
 #include <exception>
 #include <memory>
 #include <new>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <orbel/Diagnostics.hpp>
 
@@ -21,12 +23,49 @@ namespace {
 
 namespace py = pybind11;
 
+// Where tags are, as numbers: lines of the compiled code of templates.
+class TagTable {
+ public:
+  // The line of the code that runs.
+  std::size_t here() {
+    PyFrameObject* frame = PyEval_GetFrame();
+    const auto line = static_cast<std::size_t>(frame == nullptr ? 0 : PyFrame_GetLineNumber(frame));
+    PyObject* globals = PyEval_GetGlobals();
+    PyObject* found = globals == nullptr ? nullptr : PyDict_GetItemWithError(globals, name_.ptr());
+    return position(found == nullptr ? Py_None : found) << 32 | line;
+  }
+
+  // None when no template was running.
+  const py::object& templateOf(std::size_t tag) const { return templates_[tag >> 32]; }
+  static std::size_t lineOf(std::size_t tag) { return tag & UINT32_MAX; }
+
+  int visitTemplates(visitproc visit, void* arg) const {
+    for (const py::object& known : templates_) Py_VISIT(known.ptr());
+    return 0;
+  }
+  void clear() { templates_.clear(); }
+
+ private:
+  std::size_t position(PyObject* wanted) {
+    std::size_t after = templates_.size();
+    while (after != 0 && templates_[after - 1].ptr() != wanted) --after;
+    if (after != 0) return after - 1;
+    templates_.push_back(py::reinterpret_borrow<py::object>(wanted));
+    return templates_.size() - 1;
+  }
+
+  py::str name_{"__jinja_template__"};
+  std::vector<py::object> templates_;
+};
+
 struct PrinterObject {
   PyObject_HEAD Printer* printer;
   // Functions of the template side; see _native.pyi.
   PyObject* textOf;
   PyObject* refuse;
   PyObject* find;
+  PyObject* repeated;
+  TagTable* tags;
   // Whether the next enter() opens no capture, as what it encloses is printed as it is.
   bool printsNext;
   // The position of the argument that write() failed on; -1 for none.
@@ -224,9 +263,17 @@ PyObject* function(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("function", count, 1, 2);
     const int file = targetOf(objectOf(self), arguments, count, 1);
-    printerOf(self).openFunction(file, textArgument(arguments[0], "a function's name"));
+    printerOf(self).openFunction(file, textArgument(arguments[0], "a function's name"),
+                                 objectOf(self).tags->here());
     return none();
   });
+}
+
+// Tells the template side of a function whose name another one of its file has.
+void reportRepeated(const PrinterObject& self, const Body& function, std::size_t first) {
+  if (self.repeated == nullptr) return;
+  py::handle(self.repeated)(function.file, toPython(function.name), self.tags->templateOf(first),
+                            TagTable::lineOf(first));
 }
 
 PyObject* fill(PyObject* self, Arguments arguments, Py_ssize_t count) {
@@ -374,9 +421,10 @@ PyObject* create(PyTypeObject* type, PyObject* arguments, PyObject* named) {
   PyObject* textOf = nullptr;
   PyObject* refuse = nullptr;
   PyObject* find = nullptr;
-  constexpr const char* names[] = {"files", "text_of", "refuse", "find", nullptr};
-  if (PyArg_ParseTupleAndKeywords(arguments, named, "OOOO:Printer", const_cast<char**>(names),
-                                  &files, &textOf, &refuse, &find) == 0) {
+  PyObject* repeated = nullptr;
+  constexpr const char* names[] = {"files", "text_of", "refuse", "find", "repeated", nullptr};
+  if (PyArg_ParseTupleAndKeywords(arguments, named, "OOOOO:Printer", const_cast<char**>(names),
+                                  &files, &textOf, &refuse, &find, &repeated) == 0) {
     return nullptr;
   }
   return guarded([&]() -> PyObject* {
@@ -386,16 +434,21 @@ PyObject* create(PyTypeObject* type, PyObject* arguments, PyObject* named) {
     } else {
       throw py::type_error("expected a Repository");
     }
-    auto printer = std::make_unique<Printer>(std::move(repository));
+    auto tags = std::make_unique<TagTable>();
     PyObject* self = type->tp_alloc(type, 0);
     if (self == nullptr) return nullptr;
+    const auto owner = py::reinterpret_steal<py::object>(self);
     PrinterObject& object = objectOf(self);
-    object.printer = printer.release();
+    object.tags = tags.release();
+    object.printer = new Printer(
+        std::move(repository),
+        [&object](const Body& body, std::size_t first) { reportRepeated(object, body, first); });
     object.textOf = Py_NewRef(textOf);
     object.refuse = Py_NewRef(refuse);
     object.find = Py_NewRef(find);
+    object.repeated = Py_NewRef(repeated);
     object.failedArgument = -1;
-    return self;
+    return py::object(owner).release().ptr();
   });
 }
 
@@ -405,7 +458,8 @@ int traverse(PyObject* self, visitproc visit, void* arg) {
   Py_VISIT(object.textOf);
   Py_VISIT(object.refuse);
   Py_VISIT(object.find);
-  return 0;
+  Py_VISIT(object.repeated);
+  return object.tags == nullptr ? 0 : object.tags->visitTemplates(visit, arg);
 }
 
 int clear(PyObject* self) {
@@ -413,6 +467,8 @@ int clear(PyObject* self) {
   Py_CLEAR(object.textOf);
   Py_CLEAR(object.refuse);
   Py_CLEAR(object.find);
+  Py_CLEAR(object.repeated);
+  if (object.tags != nullptr) object.tags->clear();
   return 0;
 }
 
@@ -421,6 +477,7 @@ void destroy(PyObject* self) {
   PyObject_GC_UnTrack(self);
   static_cast<void>(clear(self));
   delete objectOf(self).printer;
+  delete objectOf(self).tags;
   type->tp_free(self);
   Py_DECREF(type);
 }
