@@ -60,6 +60,12 @@ def stderr_of(message: str) -> str:
     return f"{message}\n" if re.match(r"[^ :]+:\d+: ", message) else f"error: {message}\n"
 
 
+@pytest.fixture(autouse=True, scope="session")
+def cache(tmp_path_factory: pytest.TempPathFactory) -> None:
+    """Keep compiled templates and formatted texts of the tests out of the user's cache."""
+    os.environ["XDG_CACHE_HOME"] = str(tmp_path_factory.mktemp("cache"))
+
+
 @pytest.fixture
 def orv(tmp_path: Path) -> Command:
     """Runs the command line in a folder of its own, where files can be put before."""

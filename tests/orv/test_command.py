@@ -380,6 +380,31 @@ def test_scripts(orv: Command, tmp_path: Path) -> None:
     assert "return 1;" in (tmp_path / "out/src/count.c").read_text()
 
 
+def test_compiled_templates_are_kept(orv: Command, tmp_path: Path) -> None:
+    cache = tmp_path / "cache" / "orv" / "templates"
+
+    def made(text: str) -> str:
+        template = (
+            f"{{% file 'a.h' %}}{{% section 'Enums' %}}{text}{{% endsection %}}{{% endfile %}}"
+        )
+        env = {"XDG_CACHE_HOME": str(tmp_path / "cache")}
+        done = orv("generate", "t.j2", "--out", "out", env=env, t__j2=template)
+        assert done.returncode == 0, done.stderr
+        return (tmp_path / "out" / "a.h").read_text().strip()
+
+    assert made("1") == made("1") == "1"
+    (first,) = cache.iterdir()
+    assert made("2") == "2"
+    (second,) = set(cache.iterdir()) - {first}
+    first.write_bytes(second.read_bytes())
+    assert made("1") == "2"
+    cache.chmod(0o777)
+    assert made("1") == "1"
+    cache.chmod(0o700)
+    first.write_bytes(second.read_bytes()[:-1])
+    assert made("1") == "1"
+
+
 def test_formatter(orv: Command, tmp_path: Path) -> None:
     script = (
         'echo "$1" >> calls; text=$(cat); case $text in'

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from dataclasses import dataclass
 
-from orv.command.option import Option, options_of
+from orv.command.option import Option, Options, options_of
 
 from orv.command.options import (
     GenerateOptions, LintOptions, ListOutputsOptions, PrintModelOptions,
@@ -24,7 +24,7 @@ class Command:
     name: str
     help: str
     description: str
-    holder: type
+    holder: type[Options]
 
     @property
     def module(self) -> str:

@@ -1,12 +1,12 @@
 """Options as data: what argparse, manual pages, completion and project files are made from.
 
-A command's options are the fields of a dataclass: the field's name is the option's, its annotation
-the type of the value, and `flag`, `value`, `values` or `operands` say the rest.
+A command's options are the attributes of a class derived from `Options`: the attribute's name is
+the option's, its annotation the type of the value, and `flag`, `value`, `values` or `operands` say
+the rest.
 """
 
 from __future__ import annotations
 
-import dataclasses
 import os
 from collections.abc import Callable
 from dataclasses import dataclass
@@ -29,17 +29,23 @@ class ValueType:
     choices: tuple[str, ...] = ()
 
 
-@dataclass(frozen=True)
+@dataclass(eq=False)
 class Option:
     """One option of a command. Without a type it is a flag."""
 
-    name: str
     help: str
     type: ValueType | None = None
+    default: object = None
     repeatable: bool = False
     positional: bool = False
     exclusive: str = ""
+    # What the class that declares it calls it, and the class's GROUP.
+    name: str = ""
     group: str = ""
+
+    def __set_name__(self, holder: object, name: str) -> None:
+        self.name = name.replace("_", "-")
+        self.group = getattr(holder, "GROUP", "")
 
     @property
     def attribute(self) -> str:
@@ -79,44 +85,39 @@ def number(metavar: str) -> ValueType:
 
 def flag(help: str, *, exclusive: str = "") -> Any:
     """An option without a value. Of those with the same `exclusive`, one can be given."""
-    return dataclasses.field(
-        default=False, metadata={"help": help, "type": None, "exclusive": exclusive}
-    )
+    return Option(help, default=False, exclusive=exclusive)
 
 
 def value(type: ValueType, help: str, *, default: object = None) -> Any:
     """An option with one value."""
-    return dataclasses.field(default=default, metadata={"help": help, "type": type})
+    return Option(help, type, default)
 
 
 def values(type: ValueType, help: str) -> Any:
     """An option that can be repeated; its values are a list, in order."""
-    return _list(type=type, help=help)
+    return Option(help, type, repeatable=True)
 
 
 def operands(type: ValueType, help: str) -> Any:
     """Arguments without a name, a list."""
-    return _list(type=type, help=help, positional=True)
+    return Option(help, type, repeatable=True, positional=True)
 
 
-def options_of(holder: type) -> list[Option]:
-    """The options that a dataclass declares, those of its bases first.
+class Options:
+    """The values of a command's options: those that were given, and the others' defaults."""
 
-    The group of an option is the GROUP of the class that declares it.
-    """
-    found: list[Option] = []
-    for declaring in reversed(holder.__mro__):
-        names = declaring.__dict__.get("__annotations__", {})
-        for field in dataclasses.fields(declaring) if names else ():
-            if field.name in names and field.metadata:
-                name = field.name.replace("_", "-")
-                found.append(Option(name, **field.metadata, group=getattr(declaring, "GROUP", "")))
-    return found
+    def __init__(self, **given: Any) -> None:
+        for option in options_of(type(self)):
+            missing = [] if option.repeatable else option.default
+            setattr(self, option.attribute, given.pop(option.attribute, missing))
+        if given:
+            raise TypeError(f"no option is named {', '.join(given)}")
 
 
-def _list(**metadata: Any) -> Any:
-    metadata["repeatable"] = True
-    return dataclasses.field(default_factory=list, metadata=metadata)
+def options_of(holder: type[Options]) -> list[Option]:
+    """The options that a class declares, those of its bases first."""
+    classes = reversed(holder.__mro__)
+    return [found for each in classes for found in vars(each).values() if type(found) is Option]
 
 
 def _whole_number(text: str) -> int:

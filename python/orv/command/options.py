@@ -4,11 +4,10 @@ from __future__ import annotations
 
 import os
 import re
-from dataclasses import dataclass
 from typing import TYPE_CHECKING, ClassVar
 
 from orv.command.option import (
-    ValueType, choice, file, flag, folder, number, operands, text, value, values,
+    Options, ValueType, choice, file, flag, folder, number, operands, text, value, values,
 )  # fmt: skip
 
 if TYPE_CHECKING:
@@ -73,8 +72,7 @@ DELIMITERS = ValueType("'<% %> << >> <# #>'", _delimiters)
 SETTING = ValueType("KEY=VALUE", _setting)
 
 
-@dataclass
-class ExtensionOptions:
+class ExtensionOptions(Options):
     """What helps the model and the templates."""
 
     GROUP: ClassVar[str] = "model"
@@ -85,7 +83,6 @@ class ExtensionOptions:
     )
 
 
-@dataclass
 class ModelOptions(ExtensionOptions):
     """The model."""
 
@@ -100,8 +97,7 @@ class ModelOptions(ExtensionOptions):
     schema: list[str] = values(file("FILE"), "check the model with a JSON Schema, in JSON or YAML")
 
 
-@dataclass
-class TemplateOptions:
+class TemplateOptions(Options):
     """The templates."""
 
     GROUP: ClassVar[str] = "input"
@@ -113,7 +109,6 @@ class TemplateOptions:
     )
 
 
-@dataclass
 class InputOptions(TemplateOptions):
     """What is rendered, and what runs after it."""
 
@@ -122,8 +117,7 @@ class InputOptions(TemplateOptions):
     script: list[str] = values(file("FILE.py"), "run a script on the files before they are written")
 
 
-@dataclass
-class OutputFolderOptions:
+class OutputFolderOptions(Options):
     """Where files are written."""
 
     GROUP: ClassVar[str] = "output"
@@ -131,7 +125,6 @@ class OutputFolderOptions:
     out: str = value(folder("DIR"), "the folder for the files", default="")
 
 
-@dataclass
 class OutputOptions(OutputFolderOptions):
     """What is written, and whether."""
 
@@ -156,8 +149,7 @@ class OutputOptions(OutputFolderOptions):
     diff: bool = flag("write nothing; show what would change")
 
 
-@dataclass
-class LayoutOptions:
+class LayoutOptions(Options):
     """How the text of files is laid out."""
 
     GROUP: ClassVar[str] = "layout"
@@ -177,8 +169,7 @@ class LayoutOptions:
     format_all: bool = flag("run the formatter on every file")
 
 
-@dataclass
-class WritingOptions:
+class WritingOptions(Options):
     """How the output folder is written."""
 
     GROUP: ClassVar[str] = "writing"
@@ -194,8 +185,7 @@ class WritingOptions:
     fsync: bool = flag("end only when everything is on the disk")
 
 
-@dataclass
-class StateOptions:
+class StateOptions(Options):
     """What becomes of files that are there already."""
 
     GROUP: ClassVar[str] = "files that are there already"
@@ -217,8 +207,7 @@ class StateOptions:
     adopt: bool = flag("take over files that another run made, or none")
 
 
-@dataclass
-class MessageOptions:
+class MessageOptions(Options):
     """What is said."""
 
     GROUP: ClassVar[str] = "messages"
@@ -228,8 +217,7 @@ class MessageOptions:
     verbose: bool = flag("say what is read and done", exclusive="volume")
 
 
-@dataclass
-class ProjectOptions:
+class ProjectOptions(Options):
     """Which runs of which project file."""
 
     GROUP: ClassVar[str] = "project"
@@ -242,7 +230,6 @@ class ProjectOptions:
     )
 
 
-@dataclass
 class GenerateOptions(
     ProjectOptions,
     MessageOptions,
@@ -266,14 +253,12 @@ class GenerateOptions(
         return not (self.check or self.diff or self.dry_run)
 
 
-@dataclass
 class PrintModelOptions(MessageOptions, ModelOptions):
     """The options of `orv model`."""
 
     places: bool = flag("print one line for each value, with the place where it was written")
 
 
-@dataclass
 class ListOutputsOptions(
     ProjectOptions, MessageOptions, OutputFolderOptions, ModelOptions, InputOptions
 ):
@@ -282,6 +267,5 @@ class ListOutputsOptions(
     json: bool = flag("print a JSON list")
 
 
-@dataclass
 class LintOptions(ExtensionOptions, TemplateOptions):
     """The options of `orv lint`."""

@@ -7,20 +7,16 @@ import os
 import shlex
 import shutil
 import subprocess
-import time
 from collections.abc import Iterable, Sequence
 from concurrent.futures import ThreadPoolExecutor
 from contextlib import suppress
 from pathlib import Path
-from tempfile import NamedTemporaryFile
 
+from orv.cache import Cache
 from orv.errors import OutputError
 
 # Files that formatters take their style from, looked for in a file's folder and all above.
 _STYLE_FILES = (".clang-format", "_clang-format", ".clang-format-ignore", ".editorconfig")
-
-# Texts that no run has asked for so long, in seconds, leave the cache.
-_LONGEST_UNUSED = 30 * 24 * 3600
 
 _LONGEST_COMPLAINT = 2000
 
@@ -40,7 +36,7 @@ class Formatter:
             raise ValueError(f"expected a command, got {command!r}: {error}") from error
         if not self._words:
             raise ValueError("expected a command, got an empty text")
-        self._cache = _cache_folder()
+        self._cache = Cache("format")
         self._digests: dict[str, bytes] = {}
         self._program = shutil.which(self._words[0])
 
@@ -50,7 +46,7 @@ class Formatter:
             return []
         with ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
             results = list(pool.map(lambda entry: self._formatted(*entry), texts))
-        self._forget_unused()
+        self._cache.forget_unused()
         return results
 
     def style_files(self, paths: Iterable[str]) -> list[str]:
@@ -58,19 +54,15 @@ class Formatter:
         return sorted({found for path in paths for found in self._settings(path)})
 
     def _formatted(self, path: str, text: bytes) -> bytes | OutputError:
-        kept = self._cache / self._key(path, text)
-        with suppress(OSError):
-            os.utime(kept)
-            return kept.read_bytes()
+        key = self._key(path, text)
+        result = self._cache.get(key)
+        if result is not None:
+            return result
         try:
             result = self._run(path, text)
         except OutputError as error:
             return error
-        with suppress(OSError):
-            self._cache.mkdir(parents=True, exist_ok=True)
-            with NamedTemporaryFile(dir=self._cache, delete=False) as temporary:
-                temporary.write(result)
-            os.replace(temporary.name, kept)
+        self._cache.put(key, result)
         return result
 
     def _run(self, path: str, text: bytes) -> bytes:
@@ -119,15 +111,3 @@ class Formatter:
                 if os.path.isfile(path):
                     self._digests[path] = hashlib.blake2b(Path(path).read_bytes()).digest()
         return self._digests[path]
-
-    def _forget_unused(self) -> None:
-        oldest = time.time() - _LONGEST_UNUSED
-        with suppress(OSError):
-            for entry in os.scandir(self._cache):
-                if entry.stat().st_mtime < oldest:
-                    os.unlink(entry)
-
-
-def _cache_folder() -> Path:
-    base = os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache")
-    return Path(base) / "orv" / "format"

@@ -2,9 +2,10 @@
 
 from __future__ import annotations
 
-from typing import NamedTuple
+from typing import TYPE_CHECKING, NamedTuple
 
-from orv.output.formatter import Formatter
+if TYPE_CHECKING:
+    from orv.output.formatter import Formatter
 
 
 class Layout(NamedTuple):

@@ -6,14 +6,17 @@ import os
 from collections.abc import Iterator
 from dataclasses import dataclass
 from enum import Enum
+from typing import TYPE_CHECKING
 
 from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
 from orv.files.table import FileShape
 from orv.output.folder import reason, shown
-from orv.output.formatter import Formatter
 from orv.output.layout import Layout
+
+if TYPE_CHECKING:
+    from orv.output.formatter import Formatter
 
 
 class State(Enum):

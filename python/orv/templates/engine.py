@@ -12,10 +12,8 @@ from jinja2 import BaseLoader, FileSystemLoader, TemplateSyntaxError
 from orv._native import Places
 from orv.errors import PLACE, Located, Messages, TemplateError
 from orv.files.run import Run
-from orv.templates.diagnosis import syntax_messages, template_error
 from orv.templates.environment import Environment
 from orv.templates.library import Language
-from orv.templates.lint import Linter
 from orv.templates.mentions import names_in_python, names_in_template
 from orv.templates.printable import refuse_outside, text_of
 
@@ -83,6 +81,8 @@ def render(
 
 def lint(sources: Sequence[Source], language: Language = Language()) -> list[str]:
     """What is wrong with the templates as far as it can be known without a model, by file and line."""
+    from orv.templates.lint import Linter
+
     run = Run(Messages(), text_of, refuse_outside)
     found: dict[str, None] = {}
     for source in sources:
@@ -116,6 +116,9 @@ def _syntax_errors(
     error: TemplateSyntaxError, sources: Sequence[Source], language: Language
 ) -> list[str]:
     """The mistakes of the template that cannot be compiled, and of all others that are named."""
+    from orv.templates.diagnosis import syntax_messages
+    from orv.templates.lint import Linter
+
     found = dict.fromkeys(syntax_messages(error))
     run = Run(Messages(), text_of, refuse_outside)
     for source in sources:
@@ -132,6 +135,8 @@ def _template_errors(loader: BaseLoader, run: Run, places: Places | None) -> Ite
     except (Located, TemplateError):
         raise
     except Exception as error:
+        from orv.templates.diagnosis import template_error
+
         argument = run.printer.failed_argument
         raise template_error(error, loader, places, argument) from error
 

@@ -21,6 +21,7 @@ from orv import positions
 from orv.errors import Located, did_you_mean
 from orv.files.run import Run
 from orv.models.element import ENTRIES, Element
+from orv.templates.bytecode import CompiledTemplates
 from orv.templates.compiler import TemplateCode
 from orv.templates.library import Language, add_library
 from orv.templates.lexer import PlacingLexer
@@ -115,6 +116,7 @@ class Environment(ImmutableSandboxedEnvironment):
             trim_blocks=True,
             lstrip_blocks=True,
             auto_reload=False,
+            bytecode_cache=CompiledTemplates(),
         )
         self.printer = run.printer
         self.statements = Statements(run)

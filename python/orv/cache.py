@@ -1,0 +1,69 @@
+"""What is kept from one run to the next in the user's cache folder."""
+
+from __future__ import annotations
+
+import os
+import stat
+import time
+from contextlib import suppress
+from hashlib import blake2b
+from pathlib import Path
+from tempfile import NamedTemporaryFile
+
+# What no run has asked for so long, in seconds, leaves the cache.
+_LONGEST_UNUSED = 30 * 24 * 3600
+
+_DIGEST = 20
+
+
+class Cache:
+    """Bytes by their keys, hexadecimal digests, in a folder that only the user can write to.
+
+    The folder is `orv/PART` of $XDG_CACHE_HOME, or of ~/.cache. Nothing is kept, and nothing is
+    found, where that folder cannot be used or belongs to someone else.
+    """
+
+    def __init__(self, part: str) -> None:
+        base = os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache")
+        self._folder = Path(base) / "orv" / part
+        self._is_private = False
+
+    def get(self, key: str) -> bytes | None:
+        """What was kept under the key; None when there is nothing or it is damaged."""
+        path = self._folder / key
+        if not self._is_usable():
+            return None
+        try:
+            data = path.read_bytes()
+            os.utime(path)
+        except OSError:
+            return None
+        digest, kept = data[:_DIGEST], data[_DIGEST:]
+        return kept if blake2b(kept, digest_size=_DIGEST).digest() == digest else None
+
+    def put(self, key: str, data: bytes) -> None:
+        """Keep the bytes under the key; entries that were not used for a long time are removed."""
+        with suppress(OSError):
+            self._folder.mkdir(mode=0o700, parents=True, exist_ok=True)
+            if not self._is_usable():
+                return
+            with NamedTemporaryFile(dir=self._folder, delete=False) as temporary:
+                temporary.write(blake2b(data, digest_size=_DIGEST).digest() + data)
+            os.replace(temporary.name, self._folder / key)
+
+    def forget_unused(self) -> None:
+        """Remove what no run has asked for lately."""
+        oldest = time.time() - _LONGEST_UNUSED
+        with suppress(OSError):
+            for entry in os.scandir(self._folder):
+                if entry.stat().st_mtime < oldest:
+                    os.unlink(entry)
+
+    def _is_usable(self) -> bool:
+        """Whether the folder is the user's own and closed to others; looked at once."""
+        if not self._is_private:
+            with suppress(OSError):
+                found = os.stat(self._folder)
+                others = stat.S_IWGRP | stat.S_IWOTH
+                self._is_private = found.st_uid == os.geteuid() and not found.st_mode & others
+        return self._is_private
