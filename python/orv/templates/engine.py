@@ -14,7 +14,6 @@ from orv.errors import PLACE, Located, Messages, TemplateError
 from orv.files.run import Run
 from orv.templates.environment import Environment
 from orv.templates.library import Language
-from orv.templates.mentions import names_in_python, names_in_template
 from orv.templates.printable import refuse_outside, text_of
 
 
@@ -97,6 +96,8 @@ def mentioned_names(
     templates: Iterable[str], modules: Iterable[str], language: Language
 ) -> set[str]:
     """What templates and Python files, given by their paths, may read of a model."""
+    from orv.templates.mentions import names_in_python, names_in_template
+
     run = Run(Messages(), text_of, refuse_outside)
     environment = Environment(run, BaseLoader(), language)
     found: set[str] = set()
