@@ -67,10 +67,10 @@ LONGEST_INDENTATION: int
 BodyKind: TypeAlias = Literal["outside", "section", "function", "fill", "capture", "indent"]
 
 class Printer:
-    # text_of(value) is the text of what is neither str nor int, refuse(text) raises for text outside
-    # of every section, find(target) is the index of a file that no name gives, repeated(file, name,
-    # template, line) is told of a function whose name one of the same file has, and of the line of
-    # compiled code where that one is; the template is None when none was running.
+    # text_of(value) is the text of what is no str, int or finite float, refuse(text) raises for text
+    # outside of every section, find(target) is the index of a file that no name gives,
+    # repeated(file, name, template, line) is told of a function whose name one of the same file has,
+    # and of the line of compiled code where that one is; the template is None when none was running.
     def __init__(
         self,
         files: Repository,

@@ -11,6 +11,7 @@ from __future__ import annotations
 
 from collections.abc import Iterable, Iterator
 from contextlib import contextmanager
+from math import isfinite
 from typing import Any
 
 from jinja2 import nodes
@@ -119,6 +120,12 @@ class TemplateCode(CodeGenerator):
     def _print_as_it_is(self, node: nodes.Expr) -> None:
         if isinstance(node, nodes.Call):
             self._printed.add(id(node))
+
+    def visit_Const(self, node: nodes.Const, frame: Frame) -> None:
+        """Compile a constant. One that is not finite would be a name in the code."""
+        if isinstance(node.value, float) and not isfinite(node.value):
+            self.fail("the number is too large", node.lineno)
+        super().visit_Const(node, frame)
 
     def visit_Concat(self, node: nodes.Concat, frame: Frame) -> None:
         """Compile `~`, whose operands become text as if they were printed."""

@@ -29,6 +29,7 @@ from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
+from orv.templates.texts import checked_filters, require_format, require_operands
 
 # The compiler is built on that of Jinja2; docs/architecture.md lists what it relies upon.
 _JINJA2 = "3.1."
@@ -103,7 +104,7 @@ class Environment(ImmutableSandboxedEnvironment):
     code_generator_class = TemplateCode
     template_class = PrintingTemplate
     context_class = TemplateContext
-    intercepted_binops = frozenset(["*", "**"])
+    intercepted_binops = frozenset(["%", "*", "**"])
 
     def __init__(self, run: Run, loader: BaseLoader, language: Language) -> None:
         super().__init__(
@@ -112,6 +113,8 @@ class Environment(ImmutableSandboxedEnvironment):
             extensions=EXTENSIONS,
             undefined=StrictUndefined,
             finalize=text_of,
+            # What is computed beforehand is not checked by what computes it.
+            optimized=False,
             keep_trailing_newline=True,
             trim_blocks=True,
             lstrip_blocks=True,
@@ -123,6 +126,7 @@ class Environment(ImmutableSandboxedEnvironment):
         self.globals.update(self.statements.globals())
         # What they give differs from run to run.
         del self.filters["random"], self.globals["lipsum"]
+        self.filters.update(checked_filters(self.filters))
         add_library(self, run.messages, language.extensions)
 
     @cached_property
@@ -203,11 +207,16 @@ class Environment(ImmutableSandboxedEnvironment):
             _run_block(__obj)
             text = __self.printer.leave(entered)
             return Markup(text) if __context.eval_ctx.autoescape else text
+        require_format(__obj, args, kwargs.values())
         return super().call(__context, __obj, *args, **kwargs)
 
     def call_binop(self, context: Context, operator: str, left: Any, right: Any) -> Any:
-        """Refuse a product that would fill the memory and a power that would never end."""
-        if operator == "**":
+        """Refuse a product that would fill the memory, a power that would never end, and a text of
+        what has none."""
+        if operator == "%":
+            if isinstance(left, str):
+                require_operands(right)
+        elif operator == "**":
             bits = left.bit_length() * right if _are_ints(left, right) else 0
             if bits > _MOST_BITS:
                 raise SecurityError(f"the power {left} ** {right} is too large")

@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Callable, Sequence
 from typing import Any, NamedTuple
 
-from jinja2 import Environment, pass_context
+from jinja2 import Environment
 
 from orv.dependencies import depends
 from orv.errors import Messages, OrvError
@@ -64,19 +64,7 @@ def _extend(kind: str, known: Any, declared: dict[str, Callable[..., Any]]) -> N
                 f'{place(function)}: there is a {kind} "{name}" already; give this one another'
                 f' name: @orv.{kind}("NAME")'
             )
-        known[name] = function if kind == "function" else _run_time_only(function)
-
-
-def _run_time_only(function: Callable[..., Any]) -> Callable[..., Any]:
-    """The function, called each time: templates call others once if their arguments are constant."""
-    if hasattr(function, "jinja_pass_arg"):
-        return function
-
-    @pass_context
-    def call(_: object, *arguments: object, **named: object) -> object:
-        return function(*arguments, **named)
-
-    return call
+        known[name] = function
 
 
 def _shown(value: object) -> str:

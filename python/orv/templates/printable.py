@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 from datetime import date, time, timedelta
+from math import isfinite
 from typing import NoReturn
 
 from jinja2 import Undefined
@@ -24,17 +25,24 @@ _INSTEAD: dict[type, str] = {
 
 
 def text_of(value: object) -> str:
-    """The text that is printed for a value, also by `~`.
+    """The text that is printed for a value, also by `~` and by filters that make text.
 
-    Raises OrvError for one that C has no use for, or whose text would be its address.
-    Texts and numbers need not come here; everything else that reaches an output does.
+    Texts and whole numbers need not come here; everything else that becomes text does. Raises
+    OrvError as `require_printable` does.
     """
+    require_printable(value)
+    return str(value)
+
+
+def require_printable(value: object) -> None:
+    """Raise OrvError for a value that C has no use for, or whose text would be its address."""
     instead = _INSTEAD.get(type(value))
     if instead is not None:
         raise OrvError(instead)
+    if isinstance(value, float) and not isfinite(value):
+        raise OrvError(f"the number {value} has no text in C; <math.h> has INFINITY and NAN")
     if not isinstance(value, _PRINTED):
         raise OrvError(f"a value of type {type(value).__name__} has no text to print{_hint(value)}")
-    return str(value)
 
 
 def refuse_outside(text: str) -> None:

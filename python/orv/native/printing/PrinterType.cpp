@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -229,7 +230,7 @@ void print(PrinterObject& self, PyObject* value) {
     printText(self, value);
   } else if (PyLong_CheckExact(value)) {
     printInt(self, value);
-  } else if (PyFloat_CheckExact(value)) {
+  } else if (PyFloat_CheckExact(value) && std::isfinite(PyFloat_AS_DOUBLE(value))) {
     printRare(self, value);
   } else {
     const py::object text = call(self.textOf, value);
