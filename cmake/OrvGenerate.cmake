@@ -135,8 +135,10 @@ macro(_orv_generate_now)
     WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
     OUTPUT_VARIABLE listing OUTPUT_STRIP_TRAILING_WHITESPACE
     RESULT_VARIABLE result)
-  if(NOT result EQUAL 0)
+  if(result MATCHES "^[1-9]")
     _orv_fail("${program} ended with ${result}; its message is above")
+  elseif(NOT result EQUAL 0)
+    _orv_fail("${program} cannot be run: ${result}")
   endif()
   message(VERBOSE "${listing}")
   _orv_read_dependencies(dependencies "${reports}.d")
@@ -158,6 +160,7 @@ macro(_orv_generate_in_build)
   list(TRANSFORM arg_MODELS REPLACE "^[A-Za-z_][A-Za-z0-9_]*=" "")
   list(FILTER arg_MODELS EXCLUDE REGEX "[*?]|\\[")
   set(stamp "${reports}.stamp")
+  _orv_forget_outdated("${stamp}" "${reports}.d")
   add_custom_command(
     OUTPUT "${stamp}"
     BYPRODUCTS ${arg_OUTPUTS}
@@ -170,6 +173,21 @@ macro(_orv_generate_in_build)
     VERBATIM)
   set(sources "${stamp}" ${arg_OUTPUTS})
 endmacro()
+
+# Removes the stamp if something in the depfile is newer or gone: in the first build after CMake has
+# configured, Make does not know what is in depfiles.
+function(_orv_forget_outdated stamp depfile)
+  if(NOT EXISTS "${stamp}" OR NOT EXISTS "${depfile}")
+    return()
+  endif()
+  _orv_read_dependencies(dependencies "${depfile}")
+  foreach(dependency IN LISTS dependencies)
+    if("${dependency}" IS_NEWER_THAN "${stamp}")
+      file(REMOVE "${stamp}")
+      return()
+    endif()
+  endforeach()
+endfunction()
 
 macro(_orv_check_arguments)
   if(NOT TARGET "${arg_TARGET}")
@@ -187,7 +205,11 @@ macro(_orv_check_arguments)
 endmacro()
 
 function(_orv_fail)
-  string(CONCAT text ${ARGV})
+  set(text "")
+  math(EXPR last "${ARGC} - 1")
+  foreach(position RANGE ${last})
+    string(APPEND text "${ARGV${position}}")
+  endforeach()
   message(FATAL_ERROR "orv_generate(TARGET ${arg_TARGET}): ${text}")
 endfunction()
 
