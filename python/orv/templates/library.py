@@ -45,8 +45,6 @@ def add_library(environment: Environment, messages: Messages, extensions: Extens
         return ""
 
     added = cfilters.filters(warn)
-    # Its warning is due in each run, also in those that find the template compiled.
-    added["c_string"] = _run_time_only(added["c_string"])
     environment.filters.update(added | bits.filters())
     environment.tests["regex_match"] = lambda *arguments: bool(added["regex_match"](*arguments))
     environment.globals.update(
