@@ -79,6 +79,18 @@ class Located(OrvError):
     """An error whose text already says where."""
 
 
+def unexpected(error: BaseException) -> str:
+    """The words for an error that was not foreseen: a fault of this program, or of the machine."""
+    if isinstance(error, MemoryError):
+        return "the memory is exhausted"
+    trace = error.__traceback__
+    while trace is not None and trace.tb_next is not None:
+        trace = trace.tb_next
+    code = trace.tb_frame.f_code.co_filename.rpartition("/")[2] if trace is not None else "?"
+    line = trace.tb_lineno if trace is not None else 0
+    return f"orv failed at {code}:{line}: {type(error).__name__}: {error}"
+
+
 def did_you_mean(name: str, known: Iterable[str]) -> str:
     """ "; did you mean "x"?" for the closest known name, or nothing."""
     from difflib import get_close_matches

@@ -16,6 +16,7 @@ from orv.errors import Messages
 from orv.extensions import load_extensions
 from orv.files.run import Run
 from orv.models.model import build_model, refuse_unknown
+from orv.templates.budget import Budget
 from orv.templates.engine import mentioned_names, render, source_beside
 from orv.templates.library import DELIMITERS, Language
 
@@ -65,10 +66,14 @@ def _render_run(options: GenerateOptions, dependencies: list[str]) -> tuple[Run,
     model = build_model(options.model, options.set, messages.warn, options.schema)
     values = extensions.prepare(model.values)
     read: list[str] = []
-    templates = [source_beside(path, options.templates, read) for path in options.template]
+    templates = [
+        source_beside(path, options.templates, read, options.follow_links)
+        for path in options.template
+    ]
     language = Language(extensions, options.delimiters or DELIMITERS)
+    budget = Budget(options.max_text, options.max_memory, options.timeout)
     with progress("rendering", None, options.quiet) as step:
-        run = render(templates, values, messages, step, language, model.places)
+        run = render(templates, values, messages, step, language, model.places, budget)
     for script in options.script:
         from orv.scripts import run_script
 

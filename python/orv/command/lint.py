@@ -18,7 +18,10 @@ def run(given: dict[str, Any]) -> int:
     if not options.template:
         raise Misuse("expected a TEMPLATE")
     language = Language(load_extensions(options.extend), options.delimiters or DELIMITERS)
-    sources = [source_beside(path, options.templates, []) for path in options.template]
+    sources = [
+        source_beside(path, options.templates, [], options.follow_links)
+        for path in options.template
+    ]
     messages = lint(sources, language)
     for message in messages:
         print(message, file=sys.stderr)

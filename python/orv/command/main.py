@@ -14,7 +14,7 @@ from typing import NoReturn
 from orv.command.console import failure
 from orv.command.commands import COMMANDS
 from orv.command.parser import command_parser, orv_parser
-from orv.errors import Misuse, OrvError, did_you_mean
+from orv.errors import Misuse, OrvError, did_you_mean, unexpected
 
 # The modules that come from elsewhere, and what they are installed as on Debian.
 _REQUIRED = {
@@ -24,8 +24,22 @@ _REQUIRED = {
 }
 
 
+# What is said when there is no memory to make a message.
+_NO_MEMORY = b"error: the memory is exhausted; no file was being written\n"
+
+
 def main(arguments: Sequence[str] | None = None) -> int:
-    """Run the command line. 0: done; 1: failed, or something differs. Misuse ends with 2."""
+    """Run the command line. 0: done; 1: failed, or something differs. Misuse ends with 2.
+
+    Whatever happens is one message.
+    """
+    try:
+        return _main(arguments)
+    except Exception as error:
+        return _end(error)
+
+
+def _main(arguments: Sequence[str] | None) -> int:
     _prepare_streams()
     try:
         try:
@@ -39,6 +53,21 @@ def main(arguments: Sequence[str] | None = None) -> int:
             what = error.filename or "the results"
             print(f"error: {what} cannot be written: {error.strerror}", file=sys.stderr)
         return 1
+
+
+def _end(error: Exception) -> int:
+    """Say what no part of the command expected, without memory if need be."""
+    try:
+        text = f"error: {unexpected(error)}; no file was being written\n"
+        # The interpreter holds on to what the failed calls had in use as long as the error lives.
+        error.__traceback__ = error.__context__ = error.__cause__ = None
+        sys.stderr.write(text)
+        sys.stderr.flush()
+    except Exception:
+        os.write(2, _NO_MEMORY)
+        # The interpreter would need memory to end, and say so.
+        os._exit(1)
+    return 1
 
 
 def _run(arguments: list[str]) -> int:

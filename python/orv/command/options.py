@@ -104,6 +104,7 @@ class TemplateOptions(Options):
 
     template: list[str] = operands(file("TEMPLATE"), "a template; others are looked for beside it")
     templates: list[str] = values(folder("DIR"), "look for templates here too")
+    follow_links: bool = flag("take templates through links that lead out of their folders, too")
     delimiters: tuple[str, ...] | None = value(
         DELIMITERS, "the delimiters of tags, values and comments, instead of '{% %} {{ }} {# #}'"
     )
@@ -115,6 +116,28 @@ class InputOptions(TemplateOptions):
     GROUP: ClassVar[str] = "input"
 
     script: list[str] = values(file("FILE.py"), "run a script on the files before they are written")
+
+
+class BudgetOptions(Options):
+    """What templates may use. No honest run comes near the defaults."""
+
+    GROUP: ClassVar[str] = "bounds"
+
+    max_text: int = value(
+        number("MIB"),
+        "end when the templates have printed more text (1024 MiB by default; 0: no bound)",
+        default=1024,
+    )
+    max_memory: int = value(
+        number("MIB"),
+        "end when the templates need more memory (8192 MiB by default; 0: no bound)",
+        default=8192,
+    )
+    timeout: int = value(
+        number("SECONDS"),
+        "end when the templates run longer (600 s by default; 0: no bound)",
+        default=600,
+    )
 
 
 class OutputFolderOptions(Options):
@@ -237,6 +260,7 @@ class GenerateOptions(
     WritingOptions,
     LayoutOptions,
     OutputOptions,
+    BudgetOptions,
     ModelOptions,
     InputOptions,
 ):
@@ -260,7 +284,7 @@ class PrintModelOptions(MessageOptions, ModelOptions):
 
 
 class ListOutputsOptions(
-    ProjectOptions, MessageOptions, OutputFolderOptions, ModelOptions, InputOptions
+    ProjectOptions, MessageOptions, OutputFolderOptions, BudgetOptions, ModelOptions, InputOptions
 ):
     """The options of `orv list-outputs`."""
 

@@ -10,7 +10,7 @@ from typing import NamedTuple
 from orv.command.console import say, warn
 from orv.command.options import GenerateOptions
 from orv.command.progress import progress
-from orv.errors import OutputError
+from orv.errors import OrvError, OutputError, unexpected
 from orv.files.run import Run
 from orv.output import reports
 from orv.output.depfile import depfile
@@ -42,6 +42,8 @@ class Outputs:
         self._run = run
         self._sources = sources
         self._options = options
+        # Whether the files are on the disk, and what remains is the state and the reports.
+        self._is_written = False
         self._folder = open_folder(options.out, options.fsync)
         if self._folder.exists:
             self._lock()
@@ -56,6 +58,16 @@ class Outputs:
 
     def finish(self) -> Outcome:
         """Write or compare, and write the reports."""
+        try:
+            return self._finish()
+        except Exception as error:
+            if not self._is_written or isinstance(error, (OrvError, OSError)):
+                raise
+            raise OutputError(
+                f"{unexpected(error)}; all files are new, what is written beside them may be old"
+            ) from error
+
+    def _finish(self) -> Outcome:
         options = self._options
         taken = self._taken()
         if options.writes:
@@ -168,6 +180,7 @@ class Outputs:
         if self._state is not None and settled.before.intent:
             self._state.save(settled.before)
         writer.write(self._files, wrote)
+        self._is_written = True
         writer.remove(settled.removed, settled.before.folders - settled.after.folders)
         is_new = settled.after != self._known or self._known.was_interrupted
         if self._state is not None and (settled.before.intent or is_new):

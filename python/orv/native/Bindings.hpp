@@ -28,6 +28,7 @@ void bindSections(RepositoryClass& repository);
 void bindCustomSections(RepositoryClass& repository);
 
 void bindPrinter(pybind11::module_& module);
+void bindOperations(pybind11::module_& module);
 void bindComposer(pybind11::module_& module, RepositoryClass& repository);
 void bindModels(pybind11::module_& module);
 void bindOutput(pybind11::module_& module);

@@ -14,6 +14,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindSections(repository);
   orv::bindCustomSections(repository);
   orv::bindPrinter(module);
+  orv::bindOperations(module);
   orv::bindComposer(module, repository);
   orv::bindModels(module);
   orv::bindOutput(module);

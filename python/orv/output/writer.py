@@ -7,7 +7,7 @@ from collections.abc import Callable, Iterable, Sequence
 from contextlib import suppress
 
 from orv import _native
-from orv.errors import OutputError
+from orv.errors import OutputError, unexpected
 from orv.files.run import Run
 from orv.output.folder import reason, shown
 from orv.output.plan import PlannedFile, State
@@ -38,11 +38,10 @@ class Writer:
                 wrote(file)
             self._set_modes(files)
             self._folder.sync()
-        except (OSError, OutputError) as error:
-            said = reason(error) if isinstance(error, OSError) else str(error)
+        except Exception as error:
             name = shown(self._folder, waiting[position].path) if waiting else self._folder.path
             raise OutputError(
-                f"{name} cannot be written: {said}\n" + self._states(waiting, position)
+                f"{name} cannot be written: {_words(error)}\n" + self._states(waiting, position)
             ) from error
         except KeyboardInterrupt:
             # The interruption may have come just after the file took its place.
@@ -86,3 +85,9 @@ class Writer:
             f"{'new' if position < done else 'old'}  {shown(self._folder, file.path)}"
             for position, file in enumerate(files)
         )
+
+
+def _words(error: Exception) -> str:
+    if isinstance(error, OSError):
+        return reason(error)
+    return str(error) if isinstance(error, OutputError) else unexpected(error)

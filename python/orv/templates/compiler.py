@@ -9,14 +9,16 @@ gives, and `concat`, which Jinja2 calls with it, is `printer.leave`.
 
 from __future__ import annotations
 
+import re
 from collections.abc import Iterable, Iterator
 from contextlib import contextmanager
-from math import isfinite
+from types import CodeType
 from typing import Any
 
-from jinja2 import nodes
+from jinja2 import TemplateSyntaxError, nodes
 from jinja2.compiler import CodeGenerator, Frame, MacroRef
 
+from orv.templates.depth import TOO_DEEP
 from orv.templates.printable import outside_text
 
 _NOTHING_OUTSIDE = (
@@ -121,29 +123,23 @@ class TemplateCode(CodeGenerator):
         if isinstance(node, nodes.Call):
             self._printed.add(id(node))
 
-    def visit_Const(self, node: nodes.Const, frame: Frame) -> None:
-        """Compile a constant. One that is not finite would be a name in the code."""
-        if isinstance(node.value, float) and not isfinite(node.value):
-            self.fail("the number is too large", node.lineno)
-        super().visit_Const(node, frame)
-
     def visit_Concat(self, node: nodes.Concat, frame: Frame) -> None:
         """Compile `~`, whose operands become text as if they were printed."""
         if frame.eval_ctx.volatile or frame.eval_ctx.autoescape:
             super().visit_Concat(node, frame)
             return
-        self.write("str_join(map(environment.finalize, (")
-        for operand in node.nodes:
-            self.visit(operand, frame)
-            self.write(", ")
-        self.write(")))")
+        self._call_operation("environment.concatenate", node.nodes, frame)
+
+    def visit_Add(self, node: nodes.BinExpr, frame: Frame) -> None:  # type: ignore[override]
+        """Compile `+`, whose result is bounded."""
+        self._call_operation("environment.add", [node.left, node.right], frame)
 
     # Calls
 
     def visit_Call(self, node: nodes.Call, frame: Frame, forward_caller: bool = False) -> None:
         """Compile a call: of an operation behind a tag, of something printed, or any other."""
         if isinstance(node.node, nodes.EnvironmentAttribute):
-            self._call_operation(node, node.node.name, frame)
+            self._call_operation(node.node.name, node.args, frame)
         elif forward_caller or id(node) in self._printed:
             self.write("environment.call_printed(context, ")
             self.visit(node.node, frame)
@@ -157,9 +153,11 @@ class TemplateCode(CodeGenerator):
         else:
             super().visit_Call(node, frame)
 
-    def _call_operation(self, node: nodes.Call, operation: str, frame: Frame) -> None:
+    def _call_operation(
+        self, operation: str, arguments: Iterable[nodes.Node], frame: Frame
+    ) -> None:
         self.write(f"{operation}(")
-        for argument in node.args:
+        for argument in arguments:
             self.visit(argument, frame)
             self.write(", ")
         self.write(")")
@@ -171,7 +169,7 @@ class TemplateCode(CodeGenerator):
             super().visit_CallBlock(node, frame)
             return
         self.newline(node)
-        self._call_operation(node.call, opening.name, frame)
+        self._call_operation(opening.name, node.call.args, frame)
         inner = frame.inner()
         inner.require_output_check = False
         inner.symbols.analyze_node(node)
@@ -239,11 +237,22 @@ class TemplateCode(CodeGenerator):
 
     def visit_For(self, node: nodes.For, frame: Frame) -> None:
         """Compile a loop. A recursive one prints like a macro, once its list is known."""
+        node = nodes.For(
+            node.target, self._with_order(node.iter), node.body, node.else_, node.test,
+            node.recursive, lineno=node.lineno,
+        )  # fmt: skip
         if node.recursive:
             node = self._with_known_list(node, frame)
         self._loops.append(node.body)
         super().visit_For(node, frame)
         self._loops.pop()
+
+    def _with_order(self, iterated: nodes.Node) -> nodes.Node:
+        """The values that a loop goes over, in an order that is the same in each run."""
+        if isinstance(iterated, (nodes.Const, nodes.List, nodes.Tuple, nodes.InternalName)):
+            return iterated
+        ordered = nodes.EnvironmentAttribute("environment.ordered", lineno=iterated.lineno)
+        return nodes.Call(ordered, [iterated], [], None, None, lineno=iterated.lineno)
 
     def _with_known_list(self, node: nodes.For, frame: Frame) -> nodes.For:
         known: Any = object.__new__(nodes.InternalName)
@@ -293,6 +302,23 @@ class TemplateCode(CodeGenerator):
         self._depths.append(depth)
         yield
         self._depths.pop()
+
+
+# The line of the template for lines of its code, as Jinja2 writes it at the end of the code.
+_LINES = re.compile(r"^debug_info = '(.*)'$", re.MULTILINE)
+
+
+def compiled(source: str, filename: str) -> CodeType:
+    """The code of a template. Raises TemplateSyntaxError where it is nested too deeply for Python."""
+    try:
+        code: CodeType = compile(source, filename, "exec")
+        return code
+    except (SyntaxError, RecursionError) as error:
+        written = _LINES.findall(source)[-1].split("&")
+        pairs = [(int(line), int(at)) for line, at in (pair.split("=") for pair in written if pair)]
+        failed = getattr(error, "lineno", None) or 0
+        line = max((line for line, at in pairs if at <= failed), default=1)
+        raise TemplateSyntaxError(TOO_DEEP, line, filename=filename) from error
 
 
 def _groups(children: list[nodes.Expr]) -> Iterator[list[nodes.Expr]]:

@@ -117,11 +117,6 @@ def _described(error: Exception, loader: BaseLoader, steps: list[Step]) -> str:
         return str(error) if value is None else undefined.explain(value, steps)
     if isinstance(error, RecursionError):
         return "macros or templates call each other without end"
-    if isinstance(error, SyntaxError):
-        return (
-            f"the template {error.filename} nests its tags too deeply ({error.msg}); put the inner"
-            " ones into a macro or a template of their own"
-        )
     if isinstance(error, MemoryError):
         return "the memory is exhausted"
     unknown = _UNKNOWN.fullmatch(str(error))

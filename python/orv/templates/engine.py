@@ -10,21 +10,30 @@ from typing import Any, NamedTuple
 from jinja2 import BaseLoader, FileSystemLoader, TemplateSyntaxError
 
 from orv._native import Places
-from orv.errors import PLACE, Located, Messages, TemplateError
+from orv.errors import PLACE, Located, Messages, OrvError, TemplateError
 from orv.files.run import Run
+from orv.templates.budget import Budget
 from orv.templates.environment import Environment
 from orv.templates.library import Language
 from orv.templates.printable import refuse_outside, text_of
 
 
 class RecordingLoader(BaseLoader):
-    """Loads templates from folders and adds the files that it has read to `files`."""
+    """Loads templates from folders and adds the files that it has read to `files`.
 
-    def __init__(self, folders: Sequence[str], files: list[str]) -> None:
+    A template that a link takes from outside the folders is refused, unless `follow_links` or it is
+    `main`, which the user has named.
+    """
+
+    def __init__(
+        self, folders: Sequence[str], files: list[str], main: str, follow_links: bool
+    ) -> None:
         # A byte order mark is not part of the template's text.
         self._loader = FileSystemLoader(folders, encoding="utf-8-sig")
         self.folders = list(folders)
         self._files = files
+        self._main = main
+        self._follows_links = follow_links
 
     def get_source(self, environment: Any, template: str) -> Any:
         """The source of the template; see jinja2.BaseLoader."""
@@ -32,9 +41,20 @@ class RecordingLoader(BaseLoader):
             source, filename, up_to_date = self._loader.get_source(environment, template)
         except UnicodeDecodeError as error:
             raise TemplateError(self._not_utf8(template, error)) from error
+        if template != self._main and not self._follows_links:
+            self._require_inside(template, os.path.realpath(filename))
         if filename not in self._files:
             self._files.append(filename)
         return source, filename, up_to_date
+
+    def _require_inside(self, template: str, path: str) -> None:
+        for folder in [os.path.realpath(folder) for folder in self.folders]:
+            if os.path.commonpath([folder, path]) == folder:
+                return
+        raise OrvError(
+            f'a link takes the template "{template}" from {path}, outside the folders of templates;'
+            " --follow-links allows it"
+        )
 
     def _not_utf8(self, template: str, error: UnicodeDecodeError) -> str:
         line = error.object.count(b"\n", 0, error.start) + 1
@@ -60,20 +80,23 @@ def render(
     step: Callable[[], None] | None = None,
     language: Language = Language(),
     places: Places | None = None,
+    budget: Budget = Budget(),
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
     `step` is called each time a template opens a file; `places` knows where the model's values were
-    written. Raises TemplateError, whose text begins with the line at fault.
+    written; `budget` bounds what the templates use. Raises TemplateError, whose text begins with the line at fault.
     """
     run = Run(messages, text_of, refuse_outside, step)
+    if budget.text:
+        run.printer.bound(budget.text)
     for source in sources:
-        with _template_errors(source.loader, run, places):
+        with _template_errors(source.loader, run, places), budget.watched():
             try:
                 Environment(run, source.loader, language).render(source.template, model)
             except TemplateSyntaxError as error:
                 raise TemplateError("\n".join(_syntax_errors(error, sources, language))) from error
-    with _template_errors(sources[-1].loader, run, places):
+    with _template_errors(sources[-1].loader, run, places), budget.watched():
         run.finish()
     return run
 
@@ -142,10 +165,13 @@ def _template_errors(loader: BaseLoader, run: Run, places: Places | None) -> Ite
         raise template_error(error, loader, places, argument) from error
 
 
-def source_beside(template: str, more: Sequence[str], files: list[str]) -> Source:
+def source_beside(
+    template: str, more: Sequence[str], files: list[str], follow_links: bool = False
+) -> Source:
     """The template of this path; others are looked for in its folder, then in `more`.
 
-    The files that are read are added to `files`.
+    The files that are read are added to `files`. Links that lead out of the folders are refused
+    unless `follow_links`.
     """
     folder, name = os.path.split(template)
-    return Source(name, RecordingLoader([folder or ".", *more], files))
+    return Source(name, RecordingLoader([folder or ".", *more], files, name, follow_links))

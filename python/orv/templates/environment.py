@@ -6,30 +6,32 @@ import posixpath
 from collections.abc import Mapping
 from datetime import date
 from functools import cached_property
+from types import BuiltinMethodType, CodeType, MethodType
 from typing import Any
 
 import jinja2
-from jinja2 import BaseLoader, StrictUndefined, Template, nodes
+from jinja2 import BaseLoader, StrictUndefined, Template, TemplateSyntaxError, nodes
 from jinja2.environment import TemplateModule
-from jinja2.exceptions import SecurityError
 from jinja2.ext import Extension, do, loopcontrols
 from jinja2.runtime import BlockReference, Context, LoopContext, Macro
-from jinja2.sandbox import ImmutableSandboxedEnvironment
+from jinja2.sandbox import SandboxedEnvironment
+from jinja2.utils import missing
 from markupsafe import Markup
 
-from orv import positions
+from orv import _native, positions
 from orv.errors import Located, did_you_mean
 from orv.files.run import Run
 from orv.models.element import ENTRIES, Element
+from orv.templates import filters, formatting, sizes
+from orv.templates.access import is_allowed
 from orv.templates.bytecode import CompiledTemplates
-from orv.templates.compiler import TemplateCode
+from orv.templates.compiler import TemplateCode, compiled
 from orv.templates.library import Language, add_library
 from orv.templates.lexer import PlacingLexer
 from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
-from orv.templates.texts import checked_filters, require_format, require_operands
 
 # The compiler is built on that of Jinja2; docs/architecture.md lists what it relies upon.
 _JINJA2 = "3.1."
@@ -40,10 +42,6 @@ EXTENSIONS: tuple[type[Extension], ...] = (PackagingTags, do, loopcontrols)
 
 # What a loop tells about itself: all of it harmless.
 _LOOP_ATTRIBUTES = frozenset(name for name in dir(LoopContext) if not name.startswith("_"))
-
-# The longest text or list that multiplication may make, and the most bits of a power.
-_LONGEST_PRODUCT = 1 << 24
-_MOST_BITS = 1 << 16
 
 # What a date tells about the machine and not about the model.
 _CLOCK = frozenset(["astimezone", "fromtimestamp", "now", "timestamp", "today", "utcnow"])
@@ -98,13 +96,13 @@ class PrintingTemplate(Template):
         return TemplateModule(self, context, ())
 
 
-class Environment(ImmutableSandboxedEnvironment):
+class Environment(SandboxedEnvironment):
     """The environment of one run: templates that it renders fill the run's repository."""
 
     code_generator_class = TemplateCode
     template_class = PrintingTemplate
     context_class = TemplateContext
-    intercepted_binops = frozenset(["%", "*", "**"])
+    intercepted_binops = frozenset(["+", "*", "**", "%", "//"])
 
     def __init__(self, run: Run, loader: BaseLoader, language: Language) -> None:
         super().__init__(
@@ -123,10 +121,14 @@ class Environment(ImmutableSandboxedEnvironment):
         )
         self.printer = run.printer
         self.statements = Statements(run)
+        self.add, self.concatenate = _native.operations(
+            text_of, sizes.refuse_text, sizes.refuse_list
+        )
+        self.ordered = filters.ordered
+        self.filters.update(filters.filters())
         self.globals.update(self.statements.globals())
         # What they give differs from run to run.
         del self.filters["random"], self.globals["lipsum"]
-        self.filters.update(checked_filters(self.filters))
         add_library(self, run.messages, language.extensions)
 
     @cached_property
@@ -181,11 +183,22 @@ class Environment(ImmutableSandboxedEnvironment):
             return template
         return posixpath.normpath(posixpath.join(posixpath.dirname(parent), template))
 
+    def compile(self, source: Any, name: str | None = None, *arguments: Any, **named: Any) -> Any:
+        """Compile a template; see jinja2.Environment."""
+        try:
+            return super().compile(source, name, *arguments, **named)
+        except TemplateSyntaxError as error:
+            error.name = error.name or name
+            raise
+
+    def _compile(self, source: str, filename: str) -> CodeType:
+        return compiled(source, filename)
+
     def is_safe_attribute(self, obj: Any, attr: str, value: Any) -> bool:
         """Whether templates may read the attribute; the clock would make each run differ."""
         if attr in _CLOCK and isinstance(obj, date):
             return False
-        return super().is_safe_attribute(obj, attr, value)
+        return is_allowed(obj, attr)
 
     def getattr(self, obj: Any, attribute: str) -> Any:
         """`obj.attribute`; in a model an entry goes before a method of the same name."""
@@ -196,7 +209,43 @@ class Environment(ImmutableSandboxedEnvironment):
             return getattr(obj, attribute)
         if kind is Element and attribute in ENTRIES:
             return getattr(obj, attribute)
-        return super().getattr(obj, attribute)
+        value = getattr(obj, attribute, missing)
+        if value is not missing:
+            return self._reached(obj, attribute, value)
+        return self._entry(obj, attribute)
+
+    def getitem(self, obj: Any, argument: Any) -> Any:
+        """`obj[argument]`; an attribute of the name when there is no such entry."""
+        if isinstance(obj, type):
+            # Python would make another type of it.
+            return self.attribute(obj, argument)
+        try:
+            return obj[argument]
+        except (TypeError, LookupError):
+            return self.attribute(obj, argument)
+
+    def attribute(self, obj: Any, name: Any) -> Any:
+        """The attribute, as templates see it; undefined when there is none."""
+        value = getattr(obj, name, missing) if isinstance(name, str) else missing
+        if value is missing:
+            return self.undefined(obj=obj, name=name)
+        return self._reached(obj, name, value)
+
+    def _entry(self, obj: Any, name: str) -> Any:
+        if isinstance(obj, type):
+            return self.undefined(obj=obj, name=name)
+        try:
+            return obj[name]
+        except (TypeError, LookupError):
+            return self.undefined(obj=obj, name=name)
+
+    def _reached(self, obj: Any, attribute: str, value: Any) -> Any:
+        """An attribute that a template has reached: refused, or within bounds if it is a method."""
+        if not self.is_safe_attribute(obj, attribute, value):
+            return self.unsafe_undefined(obj, attribute)
+        if isinstance(value, (BuiltinMethodType, MethodType)):
+            return formatting.bounded(self, value)
+        return value
 
     def call(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
         """Call what a template calls; its own macros need no examination."""
@@ -207,32 +256,22 @@ class Environment(ImmutableSandboxedEnvironment):
             _run_block(__obj)
             text = __self.printer.leave(entered)
             return Markup(text) if __context.eval_ctx.autoescape else text
-        require_format(__obj, args, kwargs.values())
         return super().call(__context, __obj, *args, **kwargs)
 
     def call_binop(self, context: Context, operator: str, left: Any, right: Any) -> Any:
-        """Refuse a product that would fill the memory, a power that would never end, and a text of
-        what has none."""
-        if operator == "%":
-            if isinstance(left, str):
-                require_operands(right)
-        elif operator == "**":
-            bits = left.bit_length() * right if _are_ints(left, right) else 0
-            if bits > _MOST_BITS:
-                raise SecurityError(f"the power {left} ** {right} is too large")
-        elif hasattr(left, "__len__") or hasattr(right, "__len__"):
-            sequence, count = (left, right) if hasattr(left, "__len__") else (right, left)
-            if isinstance(count, int) and len(sequence) * count > _LONGEST_PRODUCT:
-                raise SecurityError(f"{count} times {len(sequence)} elements are too many")
-        elif _are_ints(left, right) and left.bit_length() + right.bit_length() > _MOST_BITS:
-            raise SecurityError("the product is too large")
+        """Refuse what would fill the memory or never end."""
+        if operator == "%" and isinstance(left, str):
+            return formatting.formatted(left, right)
+        _REQUIREMENTS[operator](left, right)
         return super().call_binop(context, operator, left, right)
+
+
+_REQUIREMENTS = {
+    "*": sizes.require_product, "**": sizes.require_power,
+    "%": sizes.require_quotient, "//": sizes.require_quotient,
+}  # fmt: skip
 
 
 def _run_block(block: BlockReference) -> None:
     for _ in block._stack[block._depth](block._context):
         pass
-
-
-def _are_ints(*values: Any) -> bool:
-    return all(isinstance(value, int) for value in values)

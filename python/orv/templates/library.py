@@ -13,6 +13,7 @@ from orv.extensions import Extensions, place
 from orv.models.element import Element
 from orv.templates import bits, cfilters
 from orv.templates.collector import Collector
+from orv.templates.printable import text_of
 from orv.positions import here
 
 # How much of a value `debug` shows.
@@ -37,7 +38,7 @@ def add_library(environment: Environment, messages: Messages, extensions: Extens
     """
 
     def warn(message: object) -> str:
-        messages.warn(str(message), here())
+        messages.warn(text_of(message), here())
         return ""
 
     def debug(value: object) -> str:

@@ -11,6 +11,7 @@ from jinja2.parser import Parser
 
 from orv.errors import did_you_mean
 from orv.files.table import attribute_mistake
+from orv.templates.depth import TOO_DEEP, TOO_LARGE, too_deep
 
 _TAGS = (
     "block", "call", "extends", "filter", "for", "from", "if", "import", "include", "macro",
@@ -40,10 +41,14 @@ class TemplateParser(Parser):
         """The tree of the template. Raises TemplateMistakes."""
         tree: nodes.Template | None = None
         try:
-            tree = super().parse()
-            self._check_names(tree)
+            tree = self._bounded(super().parse())
         except TemplateSyntaxError as error:
             self.mistakes.append(error)
+        except RecursionError:
+            self.complain(TOO_DEEP, self.stream.current.lineno)
+        except ValueError:
+            # Python refuses to read a number of so many digits.
+            self.complain(TOO_LARGE, self.stream.current.lineno)
         if tree is None or self.mistakes:
             found = sorted(self.mistakes, key=lambda mistake: mistake.lineno)
             raise TemplateMistakes(found, tree)
@@ -98,6 +103,16 @@ class TemplateParser(Parser):
     def _tag(self, name: str) -> str:
         environment = self.environment
         return f"{environment.block_start_string} {name} {environment.block_end_string}"
+
+    def _bounded(self, tree: nodes.Template) -> nodes.Template | None:
+        """The tree, with its names checked; None when it is too deep to look at any further."""
+        mistakes = list(too_deep(tree))
+        for message, line in mistakes:
+            self.complain(message, line)
+        if mistakes:
+            return None
+        self._check_names(tree)
+        return tree
 
     def _check_names(self, tree: nodes.Template) -> None:
         """Complain about filters, tests and attributes of files that do not exist.

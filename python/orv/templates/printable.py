@@ -4,15 +4,19 @@ from __future__ import annotations
 
 from datetime import date, time, timedelta
 from math import isfinite
-from typing import NoReturn
+from typing import Any, NoReturn
 
 from jinja2 import Undefined
 
+from orv import _native
 from orv.errors import OrvError
 from orv.files.table import FileView
 from orv.models.element import Element
 
 _PRINTED = (str, int, float, complex, date, time, timedelta, Undefined, FileView, Element)
+
+# Those whose text in a list is the same in every run, too.
+_PLAIN = (complex, date, time, timedelta)
 
 # What no C program wants to read, by type, and what templates write instead.
 _INSTEAD: dict[type, str] = {
@@ -43,6 +47,21 @@ def require_printable(value: object) -> None:
         raise OrvError(f"the number {value} has no text in C; <math.h> has INFINITY and NAN")
     if not isinstance(value, _PRINTED):
         raise OrvError(f"a value of type {type(value).__name__} has no text to print{_hint(value)}")
+
+
+def plain(value: Any) -> Any:
+    """The value, if all of it has a text that is the same in every run; raises OrvError if not."""
+    _native.require_plain(value, _refuse_value)
+    return value
+
+
+def _refuse_value(value: object) -> None:
+    if isinstance(value, (set, frozenset)):
+        raise OrvError("a set has no order to print it in; write {{ VALUE | sort }}")
+    if isinstance(value, Undefined):
+        value._fail_with_undefined_error()
+    if not isinstance(value, _PLAIN):
+        raise OrvError(f"a value of type {type(value).__name__} has no text{_hint(value)}")
 
 
 def refuse_outside(text: str) -> None:

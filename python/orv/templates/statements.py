@@ -9,7 +9,7 @@ from orv import _native
 from orv.errors import OrvError
 from orv.files.run import Run
 from orv.files.table import FileView
-from orv.templates.printable import outside_text, refuse_in_value
+from orv.templates.printable import outside_text, text_of, refuse_in_value
 
 
 class Statements:
@@ -116,7 +116,7 @@ class Statements:
 
     def _fail(self, message: object) -> NoReturn:
         """End the run with a message about the model."""
-        raise OrvError(str(message))
+        raise OrvError(text_of(message))
 
     def _view(self, name: str | None = None) -> FileView:
         """The file called `name`; the file being written when there is no name."""

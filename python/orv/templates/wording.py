@@ -17,6 +17,8 @@ _TYPES = {
     "list": "a list",
     "tuple": "a list",
     "dict": "a dictionary",
+    "set": "a set",
+    "type": "a type",
     "NoneType": "none",
     "Element": "an element",
     "FileView": "a file",

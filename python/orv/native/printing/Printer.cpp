@@ -1,5 +1,6 @@
 #include "python/orv/native/printing/Printer.hpp"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -43,6 +44,13 @@ bool goesToFile(Body::Kind kind) {
 Printer::Printer(std::shared_ptr<PackagedFiles> files, RepeatListener repeated)
     : files_(std::move(files)), repeated_(std::move(repeated)) {
   openOutside(-1);
+}
+
+void Printer::count(std::size_t bytes) {
+  if (bytes > left_) {
+    throw std::length_error("the templates print more text than --max-text allows");
+  }
+  left_ -= bytes;
 }
 
 Body& Printer::open(Body::Kind kind) {
@@ -153,6 +161,8 @@ void Printer::indent(const Body& body) {
 
 void Printer::appendIndented(std::string_view text, const Indentation& indentation) {
   if (text.empty()) return;
+  const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  count(text.size() + lines * indentation.lines.size());
   Body& body = top();
   if (body.placements.empty() || body.placements.back().offset != body.text.size()) {
     orv::appendIndented(body.text, text, indentation, beginsLine());

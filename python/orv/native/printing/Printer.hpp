@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -69,6 +70,10 @@ class Printer {
 
   PackagedFiles& files() { return *files_; }
   Body& top() { return bodies_[depth_ - 1]; }
+  // Bounds the text, in bytes, that is printed from now on; indented text counts again.
+  void bound(std::size_t bytes) { left_ = bytes; }
+  // Takes text that was printed from what is left; throws std::length_error when it is more.
+  void count(std::size_t bytes);
   // The number of bodies that are open, at least 1.
   std::size_t depth() const { return depth_; }
 
@@ -119,6 +124,7 @@ class Printer {
   // The first `depth_` are open; the others are kept for their memory.
   std::vector<Body> bodies_;
   std::size_t depth_ = 0;
+  std::size_t left_ = std::numeric_limits<std::size_t>::max();
   std::vector<Body> waiting_;
   // By file, one bit for each kind of section; as long as the last file that has any.
   std::vector<std::uint32_t> waitingSections_;

@@ -242,10 +242,12 @@ void print(PrinterObject& self, PyObject* value) {
 PyObject* write(PyObject* self, Arguments arguments, Py_ssize_t count) {
   PrinterObject& object = objectOf(self);
   return guarded([&] {
+    const std::size_t before = object.printer->top().text.size();
     for (Py_ssize_t i = 0; i < count; ++i) {
       object.failedArgument = i;
       print(object, arguments[i]);
     }
+    object.printer->count(object.printer->top().text.size() - before);
     object.failedArgument = -1;
     return none();
   });
@@ -297,6 +299,15 @@ PyObject* outside(PyObject* self, PyObject*) {
 PyObject* file(PyObject* self, PyObject* index) {
   return guarded([&] {
     printerOf(self).openFile(fileArgument(index));
+    return none();
+  });
+}
+
+PyObject* bound(PyObject* self, PyObject* bytes) {
+  return guarded([&] {
+    const std::size_t most = PyLong_AsSize_t(bytes);
+    if (PyErr_Occurred() != nullptr) throw py::error_already_set();
+    printerOf(self).bound(most);
     return none();
   });
 }
@@ -498,6 +509,7 @@ PyMethodDef methods[] = {
     method("place", &place),
     method("target", &target),
     method("is_waiting", &isWaiting),
+    {"bound", &bound, METH_O, nullptr},
     {"file", &file, METH_O, nullptr},
     {"outside", &outside, METH_NOARGS, nullptr},
     {"close", &close, METH_NOARGS, nullptr},
