@@ -37,6 +37,7 @@ from orv.files.run import Run
 from orv.output import plan as planning
 from orv.output.folder import lock, make_folder, open_folder
 from orv.output.guards import check_guards
+from orv.output.ownership import Policy, require_writable, settle_without_state
 from orv.output.plan import Plan
 from orv.output.writer import Writer
 from orv.templates import engine
@@ -73,8 +74,11 @@ def plan(run: Run, out: str | os.PathLike[str]) -> Plan:
     return files
 
 
-def write(files: Plan, run: Run) -> None:
+def write(files: Plan, run: Run, *, orphans: str = "error") -> None:
     """Write the planned files that differ, each in one step. No state file is read or written.
+
+    `orphans` says what becomes of user regions on the disk that no template has any more: "error",
+    "keep" puts their texts into FILE.orphans, "drop" discards them.
 
     Waits for other runs that use the folder and keeps them out until the plan is dropped. Raises
     OutputError, which says of every file whether it is old or new, when one cannot be written.
@@ -82,6 +86,11 @@ def write(files: Plan, run: Run) -> None:
     make_folder(files.folder)
     lock(files.folder, shared=False, timeout=_LOCK_TIMEOUT)
     planning.compare(files, run)
+    policy = Policy(orphans=orphans)
+    settled = settle_without_state(files, files.folder, policy)
+    require_writable(files, settled, policy, run)
     writer = Writer(files.folder, run)
     writer.clean(files)
+    for location, text in settled.rescued.items():
+        writer.rescue(location, text)
     writer.write(files)

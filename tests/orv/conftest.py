@@ -8,13 +8,16 @@ import subprocess
 import sys
 from collections.abc import Callable, Mapping
 from pathlib import Path
+from tempfile import TemporaryDirectory
+from types import MappingProxyType
 
 import pytest
 from jinja2 import DictLoader
 
 from orv.templates.engine import Source, render
 from orv.errors import Messages
-from orv.output.folder import open_folder
+from orv.files.regions import KnownRegions
+from orv.output.folder import open_folder, texts_on_disk
 from orv.output.layout import Layout
 from orv.output.plan import plan
 from orv.templates.library import Language
@@ -40,19 +43,26 @@ def files_of(
     warnings: list[str] | None = None,
     language: Language = Language(),
     layout: Layout = Layout(),
+    before: Mapping[str, str] = MappingProxyType({}),
 ) -> dict[str, str]:
-    """The files that templates make, by path; the first template is the main one."""
+    """The files that templates make, by path; the first template is the main one.
+
+    The output folder has the files `before`, and templates know the texts of their user regions.
+    """
     if isinstance(templates, str):
         templates = {"main.j2": templates}
     heard: list[str] = [] if warnings is None else warnings
     messages = Messages(heard.append, strict)
     source = Source(next(iter(templates)), DictLoader(templates))
-    run = render([source], model or {}, messages, language=language)
-    return {
-        file.path: file.data.decode()
-        for file in plan(run, open_folder("/out"), layout)
-        if not file.is_empty
-    }
+    with TemporaryDirectory() as name:
+        for path, text in before.items():
+            (Path(name) / path).write_text(text)
+        folder = open_folder(name)
+        known = KnownRegions(None, lambda _, path, markers: texts_on_disk(folder, path, markers))
+        run = render([source], model or {}, messages, language=language, known=known)
+        return {
+            file.path: file.data.decode() for file in plan(run, folder, layout) if not file.is_empty
+        }
 
 
 def stderr_of(message: str) -> str:

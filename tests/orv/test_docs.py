@@ -34,6 +34,7 @@ class Example(NamedTuple):
     extensions: dict[str, str]
     delimiters: Sequence[str]
     guard: str
+    before: dict[str, str]
 
 
 def examples() -> list[Example]:
@@ -55,10 +56,12 @@ def examples() -> list[Example]:
             guard = argument.removeprefix("--guard ") if argument.startswith("--guard ") else ""
             delimiters = argument.split() if argument and not (strict or guard) else DELIMITERS
             found.append(
-                Example(title, templates, model, strict, {}, [], extensions, delimiters, guard)
+                Example(title, templates, model, strict, {}, [], extensions, delimiters, guard, {})
             )
             model, more, extensions = {}, {}, {}
-        elif language == "text":
+        elif argument.startswith("before "):
+            found[-1].before[argument.removeprefix("before ")] = text
+        elif language == "text" and not argument:
             found[-1].message.append(text.strip())
         elif argument:
             found[-1].files[argument] = text
@@ -89,6 +92,7 @@ def test_example(example: Example, tmp_path: Path) -> None:
             example.strict,
             language=Language(extensions, example.delimiters),
             layout=Layout(guard=example.guard),
+            before=example.before,
         )
     except OrvError as error:
         outcome = [str(error)]

@@ -2,10 +2,11 @@
 
 from __future__ import annotations
 
-from collections.abc import Sequence
-from contextlib import ExitStack
+from collections.abc import Callable, Iterator, Mapping, Sequence
+from contextlib import ExitStack, contextmanager
 from typing import Any
 
+from orv import _native
 from orv.command.console import debug, say, warn
 from orv.command.options import GenerateOptions
 from orv.command.outputs import Outcome, Outputs
@@ -14,11 +15,16 @@ from orv.command.runs import requested_runs, require_consistent
 from orv.dependencies import recorded
 from orv.errors import Messages
 from orv.extensions import load_extensions
+from orv.files.regions import KnownRegions, Texts, TextsOf, unsettled
 from orv.files.run import Run
 from orv.models.model import build_model, refuse_unknown
+from orv.output.folder import open_folder, texts_on_disk
 from orv.templates.budget import Budget
 from orv.templates.engine import mentioned_names, render, source_beside
 from orv.templates.library import DELIMITERS, Language
+
+# How often a run is rendered at most until what templates were told of user regions is true.
+_MOST_RENDERINGS = 4
 
 # How many empty files are named.
 _SHOWN = 10
@@ -41,53 +47,131 @@ def run(given: dict[str, Any]) -> int:
 
 
 def generate(options: GenerateOptions) -> Outcome:
-    """Render, run the scripts, and write or compare."""
-    run, sources = render_run(options)
-    return Outputs(run, sources, options).finish()
+    """Render, run the scripts, and write or compare.
+
+    What templates ask of user regions may depend on all that is rendered. So it is rendered again
+    when they were told something else than what comes out.
+    """
+    rendering = _Rendering(options)
+    texts_of = _on_disk(options)
+    for _ in range(_MOST_RENDERINGS):
+        run, sources = rendering.run(texts_of)
+        outputs = Outputs(run, sources, options)
+        known = outputs.region_texts() if run.regions.questions else {}
+        if run.regions.is_settled(known):
+            return outputs.finish()
+        texts_of = _known(known)
+        # The folder stays locked as long as the object lives.
+        del outputs
+    raise unsettled(run.regions.questions, known)
 
 
 def render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
     """Render and run the scripts. Returns the run and the paths of what it has read."""
+    return _Rendering(options).run(_on_disk(options))
+
+
+class _Rendering:
+    """What a run renders. It is read once and can be rendered again."""
+
+    def __init__(self, options: GenerateOptions) -> None:
+        self._options = options
+        self._said: list[str] = []
+        if options.run_name is not None:
+            say(f"run {options.run_name}", options)
+        with _dependencies(options) as self._dependencies:
+            extensions = load_extensions(options.extend)
+            warn_new = _messages(options, self._said).warn
+            self._model = build_model(options.model, options.set, warn_new, options.schema)
+            self._values = extensions.prepare(self._model.values)
+        self._read: list[str] = []
+        self._templates = [
+            source_beside(path, options.templates, self._read, options.follow_links)
+            for path in options.template
+        ]
+        self._language = Language(extensions, options.delimiters or DELIMITERS)
+        self._budget = Budget(options.max_text, options.max_memory, options.timeout)
+
+    def run(self, texts_of: TextsOf) -> tuple[Run, list[str]]:
+        """Render and run the scripts. Returns the run and the paths of what it has read.
+
+        `texts_of` gives what is known of user regions. Nobody is told again what was said before.
+        """
+        options = self._options
+        with _dependencies(options) as dependencies:
+            run = self._render(_messages(options, self._said), texts_of, dependencies)
+        run.dependencies = [*self._dependencies, *dependencies]
+        sources = [*self._read, *self._model.files, *self._model.folders, *options.script]
+        if options.project is not None:
+            sources.append(options.project)
+        return run, sources
+
+    def _render(self, messages: Messages, texts_of: TextsOf, dependencies: list[str]) -> Run:
+        options = self._options
+        known = KnownRegions(options.markers, texts_of)
+        with progress("rendering", None, options.quiet) as step:
+            run = render(
+                self._templates, self._values, messages, step, self._language, self._model.places,
+                self._budget, known,
+            )  # fmt: skip
+        for script in options.script:
+            from orv.scripts import run_script
+
+            say(f"running {script}", options)
+            run_script(script, run, self._values)
+        if options.strict:
+            python = [*options.script, *self._dependencies, *dependencies]
+            python = [path for path in python if path.endswith(".py")]
+            refuse_unknown(
+                options.set,
+                self._model,
+                lambda: mentioned_names(self._read, python, self._language),
+            )
+        for path in [*self._model.files, *self._read]:
+            say(f"read {path}", options)
+        return run
+
+
+@contextmanager
+def _dependencies(options: GenerateOptions) -> Iterator[list[str]]:
+    """What extensions, templates and scripts say that the run depends on."""
     with recorded() as dependencies, ExitStack() as imports:
         if options.extend or options.script:
             from orv.pythonfiles import imports_recorded
 
             imports.enter_context(imports_recorded())
-        run, sources = _render_run(options, dependencies)
-    run.dependencies = dependencies
-    return run, sources
+        yield dependencies
 
 
-def _render_run(options: GenerateOptions, dependencies: list[str]) -> tuple[Run, list[str]]:
-    if options.run_name is not None:
-        say(f"run {options.run_name}", options)
-    messages = Messages(lambda text: warn(text, options), options.strict, debug)
-    extensions = load_extensions(options.extend)
-    model = build_model(options.model, options.set, messages.warn, options.schema)
-    values = extensions.prepare(model.values)
-    read: list[str] = []
-    templates = [
-        source_beside(path, options.templates, read, options.follow_links)
-        for path in options.template
-    ]
-    language = Language(extensions, options.delimiters or DELIMITERS)
-    budget = Budget(options.max_text, options.max_memory, options.timeout)
-    with progress("rendering", None, options.quiet) as step:
-        run = render(templates, values, messages, step, language, model.places, budget)
-    for script in options.script:
-        from orv.scripts import run_script
+def _messages(options: GenerateOptions, said: list[str]) -> Messages:
+    before = set(said)
 
-        say(f"running {script}", options)
-        run_script(script, run, values)
-    if options.strict:
-        python = [path for path in [*options.script, *dependencies] if path.endswith(".py")]
-        refuse_unknown(options.set, model, lambda: mentioned_names(read, python, language))
-    for path in [*model.files, *read]:
-        say(f"read {path}", options)
-    sources = [*read, *model.files, *model.folders, *options.script]
-    if options.project is not None:
-        sources.append(options.project)
-    return run, sources
+    def new(tell: Callable[[str], None]) -> Callable[[str], None]:
+        def listen(text: str) -> None:
+            said.append(text)
+            if text not in before:
+                tell(text)
+
+        return listen
+
+    return Messages(new(lambda text: warn(text, options)), options.strict, new(debug))
+
+
+def _on_disk(options: GenerateOptions) -> TextsOf:
+    """The texts of user regions that the output folder has."""
+    folder: list[_native.OutputFolder] = []
+
+    def texts(label: str, path: str, markers: _native.Markers) -> Texts:
+        if not folder:
+            folder.append(open_folder(options.out))
+        return texts_on_disk(folder[0], path, markers)
+
+    return texts
+
+
+def _known(known: Mapping[str, Texts]) -> TextsOf:
+    """The texts of user regions by the labels of their files."""
+    return lambda label, path, markers: known.get(label, {})
 
 
 def _summarize(outcomes: Sequence[Outcome]) -> None:

@@ -68,7 +68,14 @@ def _delimiters(argument: str) -> tuple[str, ...]:
     return words
 
 
+def _markers(argument: str) -> str:
+    from orv import _native
+
+    return _native.Markers(argument).pattern
+
+
 DELIMITERS = ValueType("'<% %> << >> <# #>'", _delimiters)
+MARKERS = ValueType("'BEGIN {id} ... END {id}'", _markers)
 SETTING = ValueType("KEY=VALUE", _setting)
 
 
@@ -190,6 +197,11 @@ class LayoutOptions(Options):
         " path of the file",
     )
     format_all: bool = flag("run the formatter on every file")
+    markers: str | None = value(
+        MARKERS,
+        "the lines around user regions, in files that have none of their own, instead of"
+        " '/* USER CODE BEGIN {id} */ ... /* USER CODE END {id} */'",
+    )
 
 
 class WritingOptions(Options):
@@ -228,6 +240,12 @@ class StateOptions(Options):
         default="remove",
     )
     adopt: bool = flag("take over files that another run made, or none")
+    orphans: str = value(
+        choice("error", "keep", "drop"),
+        "user regions that no template has any more: stop (the default), move their texts to"
+        " FILE.orphans or discard them",
+        default="error",
+    )
 
 
 class MessageOptions(Options):

@@ -7,6 +7,7 @@ import sys
 from collections.abc import Callable, Sequence
 from typing import NamedTuple
 
+from orv import _native
 from orv.command.console import say, warn
 from orv.command.options import GenerateOptions
 from orv.command.progress import progress
@@ -18,7 +19,8 @@ from orv.output.expected import require_expected
 from orv.output.folder import lock, make_folder, open_folder, shown
 from orv.output.guards import check_guards
 from orv.output.layout import Layout
-from orv.output.ownership import Policy, Settlement, require_writable, settle
+from orv.output.orphans import Unclaimed
+from orv.output.ownership import Policy, Settlement, require_writable, settle, settle_without_state
 from orv.output.plan import PlannedFile, State, compare, plan, real_path, shown_paths
 from orv.output.state import FolderState, StateFile
 from orv.output.writer import Writer
@@ -50,11 +52,24 @@ class Outputs:
         self._state = (
             None if options.no_state else StateFile(self._folder, options.state, options.fsync)
         )
-        self._policy = Policy(options.run_name or "", options.edited, options.stale, options.adopt)
-        self._files = plan(run, self._folder, _layout(options))
+        self._policy = Policy(
+            options.run_name or "", options.edited, options.stale, options.adopt, options.orphans
+        )
+        self._load()
+        self._files = plan(run, self._folder, _layout(options), self._known.markers())
         require_expected(self._files, options.expect)
         check_guards(self._files, run)
         self._settle()
+
+    def region_texts(self) -> dict[str, dict[str, bytes]]:
+        """The texts that the user regions of each file will have, by the file's label."""
+        return {
+            self._run.files.label(file.index): _native.region_texts(
+                file.buffer, file.markers.find(file.buffer)
+            )
+            for file in self._files
+            if file.markers is not None and file.regions
+        }
 
     def finish(self) -> Outcome:
         """Write or compare, and write the reports."""
@@ -71,7 +86,7 @@ class Outputs:
         options = self._options
         taken = self._taken()
         if options.writes:
-            require_writable(self._files, self._folder, self._policy, self._run.messages)
+            require_writable(self._files, self._settled, self._policy, self._run)
         wanted = self._reports()
         reports.prepare(wanted, taken, options.fsync)
         if options.writes:
@@ -80,21 +95,29 @@ class Outputs:
             self._show_differences()
         else:
             self._list()
-        differs = any(file.differs for file in self._files) or bool(self._settled.removed)
+        differs = any(file.differs for file in self._files) or bool(
+            self._settled.removed or self._orphans()
+        )
         for report in wanted:
             if report.kind != "stamp" or options.writes or (options.check and not differs):
                 reports.write(report)
         empty = [self._empty_label(file) for file in self._files if file.is_empty]
         return Outcome(differs, empty)
 
+    def _load(self) -> None:
+        self._known = FolderState() if self._state is None else self._state.load(self._folder)
+
     def _settle(self) -> None:
-        self._known = FolderState()
-        self._settled = Settlement()
-        if self._state is not None:
-            self._known = self._state.load(self._folder)
-            self._settled = settle(
-                self._files, self._known, self._folder, self._policy, self._run.messages
-            )
+        messages = self._run.messages
+        self._settled: Settlement
+        if self._state is None:
+            self._settled = settle_without_state(self._files, self._folder, self._policy)
+        else:
+            self._settled = settle(self._files, self._known, self._folder, self._policy, messages)
+
+    def _orphans(self) -> list[Unclaimed]:
+        """The user regions that keep the run from writing."""
+        return self._settled.rehomed.orphans if self._policy.orphans == "error" else []
 
     def _lock(self) -> None:
         """Keep other runs out of the folder; a run that only reads keeps out those that write."""
@@ -158,9 +181,10 @@ class Outputs:
             make_folder(self._folder)
             self._lock()
             # Another run may have made and filled the folder meanwhile.
+            self._load()
             compare(self._files, self._run)
             self._settle()
-            require_writable(self._files, self._folder, self._policy, self._run.messages)
+            require_writable(self._files, self._settled, self._policy, self._run)
         total = sum(file.is_written for file in self._files)
         with progress("writing", total, self._options.quiet) as step:
 
@@ -179,7 +203,11 @@ class Outputs:
         writer.clean(self._files, known)
         if self._state is not None and settled.before.intent:
             self._state.save(settled.before)
-        writer.write(self._files, wrote)
+        for location, text in settled.rescued.items():
+            writer.rescue(location, text)
+        # What takes a text over is written before what loses it.
+        takers = {move.target.location for move in settled.rehomed.moves}
+        writer.write(sorted(self._files, key=lambda file: file.location not in takers), wrote)
         self._is_written = True
         writer.remove(settled.removed, settled.before.folders - settled.after.folders)
         is_new = settled.after != self._known or self._known.was_interrupted
@@ -203,12 +231,24 @@ class Outputs:
                 print(line)
             elif not file.differs:
                 say(line, self._options)
-        removed = self._settled.removed
         if not self._options.quiet:
-            for location in removed:
-                print(f"{'removed':8}{shown(self._folder, location)}")
+            self._list_others()
         if self._options.check:
             self._count()
+
+    def _list_others(self) -> None:
+        """List what becomes of files and user regions that are no longer made."""
+        settled = self._settled
+        for location in settled.removed:
+            print(f"{'removed':8}{shown(self._folder, location)}")
+        for orphan, target in settled.rehomed.moves:
+            source = f"{shown(self._folder, orphan.location)}:{orphan.region.line}"
+            print(f'moved   "{orphan.region.id}" of {source} to {self._shown(target)}')
+        for location in settled.rescued:
+            print(f"{'orphans':8}{shown(self._folder, location)}")
+        for orphan in self._orphans():
+            source = f"{shown(self._folder, orphan.location)}:{orphan.region.line}"
+            print(f'orphan  "{orphan.region.id}" of {source}')
 
     def _count(self) -> None:
         """How many files are outdated, edited, those of others and to be removed."""
@@ -218,6 +258,7 @@ class Outputs:
             "edited": states.count(State.EDITED),
             "made by others": states.count(State.FOREIGN),
             "to be removed": len(self._settled.removed),
+            "orphaned": len(self._orphans()),
         }
         found = ", ".join(f"{count} {what}" for what, count in counts.items() if count)
         if found and not self._options.quiet:

@@ -9,6 +9,7 @@ from jinja2 import Template
 from orv import _native
 from orv.errors import Located, Messages, OrvError, TemplateError
 from orv.files.customsections import CustomSections, Placement
+from orv.files.regions import KnownRegions, Regions
 from orv.files.table import FileTable
 from orv.positions import here, position_of
 
@@ -17,7 +18,8 @@ class Run:
     """One repository, filled by templates and finished once.
 
     The parts do the work: `files` declares and selects, `printer` takes text, `custom` knows the
-    custom sections. `step` is called each time a template opens a file.
+    custom sections, `regions` the user regions, with what is `known` of them. `step` is called each
+    time a template opens a file.
     """
 
     def __init__(
@@ -26,6 +28,7 @@ class Run:
         text_of: Callable[[object], str],
         refuse_outside: Callable[[str], None],
         step: Callable[[], None] | None = None,
+        known: KnownRegions = KnownRegions(),
     ) -> None:
         self.messages = messages
         # Files that templates, scripts and extensions say the outputs depend on.
@@ -38,6 +41,8 @@ class Run:
         )
         self.files.is_waiting = self.printer.is_waiting
         self.custom = CustomSections(self.repository, messages)
+        self.regions = Regions(self.files, messages, known)
+        self.files.has_regions = self.regions.has_regions
         self._placements: list[Placement] = []
 
     def place(self, file: int, name: str) -> int:

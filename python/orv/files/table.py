@@ -6,7 +6,7 @@ from collections.abc import Callable, Mapping, Sequence
 from dataclasses import dataclass, field
 
 from orv import _native
-from orv.errors import Messages, OrvError, did_you_mean
+from orv.errors import Messages, OrvError, OutputError, did_you_mean
 from orv.positions import Position, here
 
 # The kinds of files that are named by the model's table of names, with the type of name.
@@ -18,7 +18,7 @@ ATTRIBUTES = tuple(name for name, _, _ in _native.ATTRIBUTES)
 _SETTABLE = {name: kind for name, kind, settable in _native.ATTRIBUTES if settable}
 
 # What a `file` tag sets that is no attribute.
-_OF_THE_TAG = ("extern_c", "guard", "order")
+_OF_THE_TAG = ("extern_c", "guard", "markers", "order")
 
 
 def attribute_mistake(name: str) -> str | None:
@@ -48,6 +48,8 @@ class FileRecord:
     declared: Position
     modules: tuple[int, ...] = ()
     shape: FileShape = field(default_factory=FileShape)
+    # Those of its user regions; see _native.Markers.
+    markers: str | None = None
 
 
 class FileView:
@@ -98,6 +100,7 @@ class FileTable:
         self.repository = repository
         # Whether text for a section of a file waits for a custom section that is placed in it.
         self.is_waiting: Callable[[int, str], bool] = lambda file, section: False
+        self.has_regions: Callable[[int], bool] = lambda file: False
         self._messages = messages
         self._records: dict[int, FileRecord] = {}
         self._by_key: dict[str, int] = {}
@@ -135,6 +138,25 @@ class FileTable:
         """Where the file was declared, as messages begin with it: empty when that is not known."""
         record = self._records.get(file)
         return f"{record.declared}: " if record is not None else ""
+
+    def disk_name(self, file: int) -> str:
+        """The name that the file is written under, or nothing when it has none.
+
+        That of a file without a name is its BaseName with the ending of its kind.
+        """
+        name = str(self.repository.get_attribute(file, "Name"))
+        base = str(self.repository.get_attribute(file, "BaseName"))
+        if name or not base:
+            return name
+        return base + (".h" if self.repository.is_header(file) else ".c")
+
+    def path(self, file: int) -> str:
+        """Where the file belongs below the output folder. Raises OutputError."""
+        name = self.disk_name(file)
+        if not name:
+            raise OutputError("it has no name to be written under; give it a BaseName")
+        directory = str(self.repository.get_attribute(file, "OutputDirectory"))
+        return _native.output_path(directory, name)
 
     def adopt(self, file: int, script: str) -> None:
         """Take note of a file that a script made."""
@@ -183,6 +205,8 @@ class FileTable:
         for name, value in attributes.items():
             if name == "order":
                 self._set_order(file, value)
+            elif name == "markers":
+                self._set_markers(file, value)
             elif name == "guard":
                 self._records[file].shape.guard = _flag(name, value)
             elif name == "extern_c":
@@ -317,6 +341,13 @@ class FileTable:
             if value.count(section) > 1:
                 raise OrvError(f'order names the section "{section}" twice')
         self._records[file].shape.order = tuple(value)
+
+    def _set_markers(self, file: int, value: object) -> None:
+        record = self._records[file]
+        pattern = _native.Markers(_text("markers", value)).pattern
+        if self.has_regions(file) and pattern != record.markers:
+            raise OrvError(f"the file {self.label(file)} has user regions with other markers")
+        record.markers = pattern
 
     def _set_attribute(self, file: int, name: str, value: object) -> None:
         kind = _SETTABLE[name]

@@ -32,6 +32,7 @@ void bindOperations(pybind11::module_& module);
 void bindComposer(pybind11::module_& module, RepositoryClass& repository);
 void bindModels(pybind11::module_& module);
 void bindOutput(pybind11::module_& module);
+void bindRegions(pybind11::module_& module);
 void bindTextFilters(pybind11::module_& module);
 
 }  // namespace orv

@@ -17,6 +17,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindOperations(module);
   orv::bindComposer(module, repository);
   orv::bindModels(module);
+  orv::bindRegions(module);
   orv::bindOutput(module);
   orv::bindTextFilters(module);
 

@@ -65,6 +65,20 @@ def lock(
             raise OutputError(f"{folder.path} cannot be locked: {reason(error)}") from error
 
 
+def texts_on_disk(
+    folder: _native.OutputFolder, path: str, markers: _native.Markers
+) -> dict[str, bytes]:
+    """The texts of the user regions of a file; none when it cannot be read.
+
+    Raises Located when its markers are damaged.
+    """
+    try:
+        found = folder.compare(folder.locate(path), b"", [], markers)
+    except (OSError, OutputError):
+        return {}
+    return {region.id: region.text for region in found.regions}
+
+
 def shown(folder: _native.OutputFolder, path: str) -> str:
     """A path below the folder as messages and listings show it."""
     # The bytes of names are UTF-8 whatever the locale.

@@ -3,14 +3,18 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Sequence
+from collections.abc import Iterator, Mapping, Sequence
+from contextlib import suppress
 from dataclasses import dataclass, field
+from typing import NamedTuple
 
 from orv import _native
-from orv.errors import Messages, OutputError
+from orv.errors import Messages, OrvError, OutputError
+from orv.files.run import Run
 from orv.output.folder import shown
-from orv.output.plan import PlannedFile, State, folders_of, real_path
-from orv.output.state import Change, FolderState, Record
+from orv.output.orphans import Rehomed, Unclaimed, complaint, rehome, rescued, saved
+from orv.output.plan import Plan, PlannedFile, State, folders_of, real_path
+from orv.output.state import Change, FolderState, Record, compare_with_record
 
 
 @dataclass(frozen=True)
@@ -19,25 +23,43 @@ class Policy:
 
     `edited` says what happens to files that were edited: "error", "warn" leaves them, "overwrite".
     `stale` says whether files that the run no longer makes are removed: "remove" or "keep".
-    `adopt` takes over the files of others.
+    `adopt` takes over the files of others. `orphans` says what happens to the texts of user regions
+    that no template has any more: "error", "keep" puts them beside the file, "drop".
     """
 
     run: str = ""
     edited: str = "error"
     stale: str = "remove"
     adopt: bool = False
+    orphans: str = "error"
 
 
 @dataclass
 class Settlement:
     """What becomes of the files that the state knows: `removed` are their locations.
 
-    `before` is the state while the run writes, `after` the one when it has ended.
+    `rehomed` says what becomes of user regions that have lost their place, `rescued` has the texts
+    of the files that keep those that have none, by location. `before` is the state while the run
+    writes, `after` the one when it has ended.
     """
 
     before: FolderState = field(default_factory=FolderState)
     after: FolderState = field(default_factory=FolderState)
     removed: list[str] = field(default_factory=list)
+    rehomed: Rehomed = field(default_factory=Rehomed)
+    rescued: dict[str, bytes] = field(default_factory=dict)
+
+
+class _Leftover(NamedTuple):
+    """A file that the run made before and no longer makes; `found` is None if it cannot be read."""
+
+    location: str
+    record: Record
+    found: _native.Comparison | None
+
+    @property
+    def is_edited(self) -> bool:
+        return self.found is None or self.found.hash != self.record.hash
 
 
 def settle(
@@ -55,11 +77,16 @@ def settle(
     for file in files:
         if file.state is State.CHANGED:
             file.state = _judged(file, state, policy)
+    leftovers = _leftovers(files, state, folder, policy)
+    unclaimed = [*_unclaimed_of_files(files, state, policy)]
+    for leftover in leftovers:
+        unclaimed += _unclaimed_of_leftover(leftover, policy)
+    rehomed = rehome(files, unclaimed)
     own = after.runs[policy.run] = {}
     for file in files:
         if not file.is_empty:
             _own(file, state, after, policy)
-    removed = _stale(files, state, folder, policy, messages, own)
+    removed = _stale(leftovers, rehomed, folder, policy, messages, own)
     before = state.copy()
     before.intent_run = policy.run
     before.intent = _intent(files, removed, own, state, policy)
@@ -67,17 +94,30 @@ def settle(
     after.folders = set(before.folders)
     after.keep_folders_of_files()
     after.runs = {name: records for name, records in after.runs.items() if records}
-    return Settlement(before, after, removed)
+    return Settlement(before, after, removed, rehomed, _rescued(files, rehomed, folder, policy))
 
 
-def require_writable(
-    files: Sequence[PlannedFile], folder: _native.OutputFolder, policy: Policy, messages: Messages
-) -> None:
+def settle_without_state(
+    files: Sequence[PlannedFile], folder: _native.OutputFolder, policy: Policy
+) -> Settlement:
+    """Decide about user regions that have lost their place, where nothing else is known."""
+    rehomed = rehome(files, [*_unclaimed_of_files(files, FolderState(), policy)])
+    return Settlement(rehomed=rehomed, rescued=_rescued(files, rehomed, folder, policy))
+
+
+def require_writable(files: Plan, settled: Settlement, policy: Policy, run: Run) -> None:
     """Raise OutputError when a file may not be written over, naming all of them and the ways out.
 
-    Edited files that are to be left are warned about.
+    So do user regions that have lost their place. Edited files that are to be left, and regions
+    whose text goes to another file, are warned about.
     """
     refused: list[str] = []
+    folder, messages = files.folder, run.messages
+    for orphan in settled.rehomed.orphans:
+        if policy.orphans == "error":
+            refused.append(complaint(orphan, files, run, folder))
+        elif policy.orphans == "keep":
+            messages.warn(saved(orphan, folder))
     for file in files:
         name = shown(folder, file.path)
         if file.state is State.FOREIGN:
@@ -91,6 +131,66 @@ def require_writable(
             )
     if refused:
         raise OutputError("nothing was written\n" + "\n".join(refused))
+
+
+def _leftovers(
+    files: Sequence[PlannedFile], state: FolderState, folder: _native.OutputFolder, policy: Policy
+) -> list[_Leftover]:
+    """The files on the disk that the run made before and no longer makes, if no other run does."""
+    made = {file.location for file in files}
+    folded = {file.location.casefold(): file.location for file in files}
+    leftovers: list[_Leftover] = []
+    for location, record in sorted(state.runs.get(policy.run, {}).items()):
+        if location in made or any(owner != policy.run for owner in state.owners(location)):
+            continue
+        twin = folded.get(location.casefold())
+        if twin and _is_same(folder, location, twin):
+            continue
+        found: _native.Comparison | None = None
+        with suppress(OSError, OrvError):
+            found = compare_with_record(folder, location, record)
+        if found is None or found.exists:
+            leftovers.append(_Leftover(location, record, found))
+    return leftovers
+
+
+def _unclaimed_of_files(
+    files: Sequence[PlannedFile], state: FolderState, policy: Policy
+) -> Iterator[Unclaimed]:
+    """The texts that files lose which are written over."""
+    for file in files:
+        if file.state is not State.CHANGED or not file.kept or file.old_markers is None:
+            continue
+        defaults = [record.regions for record in state.records(file.location)]
+        may_move = _known(file, state, policy) is not None
+        for region in file.kept:
+            if not region.is_taken and _is_written(region, defaults):
+                markers = file.old_markers.pattern
+                yield Unclaimed(file.location, region, markers, may_move, True)
+
+
+def _unclaimed_of_leftover(leftover: _Leftover, policy: Policy) -> Iterator[Unclaimed]:
+    """The texts of a file that is no longer made. The file stays if the run removes none."""
+    location, record, found = leftover
+    is_lost = bool(policy.run) and policy.stale == "remove"
+    for region in found.regions if found is not None else ():
+        if region.id in record.regions and _is_written(region, [record.regions]):
+            yield Unclaimed(location, region, record.markers, True, is_lost)
+
+
+def _is_written(region: _native.KeptRegion, defaults: Sequence[Mapping[str, str]]) -> bool:
+    """Whether someone has written the text of a region."""
+    return bool(region.text.strip()) and all(
+        known.get(region.id) != region.hash for known in defaults
+    )
+
+
+def _rescued(
+    files: Sequence[PlannedFile], rehomed: Rehomed, folder: _native.OutputFolder, policy: Policy
+) -> dict[str, bytes]:
+    if policy.orphans != "keep" or not rehomed.orphans:
+        return {}
+    return rescued(rehomed.orphans, {file.location for file in files}, folder)
 
 
 def _made_by(owner: str | None) -> str:
@@ -110,7 +210,7 @@ def _judged(file: PlannedFile, state: FolderState, policy: Policy) -> State:
     record = _known(file, state, policy)
     if policy.edited == "overwrite" or (record is not None and record.hash == file.old_hash):
         return State.CHANGED
-    file.is_regenerated = record is None or record.hash != _native.text_hash(file.buffer)
+    file.is_regenerated = record is None or record.hash != file.hash
     return State.EDITED
 
 
@@ -136,49 +236,53 @@ def _own(file: PlannedFile, state: FolderState, after: FolderState, policy: Poli
         return
     if policy.run:
         after.runs.get("", {}).pop(file.location, None)
-    same = file.state is State.SAME
-    own[file.location] = Record(file.old_hash if same else _native.text_hash(file.buffer))
+    own[file.location] = _record(file, state, policy)
+
+
+def _record(file: PlannedFile, state: FolderState, policy: Policy) -> Record:
+    """What the state will know of a file. A region that nobody wrote keeps its default's hash."""
+    if not file.regions:
+        same = file.state is State.SAME
+        return Record(file.old_hash if same else file.hash)
+    assert file.markers is not None
+    defaults = _native.region_hashes(file.base, file.regions)
+    known = _known(file, state, policy)
+    if known is not None:
+        for region in file.kept:
+            if region.is_taken and known.regions.get(region.id) == region.hash:
+                defaults[region.id] = region.hash
+    return Record(file.hash, defaults, file.markers.pattern)
 
 
 def _stale(
-    files: Sequence[PlannedFile],
-    state: FolderState,
+    leftovers: Sequence[_Leftover],
+    rehomed: Rehomed,
     folder: _native.OutputFolder,
     policy: Policy,
     messages: Messages,
     own: dict[str, Record],
 ) -> list[str]:
-    """The files to remove that the run made before and no longer makes; the others stay its own."""
-    made = {file.location for file in files}
-    folded = {file.location.casefold(): file.location for file in files}
+    """The files to remove that the run no longer makes; the others stay its own.
+
+    The regions of those that stay are settled: they are not looked at again.
+    """
+    stopping = set()
+    if policy.orphans == "error":
+        stopping = {orphan.location for orphan in rehomed.orphans}
     removed: list[str] = []
-    for location, record in sorted(state.runs.get(policy.run, {}).items()):
-        if location in made:
-            continue
-        others = [owner for owner in state.owners(location) if owner != policy.run]
-        current = _hash(folder, location)
-        twin = folded.get(location.casefold())
-        if others or current is None or (twin and _is_same(folder, location, twin)):
-            continue
-        if policy.run and policy.stale == "remove" and current == record.hash:
+    for leftover in leftovers:
+        location = leftover.location
+        removes = policy.run and policy.stale == "remove"
+        if removes and not leftover.is_edited and location not in stopping:
             removed.append(location)
             continue
-        own[location] = record
-        if policy.run and current != record.hash:
+        own[location] = leftover.record._replace(regions={})
+        if policy.run and leftover.is_edited:
             messages.warn(
                 f"{shown(folder, location)} is no longer made and was edited since it was"
                 " generated; it is left as it is"
             )
     return removed
-
-
-def _hash(folder: _native.OutputFolder, location: str) -> str | None:
-    """The hash of a file on the disk, or None. What cannot be read counts as edited."""
-    try:
-        found = folder.compare(location, b"")
-    except (OSError, OutputError):
-        return ""
-    return found.hash if found.exists else None
 
 
 def _is_same(folder: _native.OutputFolder, location: str, other: str) -> bool:
@@ -200,7 +304,7 @@ def _intent(
     intent: dict[str, Change] = {}
     for file in files:
         if file.is_written:
-            new = own.get(file.location) or Record(_native.text_hash(file.buffer))
+            new = own.get(file.location) or _record(file, state, policy)
             intent[file.location] = Change(file.old_hash or None, new)
     for location in removed:
         intent[location] = Change(state.runs[policy.run][location].hash, None)

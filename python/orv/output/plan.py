@@ -3,9 +3,10 @@
 from __future__ import annotations
 
 import os
-from collections.abc import Iterator
-from dataclasses import dataclass
+from collections.abc import Iterator, Mapping, Sequence
+from dataclasses import dataclass, field
 from enum import Enum
+from types import MappingProxyType
 from typing import TYPE_CHECKING
 
 from orv import _native
@@ -41,6 +42,10 @@ class PlannedFile:
     is the run that made a foreign file; None when no run did. `is_regenerated` says of an edited
     file that it is generated with another text than before. `formatted` is what a formatter made of
     the composed text.
+
+    `regions` are the user regions of the file as it is composed and formatted, between `markers`,
+    and `kept` those on the disk, between `old_markers`. `merged` is the text with what is kept of them. `texts` are those
+    that are kept, by identifier; `returns` says that the line ends of the file are CR LF.
     """
 
     index: int
@@ -52,6 +57,13 @@ class PlannedFile:
     owner: str | None = None
     is_regenerated: bool = False
     formatted: bytes | None = None
+    markers: _native.Markers | None = None
+    old_markers: _native.Markers | None = None
+    regions: Sequence[_native.Region] = ()
+    kept: Sequence[_native.KeptRegion] = ()
+    texts: dict[str, bytes] = field(default_factory=dict)
+    returns: bool = False
+    merged: bytes | None = None
 
     @property
     def differs(self) -> bool:
@@ -71,9 +83,24 @@ class PlannedFile:
     @property
     def buffer(self) -> _native.ComposedFile | bytes:
         """The file's bytes, not copied."""
+        return self.base if self.merged is None else self.merged
+
+    @property
+    def base(self) -> _native.ComposedFile | bytes:
+        """The file's bytes with the default texts of its regions."""
         if self.formatted is not None:
             return self.formatted
         return b"" if self.composed is None else self.composed
+
+    @property
+    def hash(self) -> str:
+        """The hash of the file's text without that of its regions."""
+        return _native.frame_hash(self.base, self.regions)
+
+    def take(self, texts: Mapping[str, bytes]) -> None:
+        """Put texts into regions of the file, beside those that it keeps."""
+        self.texts.update(texts)
+        self.merged = _native.with_regions(self.base, self.regions, self.texts, self.returns)
 
     @property
     def data(self) -> bytes:
@@ -82,20 +109,29 @@ class PlannedFile:
 
 
 class Plan(list[PlannedFile]):
-    """The files of a run in the order of the repository, and the folder that they belong to."""
+    """The files of a run in the order of the repository, and the folder that they belong to.
 
-    def __init__(self, folder: _native.OutputFolder) -> None:
+    `old_markers` has the markers of files on the disk, where they are known.
+    """
+
+    def __init__(self, folder: _native.OutputFolder, old_markers: Mapping[str, str]) -> None:
         super().__init__()
         self.folder = folder
+        self.old_markers = old_markers
 
 
-def plan(run: Run, folder: _native.OutputFolder, layout: Layout = Layout()) -> Plan:
+def plan(
+    run: Run,
+    folder: _native.OutputFolder,
+    layout: Layout = Layout(),
+    old_markers: Mapping[str, str] = MappingProxyType({}),
+) -> Plan:
     """Work out what has to be written, in the order of the repository. Changes nothing.
 
-    Paths that differ only in letter case are warned about. Raises OutputError, with the file and
+    `old_markers` has the markers of files on the disk that may have others, by location. Paths that differ only in letter case are warned about. Raises OutputError, with the file and
     where it was declared, when a file cannot go where it belongs.
     """
-    planned = Plan(folder)
+    planned = Plan(folder, old_markers)
     folded: dict[str, PlannedFile] = {}
     for index in range(len(run.repository)):
         if run.repository.get_attribute(index, "IsEmpty"):
@@ -107,6 +143,7 @@ def plan(run: Run, folder: _native.OutputFolder, layout: Layout = Layout()) -> P
             raise _located(run, index, error) from error
         planned.append(file)
         _report_clash(file, folded.setdefault(file.path.casefold(), file), run)
+    run.regions.verify({file.index: file.regions for file in planned if not file.is_empty})
     if layout.formatter is not None:
         _format(planned, run, layout.formatter, layout.formats_all)
     compare(planned, run)
@@ -120,7 +157,7 @@ def compare(files: Plan, run: Run) -> None:
         if file.is_empty:
             continue
         try:
-            _compare_file(file, files.folder)
+            _compare_file(file, files, run)
             _claim(file.location, file.index, owners, run)
         except OutputError as error:
             raise _located(run, file.index, error) from error
@@ -146,8 +183,14 @@ def folders_of(location: str) -> Iterator[str]:
 
 
 def _composed(run: Run, index: int, layout: Layout) -> PlannedFile:
-    path = _native.output_path(_text(run, index, "OutputDirectory"), _disk_name(run, index))
-    return PlannedFile(index, path, _compose(run, index, path, layout), State.NEW)
+    path = run.files.path(index)
+    file = PlannedFile(index, path, _compose(run, index, path, layout), State.NEW)
+    file.markers = run.regions.markers(index)
+    try:
+        file.regions = file.markers.find(file.base)
+    except ValueError as error:
+        raise OutputError(f"its text, {error}; a marker is alone on its line") from error
+    return file
 
 
 def _compose(run: Run, index: int, path: str, layout: Layout) -> _native.ComposedFile:
@@ -183,31 +226,42 @@ def _format(files: Plan, run: Run, formatter: Formatter, formats_all: bool) -> N
     for file, result in zip(chosen, results, strict=True):
         if isinstance(result, bytes):
             file.formatted = result
+            try:
+                _find_formatted_regions(file)
+            except OutputError as error:
+                raise _located(run, file.index, error) from error
 
 
-def _compare_file(file: PlannedFile, folder: _native.OutputFolder) -> None:
+def _find_formatted_regions(file: PlannedFile) -> None:
+    assert file.markers is not None
+    before = [region.id for region in file.regions]
+    try:
+        file.regions = file.markers.find(file.base)
+    except ValueError as error:
+        raise OutputError(f"the formatter damaged the markers of user regions: {error}") from error
+    if [region.id for region in file.regions] != before:
+        raise OutputError("the formatter damaged or moved the markers of user regions")
+
+
+def _compare_file(file: PlannedFile, files: Plan, run: Run) -> None:
+    assert file.markers is not None
+    folder = files.folder
+    file.texts, file.merged = {}, None
     try:
         file.location = folder.locate(file.path)
-        old = folder.compare(file.location, file.buffer)
+        pattern = files.old_markers.get(file.location)
+        file.old_markers = file.markers if pattern is None else run.regions.made_of(pattern)
+        old = folder.compare(file.location, file.base, file.regions, file.old_markers)
     except OSError as error:
         raise OutputError(f"{shown(folder, file.path)} cannot be read: {reason(error)}") from error
     file.state = State.NEW if not old.exists else State.SAME if old.same else State.CHANGED
     file.old_hash = old.hash
+    file.kept, file.merged, file.returns = old.regions, old.merged, old.ends_lines_with_return
+    file.texts = {region.id: region.text for region in file.kept if region.is_taken}
 
 
 def _located(run: Run, index: int, error: OutputError) -> OutputError:
     return OutputError(f"{run.files.place(index)}the file {run.files.label(index)}: {error}")
-
-
-def _disk_name(run: Run, index: int) -> str:
-    """The file's name; for one without a name, its BaseName with the ending of its kind."""
-    name = _text(run, index, "Name")
-    base = _text(run, index, "BaseName")
-    if name:
-        return name
-    if not base:
-        raise OutputError("it has no name to be written under; give it a BaseName")
-    return base + (".h" if run.repository.is_header(index) else ".c")
 
 
 def _claim(location: str, index: int, owners: dict[str, int], run: Run) -> None:

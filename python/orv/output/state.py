@@ -6,10 +6,11 @@ import json
 import os
 from collections.abc import Mapping
 from dataclasses import dataclass, field
+from types import MappingProxyType
 from typing import Any, NamedTuple
 
 from orv import _native
-from orv.errors import OutputError
+from orv.errors import OrvError, OutputError
 from orv.output.folder import open_folder, reason, shown
 from orv.output.plan import folders_of
 
@@ -19,10 +20,15 @@ _FORMAT = 1
 
 
 class Record(NamedTuple):
-    """A file as it was generated: the hash of its text, and that of each region's default text."""
+    """A file as it was generated.
+
+    `hash` is that of its text without the user regions, which are between `markers`. `regions` has
+    the hash of the default text of each.
+    """
 
     hash: str
-    regions: Mapping[str, str] = {}
+    regions: Mapping[str, str] = MappingProxyType({})
+    markers: str = ""
 
 
 class Change(NamedTuple):
@@ -49,6 +55,15 @@ class FolderState:
     def owners(self, location: str) -> list[str]:
         """The names of the runs that made a file, sorted."""
         return sorted(name for name, files in self.runs.items() if location in files)
+
+    def records(self, location: str) -> list[Record]:
+        """What the runs that made a file know of it."""
+        return [files[location] for files in self.runs.values() if location in files]
+
+    def markers(self) -> dict[str, str]:
+        """The markers of the files that have user regions, by location."""
+        known = (item for files in self.runs.values() for item in files.items())
+        return {location: record.markers for location, record in known if record.markers}
 
     def disown(self, location: str, keep: str) -> None:
         """Take a file from all runs but `keep`."""
@@ -134,13 +149,24 @@ class StateFile:
             raise OutputError(f"{self.shown} is damaged: {error}; restore it, {again}") from error
 
 
+def compare_with_record(
+    folder: _native.OutputFolder, location: str, record: Record | None
+) -> _native.Comparison:
+    """Read a file on the disk, with the user regions that it should have by the record.
+
+    Raises OSError, and OrvError when it cannot be read or its regions are damaged.
+    """
+    markers = _native.Markers(record.markers) if record is not None and record.markers else None
+    return folder.compare(location, b"", [], markers)
+
+
 def _recover(state: FolderState, folder: _native.OutputFolder) -> None:
     """Find out how far a run came that was killed while it wrote."""
     files = state.runs.setdefault(state.intent_run, {}) if state.intent else {}
     for location, (old, new) in state.intent.items():
         try:
-            found = folder.compare(location, b"")
-        except (OSError, OutputError):
+            found = compare_with_record(folder, location, new)
+        except (OSError, OrvError):
             continue
         if new is None and not found.exists:
             files.pop(location, None)
@@ -170,8 +196,11 @@ def _state(value: dict[str, Any]) -> FolderState:
 
 
 def _record(value: dict[str, Any]) -> Record:
-    regions = value.get("regions", {})
-    return Record(_text(value["hash"]), {id: _text(hash) for id, hash in regions.items()})
+    regions = {id: _text(hash) for id, hash in value.get("regions", {}).items()}
+    markers = _text(value.get("markers", ""))
+    if markers:
+        _native.Markers(markers)
+    return Record(_text(value["hash"]), regions, markers)
 
 
 def _checked(path: object) -> str:
@@ -213,6 +242,8 @@ def _lines(files: Mapping[str, Record]) -> dict[str, str]:
 
 def _plain(record: Record) -> dict[str, object]:
     plain: dict[str, object] = {"hash": record.hash}
+    if record.markers:
+        plain["markers"] = record.markers
     if record.regions:
         plain["regions"] = dict(record.regions)
     return plain

@@ -58,6 +58,16 @@ class Writer:
             with suppress(OSError):
                 self._folder.remove_abandoned(folder)
 
+    def rescue(self, location: str, text: bytes) -> None:
+        """Write a file that keeps texts of user regions. Raises OutputError."""
+        try:
+            self._folder.replace(location, text, None)
+        except OSError as error:
+            name = shown(self._folder, location)
+            raise OutputError(
+                f"{name} cannot be written: {reason(error)}; nothing else was written"
+            ) from error
+
     def remove(self, locations: Iterable[str], folders: Iterable[str]) -> None:
         """Remove files, and those of `folders` that are empty then. Raises OutputError."""
         for location in locations:

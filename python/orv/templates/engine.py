@@ -11,6 +11,7 @@ from jinja2 import BaseLoader, FileSystemLoader, TemplateSyntaxError
 
 from orv._native import Places
 from orv.errors import PLACE, Located, Messages, OrvError, TemplateError
+from orv.files.regions import KnownRegions
 from orv.files.run import Run
 from orv.templates.budget import Budget
 from orv.templates.environment import Environment
@@ -81,13 +82,15 @@ def render(
     language: Language = Language(),
     places: Places | None = None,
     budget: Budget = Budget(),
+    known: KnownRegions = KnownRegions(),
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
     `step` is called each time a template opens a file; `places` knows where the model's values were
-    written; `budget` bounds what the templates use. Raises TemplateError, whose text begins with the line at fault.
+    written; `budget` bounds what the templates use, `known` is what is known of user regions. Raises
+    TemplateError, whose text begins with the line at fault.
     """
-    run = Run(messages, text_of, refuse_outside, step)
+    run = Run(messages, text_of, refuse_outside, step, known)
     if budget.text:
         run.printer.bound(budget.text)
     for source in sources:

@@ -8,7 +8,7 @@ from jinja2 import Environment
 from jinja2.lexer import Lexer, newline_re
 
 # The tags that depend on where they are written.
-_TAGS = frozenset(["indent", "place"])
+_TAGS = frozenset(["indent", "place", "user"])
 
 
 class TagName(str):

@@ -79,12 +79,12 @@ def outside_text(text: str) -> str:
     )
 
 
-def refuse_in_value(name: str) -> NoReturn:
-    """Raise OrvError for a custom section that is placed in a text that becomes a value."""
+def refuse_in_value(what: str, tag: str) -> NoReturn:
+    """Raise OrvError for a tag that puts something into a text that becomes a value."""
     raise OrvError(
-        f'the custom section "{name}" cannot be placed in a text that becomes a value, as in'
-        " {% set %}, {% filter %}, or a macro whose result is passed on; print the macro by itself"
-        " or put {% place %} into the section"
+        f"the {what} cannot be placed in a text that becomes a value, as in {{% set %}},"
+        " {% filter %}, or a macro whose result is passed on; print the macro by itself"
+        f" or put {{% {tag} %}} into the section"
     )
 
 

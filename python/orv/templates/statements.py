@@ -23,7 +23,7 @@ class Statements:
         """The functions that templates call: to read back, and to refuse a model."""
         return {
             "fail": self._fail, "file": self._view, "file_name": self._file_name,
-            "files": self._views,
+            "files": self._views, "user": self._user_text,
         }  # fmt: skip
 
     def file(
@@ -79,9 +79,30 @@ class Statements:
         if kind == "fill":
             raise OrvError(f'a custom section cannot hold the place of another one, "{checked}"')
         if kind == "capture":
-            refuse_in_value(checked)
+            refuse_in_value(f'custom section "{checked}"', "place")
         number = self._run.place(file, checked)
         self._printer.place(number, _blanks(indentation), _flag("directives", directives))
+
+    def user(self, id: object, blanks: str) -> None:
+        """Begin a user region, with markers that are indented by `blanks`."""
+        if not isinstance(id, str):
+            raise OrvError(f"expected the identifier of a user region, got {id!r}")
+        printer = self._printer
+        kind = printer.destination
+        if kind == "outside":
+            raise OrvError(outside_text(f'{{% user "{id}" %}}'))
+        if kind == "capture":
+            refuse_in_value(f'user region "{id}"', "user")
+        if printer.is_in_user:
+            raise OrvError(f'the user region "{id}" cannot be inside of another one')
+        lines = self._run.regions.declare(printer.destination_file, id, kind == "fill")
+        printer.user(*(blanks + line for line in lines))
+
+    def _user_text(self, id: object, target: object = None) -> str:
+        """The text that a user region will have."""
+        if not isinstance(id, str):
+            raise OrvError(f"expected the identifier of a user region, got {id!r}")
+        return self._run.regions.text(self._printer.target(target), id)
 
     def indent(self, indentation: object, directives: object) -> None:
         """Indent what is printed until the body is closed that begins here."""

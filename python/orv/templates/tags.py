@@ -26,7 +26,7 @@ class PackagingTags(Extension):
 
     tags = {
         "custom", "file", "fill", "function", "in_use", "include_added", "include_required",
-        "include_utility", "indent", "model", "place", "section",
+        "include_utility", "indent", "model", "place", "section", "user",
     }  # fmt: skip
 
     def parse(self, parser: Parser) -> nodes.Node | list[nodes.Node]:
@@ -77,6 +77,12 @@ class PackagingTags(Extension):
             indentation = parser.parse_expression()
         given = _parse_indentation(parser, tag, ["directives"])
         return _with_body(parser, tag, [indentation, given["directives"]], "statements.indent")
+
+    def _parse_user(self, parser: Parser, tag: Token) -> list[nodes.Node]:
+        name = parser.parse_expression()
+        blanks = nodes.Const(_blanks_before(tag), lineno=tag.lineno)
+        body = _with_body(parser, tag, [name, blanks], "statements.user")
+        return [*_require_quotes(tag, name), body]
 
     def _parse_include(self, parser: Parser, tag: Token) -> nodes.Node:
         headers = [parser.parse_expression()]
@@ -165,11 +171,17 @@ def _parse_indentation(parser: Parser, tag: Token, names: list[str]) -> dict[str
 
 def _blanks_of_line(parser: Parser, tag: Token) -> str:
     """The blanks before a tag that is alone on its line, unless it takes them away."""
-    name, end = tag.value, parser.stream.current.value
-    if not isinstance(name, TagName) or not isinstance(end, TagEnd):
+    end = parser.stream.current.value
+    is_alone = isinstance(end, TagEnd) and not end.after.strip()
+    return _blanks_before(tag) if is_alone else ""
+
+
+def _blanks_before(tag: Token) -> str:
+    """The blanks before a tag that begins its line, unless it takes them away."""
+    name = tag.value
+    if not isinstance(name, TagName) or name.strips or name.before.strip(" \t"):
         return ""
-    is_alone = not name.before.strip(" \t") and not end.after.strip()
-    return name.before if is_alone and not name.strips else ""
+    return name.before
 
 
 def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:

@@ -7,7 +7,9 @@
 #include <pybind11/stl.h>
 
 #include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Bytes.hpp"
 #include "python/orv/native/Text.hpp"
+#include "python/orv/native/output/Beneath.hpp"
 #include "python/orv/native/output/OutputErrors.hpp"
 #include "python/orv/native/output/OutputFolder.hpp"
 #include "python/orv/native/output/OutputName.hpp"
@@ -39,26 +41,6 @@ std::string pathBelow(const py::str& path) {
   return py::reinterpret_steal<py::bytes>(bytes);
 }
 
-// The bytes of any contiguous buffer, borrowed while this object lives.
-class Bytes {
- public:
-  explicit Bytes(const py::object& object) {
-    if (PyObject_GetBuffer(object.ptr(), &buffer_, PyBUF_SIMPLE) != 0) {
-      throw py::error_already_set();
-    }
-  }
-  Bytes(const Bytes&) = delete;
-  Bytes& operator=(const Bytes&) = delete;
-  ~Bytes() { PyBuffer_Release(&buffer_); }
-
-  std::string_view view() const {
-    return {static_cast<const char*>(buffer_.buf), static_cast<std::size_t>(buffer_.len)};
-  }
-
- private:
-  Py_buffer buffer_{};
-};
-
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 requires
 void translateOutputErrors(std::exception_ptr error) {
   try {
@@ -79,6 +61,21 @@ py::object readFile(const OutputFolder& folder, const py::str& location) {
   return py::bytes(*bytes);
 }
 
+OutputFolder::Comparison compare(const OutputFolder& folder, const py::str& location,
+                                 const py::object& data, const std::vector<Region>& regions,
+                                 const Markers* markers) {
+  const std::string path = pathBelow(location);
+  try {
+    return folder.compare(path, Bytes(data).view(), regions, markers);
+  } catch (const RegionDamage& damage) {
+    const std::string place = joinPath(folder.path(), path);
+    const py::object type = py::module_::import("orv.errors").attr("Located");
+    const std::string said = ":" + std::to_string(damage.line()) + ": " + damage.what();
+    PyErr_SetObject(type.ptr(), (fromSystem(place) + toPython(said)).ptr());
+    throw py::error_already_set();
+  }
+}
+
 void bindFolder(py::module_& module) {
   py::class_<OutputFolder>(module, "OutputFolder")
       .def(py::init([](const py::object& path, const py::object& real, bool durable) {
@@ -93,10 +90,8 @@ void bindFolder(py::module_& module) {
       .def("lock", &OutputFolder::lock)
       .def("locate", [](OutputFolder& folder,
                         const py::str& path) { return toPython(folder.locate(pathBelow(path))); })
-      .def("compare",
-           [](const OutputFolder& folder, const py::str& location, const py::object& data) {
-             return folder.compare(pathBelow(location), Bytes(data).view());
-           })
+      .def("compare", &compare, py::arg("location"), py::arg("data"),
+           py::arg("regions") = std::vector<Region>(), py::arg("markers") = py::none())
       .def("read", &readFile)
       .def("has_folder",
            [](const OutputFolder& folder, const py::str& location) {
@@ -122,19 +117,37 @@ void bindFolder(py::module_& module) {
       .def("sync", &OutputFolder::sync);
 }
 
+void bindComparison(py::module_& module) {
+  using Comparison = OutputFolder::Comparison;
+  using KeptRegion = OutputFolder::KeptRegion;
+  py::class_<KeptRegion>(module, "KeptRegion")
+      .def_property_readonly("id", [](const KeptRegion& region) { return toPython(region.id); })
+      .def_readonly("line", &KeptRegion::line)
+      .def_property_readonly("text",
+                             [](const KeptRegion& region) { return py::bytes(region.text); })
+      .def_property_readonly("hash", [](const KeptRegion& region) { return textHash(region.text); })
+      .def_readonly("is_taken", &KeptRegion::isTaken);
+  py::class_<Comparison>(module, "Comparison")
+      .def_readonly("exists", &Comparison::exists)
+      .def_readonly("same", &Comparison::same)
+      .def_readonly("hash", &Comparison::hash)
+      .def_readonly("regions", &Comparison::regions)
+      .def_readonly("ends_lines_with_return", &Comparison::endsLinesWithReturn)
+      .def_property_readonly("merged", [](const Comparison& comparison) -> py::object {
+        if (!comparison.merged) return py::none();
+        return py::bytes(*comparison.merged);
+      });
+}
+
 }  // namespace
 
 void bindOutput(py::module_& module) {
   py::register_local_exception_translator(&translateOutputErrors);
-  py::class_<OutputFolder::Comparison>(module, "Comparison")
-      .def_readonly("exists", &OutputFolder::Comparison::exists)
-      .def_readonly("same", &OutputFolder::Comparison::same)
-      .def_readonly("hash", &OutputFolder::Comparison::hash);
+  bindComparison(module);
   bindFolder(module);
   module.def("output_path", [](const py::str& directory, const py::str& name) {
     return toPython(outputPath(pathBelow(directory), pathBelow(name)));
   });
-  module.def("text_hash", [](const py::object& data) { return textHash(Bytes(data).view()); });
 }
 
 }  // namespace orv

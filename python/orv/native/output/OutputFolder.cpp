@@ -1,8 +1,10 @@
 #include "python/orv/native/output/OutputFolder.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
+#include <unordered_set>
 #include <utility>
 
 #include <sys/file.h>
@@ -11,7 +13,6 @@
 #include "python/orv/native/output/Beneath.hpp"
 #include "python/orv/native/output/OutputErrors.hpp"
 #include "python/orv/native/output/Temporary.hpp"
-#include "python/orv/native/output/TextHash.hpp"
 
 namespace orv {
 namespace {
@@ -22,7 +23,6 @@ constexpr int mostLinks = 40;
 constexpr mode_t permissions = 0777;
 constexpr mode_t newFile = 0666;
 constexpr mode_t newPrivateFile = 0600;
-constexpr std::size_t chunkSize = std::size_t{64} * 1024;
 
 using Status = struct stat;
 
@@ -49,17 +49,21 @@ void push(std::vector<std::string>& waiting, const fs::path& path) {
   waiting.insert(waiting.end(), parts.rbegin(), parts.rend());
 }
 
-// Calls `take` with the bytes of a file, chunk by chunk.
-template <typename Take>
-void readChunks(const Descriptor& file, const std::string& location, Take take) {
-  std::vector<char> chunk(chunkSize);
+std::string readAll(const Descriptor& file, const std::string& location, const Status& status) {
+  std::string bytes;
+  // One more than expected, so that the end is met at once.
+  bytes.resize(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+  std::size_t size = 0;
   while (true) {
-    const ssize_t size = ::read(file.get(), chunk.data(), chunk.size());
-    if (size < 0 && errno == EINTR) continue;
-    if (size < 0) throw SystemError(errno, location);
-    if (size == 0) return;
-    take(std::string_view(chunk.data(), static_cast<std::size_t>(size)));
+    const ssize_t count = ::read(file.get(), bytes.data() + size, bytes.size() - size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw SystemError(errno, location);
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+    if (size == bytes.size()) bytes.resize(2 * size);
   }
+  bytes.resize(size);
+  return bytes;
 }
 
 void syncFolder(const Descriptor& folder, const std::string& location) {
@@ -179,30 +183,40 @@ Descriptor OutputFolder::find(const std::string& location, int flags) const {
 }
 
 // The file is opened without waiting for anyone: a pipe may have been put in its place.
-OutputFolder::Comparison OutputFolder::compare(const std::string& location,
-                                               std::string_view data) const {
-  const Descriptor file = find(location, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-  if (!file) return {};
-  const Status status = statusOf(file, location);
-  requireKind(location, status.st_mode, Wanted::file);
-  bool same = status.st_size >= 0 && static_cast<std::size_t>(status.st_size) == data.size();
-  TextHash hash;
-  std::size_t position = 0;
-  readChunks(file, location, [&](std::string_view chunk) {
-    same = same && data.substr(position, chunk.size()) == chunk;
-    position += chunk.size();
-    hash.add(chunk);
-  });
-  return {true, same && position == data.size(), hash.digest()};
-}
-
 std::optional<std::string> OutputFolder::read(const std::string& location) const {
   const Descriptor file = find(location, O_RDONLY | O_NONBLOCK | O_NOCTTY);
   if (!file) return std::nullopt;
-  requireKind(location, statusOf(file, location).st_mode, Wanted::file);
-  std::string bytes;
-  readChunks(file, location, [&](std::string_view chunk) { bytes += chunk; });
-  return bytes;
+  const Status status = statusOf(file, location);
+  requireKind(location, status.st_mode, Wanted::file);
+  return readAll(file, location, status);
+}
+
+OutputFolder::Comparison OutputFolder::compare(const std::string& location, std::string_view data,
+                                               const std::vector<Region>& regions,
+                                               const Markers* markers) const {
+  const std::optional<std::string> old = read(location);
+  if (!old) return {};
+  Comparison result;
+  result.exists = true;
+  result.same = *old == data;
+  std::vector<Region> kept;
+  if (markers != nullptr && (!result.same || !regions.empty())) kept = markers->find(*old);
+  result.hash = frameHash(*old, kept);
+  if (kept.empty()) return result;
+  std::unordered_set<std::string_view> asked;
+  for (const Region& region : regions) asked.insert(region.id);
+  RegionTexts texts;
+  for (const Region& region : kept) {
+    const std::string_view text = region.textIn(*old);
+    const bool isTaken = asked.count(region.id) != 0;
+    if (isTaken) texts.emplace(region.id, text);
+    result.regions.push_back({region.id, region.line, std::string(text), isTaken});
+  }
+  if (texts.empty()) return result;
+  result.endsLinesWithReturn = orv::endsLinesWithReturn(*old, kept);
+  result.merged = withRegions(data, regions, texts, result.endsLinesWithReturn);
+  result.same = *old == *result.merged;
+  return result;
 }
 
 bool OutputFolder::hasFolder(const std::string& location) const {

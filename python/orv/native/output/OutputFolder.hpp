@@ -11,6 +11,7 @@
 #include <sys/types.h>
 
 #include "python/orv/native/output/Descriptor.hpp"
+#include "python/orv/native/output/Regions.hpp"
 
 namespace orv {
 
@@ -25,11 +26,23 @@ namespace orv {
 // The system's failures throw SystemError, places that are none throw OutputRefused.
 class OutputFolder {
  public:
-  // How a file compares with a text. The hash is that of the file's text (see TextHash.hpp).
+  // A region of a file on the disk. It is taken when a new text has one of its name.
+  struct KeptRegion {
+    std::string id;
+    std::size_t line;
+    std::string text;
+    bool isTaken;
+  };
+
+  // How a file compares with a text. The hash is that of the file without its regions (see
+  // Regions.hpp). `merged` is the new text with the file's regions taken over, if there are any.
   struct Comparison {
     bool exists = false;
     bool same = false;
     std::string hash;
+    std::vector<KeptRegion> regions;
+    bool endsLinesWithReturn = false;
+    std::optional<std::string> merged;
   };
 
   // `path` is the folder as its user names it, `real` the same with all links resolved. When
@@ -51,8 +64,10 @@ class OutputFolder {
   // or meet something that is not a folder, and what is there and not a plain file.
   std::string locate(const std::string& path);
 
-  // Reads the file once. A file of another size than `data` is the same in no case.
-  Comparison compare(const std::string& location, std::string_view data) const;
+  // Reads the file once. `regions` are those of `data`. `markers` are those of the file's regions;
+  // null when it has none. Throws RegionDamage.
+  Comparison compare(const std::string& location, std::string_view data,
+                     const std::vector<Region>& regions, const Markers* markers) const;
   std::optional<std::string> read(const std::string& location) const;
   bool hasFolder(const std::string& location) const;
 

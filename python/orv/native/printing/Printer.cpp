@@ -39,6 +39,8 @@ bool goesToFile(Body::Kind kind) {
   return kind == Body::Kind::section || kind == Body::Kind::function;
 }
 
+bool goesBelow(Body::Kind kind) { return kind == Body::Kind::indent || kind == Body::Kind::user; }
+
 }  // namespace
 
 Printer::Printer(std::shared_ptr<PackagedFiles> files, RepeatListener repeated)
@@ -111,14 +113,30 @@ void Printer::openIndent(Indentation indentation) {
   }
 }
 
-Body::Kind Printer::destination() const {
+void Printer::openUser(std::string_view beginning, std::string ending) {
+  if (isInUser()) throw std::logic_error("a user region is opened inside of another");
+  beginLine();
+  append(beginning);
+  append("\n");
+  Body& body = open(Body::Kind::user);
+  body.name = std::move(ending);
+  body.indentation = {};
+}
+
+const Body& Printer::destination() const {
+  std::size_t position = depth_ - 1;
+  while (goesBelow(bodies_[position].kind)) --position;
+  return bodies_[position];
+}
+
+bool Printer::isInUser() const {
   std::size_t position = depth_ - 1;
   while (bodies_[position].kind == Body::Kind::indent) --position;
-  return bodies_[position].kind;
+  return bodies_[position].kind == Body::Kind::user;
 }
 
 void Printer::place(std::size_t number, Indentation indentation) {
-  if (!goesToFile(destination())) {
+  if (!goesToFile(destination().kind)) {
     throw std::logic_error("a custom section is placed outside of a section");
   }
   Body& body = top();
@@ -128,8 +146,13 @@ void Printer::place(std::size_t number, Indentation indentation) {
 Body& Printer::close() {
   if (depth_ <= 1) throw std::logic_error("no body is open");
   Body& body = bodies_[--depth_];
-  if (body.kind == Body::Kind::indent) {
+  if (goesBelow(body.kind)) {
     indent(body);
+    if (body.kind == Body::Kind::user) {
+      beginLine();
+      append(body.name);
+      append("\n");
+    }
   } else if (goesToFile(body.kind)) {
     commit(body);
   } else {
@@ -144,6 +167,14 @@ bool Printer::beginsLine() const {
   std::size_t position = depth_ - 1;
   while (bodies_[position].kind == Body::Kind::indent && bodies_[position].text.empty()) --position;
   return endsLine(bodies_[position].text);
+}
+
+// What is placed at the end may end a line or not: then nothing is added.
+void Printer::beginLine() {
+  const Body& body = top();
+  const bool endsInPlacement =
+      !body.placements.empty() && body.placements.back().offset == body.text.size();
+  if (!endsInPlacement && !beginsLine()) append("\n");
 }
 
 void Printer::indent(const Body& body) {

@@ -21,8 +21,9 @@ namespace orv {
 // The text printed between an opening tag and its end, with its destination.
 struct Body {
   // Outside holds no text: text there belongs to no section. The text of fill and
-  // capture becomes a value again, that of indent goes to the body below, all other text to a file.
-  enum class Kind { outside, section, function, fill, capture, indent };
+  // capture becomes a value again, those of indent and user, a user region, go to the body below,
+  // all other text to a file.
+  enum class Kind { outside, section, function, fill, capture, indent, user };
 
   // A custom section that is put into the text at `offset`. `number` is the template side's.
   struct Placement {
@@ -37,7 +38,8 @@ struct Body {
   Kind kind = Kind::outside;
   // The file that tags in this body mean when they name none; -1 for none.
   int current = -1;
-  // Where the text goes; `name` is that of a function or of a custom section.
+  // Where the text goes; `name` is that of a function or of a custom section, or the line that ends
+  // a user region.
   int file = -1;
   Varn::VarnFileSectionKind section = Varn::BANNER_SECTION;
   std::string name;
@@ -89,9 +91,13 @@ class Printer {
   void openCapture();
   // In a body that is outside, which has no lines to indent, another one that is outside.
   void openIndent(Indentation indentation);
+  // Begins a user region, whose markers are the lines `beginning` and, when it is closed, `ending`.
+  void openUser(std::string_view beginning, std::string ending);
 
-  // The kind of the body that the text goes to: of the top one that is no indent.
-  Body::Kind destination() const;
+  // The body that the text goes to: the top one that is no indent and no user region.
+  const Body& destination() const;
+  // Whether the text goes to a user region.
+  bool isInUser() const;
 
   void append(std::string_view text) { top().text.append(text); }
   // Only where the text goes to a section or a function.
@@ -111,6 +117,7 @@ class Printer {
   Body& open(Body::Kind kind);
   bool isWaitingFor(int file, Varn::VarnFileSectionKind kind) const;
   bool beginsLine() const;
+  void beginLine();
   void indent(const Body& body);
   void appendIndented(std::string_view text, const Indentation& indentation);
   void commit(Body& body);

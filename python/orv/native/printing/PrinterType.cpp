@@ -381,6 +381,15 @@ PyObject* indent(PyObject* self, Arguments arguments, Py_ssize_t count) {
   });
 }
 
+PyObject* user(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("user", count, 2, 2);
+    printerOf(self).openUser(utf8WithoutNul(arguments[0], "a marker"),
+                             textArgument(arguments[1], "a marker"));
+    return none();
+  });
+}
+
 PyObject* place(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("place", count, 3, 3);
@@ -414,13 +423,24 @@ PyObject* finish(PyObject* self, PyObject* retrieve) {
 }
 
 PyObject* nameOf(Body::Kind kind) {
-  constexpr const char* names[] = {"outside", "section", "function", "fill", "capture", "indent"};
+  constexpr const char* names[] = {"outside", "section", "function", "fill",
+                                   "capture", "indent",  "user"};
   return PyUnicode_FromString(names[static_cast<std::size_t>(kind)]);
 }
 
 PyObject* getKind(PyObject* self, void*) { return nameOf(printerOf(self).top().kind); }
 
-PyObject* getDestination(PyObject* self, void*) { return nameOf(printerOf(self).destination()); }
+PyObject* getDestination(PyObject* self, void*) {
+  return nameOf(printerOf(self).destination().kind);
+}
+
+PyObject* getDestinationFile(PyObject* self, void*) {
+  return PyLong_FromLong(printerOf(self).destination().file);
+}
+
+PyObject* getIsInUser(PyObject* self, void*) {
+  return PyBool_FromLong(static_cast<long>(printerOf(self).isInUser()));
+}
 
 PyObject* getDepth(PyObject* self, void*) { return PyLong_FromSize_t(printerOf(self).depth()); }
 
@@ -507,6 +527,7 @@ PyMethodDef methods[] = {
     method("fill", &fill),
     method("indent", &indent),
     method("place", &place),
+    method("user", &user),
     method("target", &target),
     method("is_waiting", &isWaiting),
     {"bound", &bound, METH_O, nullptr},
@@ -524,6 +545,8 @@ PyMethodDef methods[] = {
 PyGetSetDef properties[] = {
     {"kind", &getKind, nullptr, nullptr, nullptr},
     {"destination", &getDestination, nullptr, nullptr, nullptr},
+    {"destination_file", &getDestinationFile, nullptr, nullptr, nullptr},
+    {"is_in_user", &getIsInUser, nullptr, nullptr, nullptr},
     {"depth", &getDepth, nullptr, nullptr, nullptr},
     {"failed_argument", &getFailedArgument, nullptr, nullptr, nullptr},
     {nullptr, nullptr, nullptr, nullptr, nullptr},

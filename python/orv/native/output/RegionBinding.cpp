@@ -1,0 +1,82 @@
+#include <map>
+#include <string>
+#include <vector>
+
+#include <pybind11/stl.h>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Bytes.hpp"
+#include "python/orv/native/Text.hpp"
+#include "python/orv/native/output/Regions.hpp"
+#include "python/orv/native/output/TextHash.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+// Identifiers are UTF-8; those of old files may hold any bytes.
+std::string idOf(const py::str& id) {
+  PyObject* bytes = PyUnicode_AsEncodedString(id.ptr(), "utf-8", "surrogateescape");
+  if (bytes == nullptr) throw py::error_already_set();
+  return py::reinterpret_steal<py::bytes>(bytes);
+}
+
+std::vector<Region> find(const Markers& markers, const py::object& data) {
+  try {
+    return markers.find(Bytes(data).view());
+  } catch (const RegionDamage& damage) {
+    throw py::value_error("line " + std::to_string(damage.line()) + ": " + damage.what());
+  }
+}
+
+py::dict hashes(const py::object& data, const std::vector<Region>& regions) {
+  const Bytes bytes(data);
+  py::dict found;
+  for (const Region& region : regions) {
+    found[toPython(region.id)] = textHash(region.textIn(bytes.view()));
+  }
+  return found;
+}
+
+py::dict texts(const py::object& data, const std::vector<Region>& regions) {
+  const Bytes bytes(data);
+  py::dict found;
+  for (const Region& region : regions) {
+    const std::string_view text = region.textIn(bytes.view());
+    found[toPython(region.id)] = py::bytes(text.data(), text.size());
+  }
+  return found;
+}
+
+py::bytes replaced(const py::object& data, const std::vector<Region>& regions,
+                   const std::map<std::string, std::string>& given, bool returns) {
+  RegionTexts wanted;
+  for (const auto& [id, text] : given) wanted.emplace(id, text);
+  return withRegions(Bytes(data).view(), regions, wanted, returns);
+}
+
+}  // namespace
+
+void bindRegions(py::module_& module) {
+  py::class_<Region>(module, "Region")
+      .def_property_readonly("id", [](const Region& region) { return toPython(region.id); })
+      .def_readonly("line", &Region::line);
+  py::class_<Markers>(module, "Markers")
+      .def(py::init<std::string>())
+      .def_property_readonly("pattern",
+                             [](const Markers& markers) { return toPython(markers.pattern()); })
+      .def("beginning", [](const Markers& markers,
+                           const py::str& id) { return toPython(markers.beginning(idOf(id))); })
+      .def("ending", [](const Markers& markers,
+                        const py::str& id) { return toPython(markers.ending(idOf(id))); })
+      .def("find", &find);
+  module.def("frame_hash", [](const py::object& data, const std::vector<Region>& regions) {
+    return frameHash(Bytes(data).view(), regions);
+  });
+  module.def("region_hashes", &hashes);
+  module.def("region_texts", &texts);
+  module.def("with_regions", &replaced);
+}
+
+}  // namespace orv
