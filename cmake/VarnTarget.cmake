@@ -32,6 +32,9 @@ function(varn_target target)
       -fsanitize=${VARN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -UNDEBUG)
     target_link_options(${target} PRIVATE -fsanitize=${VARN_SANITIZE})
   endif()
+  if(VARN_BUILD_FUZZERS)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()
 
 # varn_test(<name> SOURCES ... [LIBRARIES ...]): one GoogleTest program, its cases registered with

@@ -67,13 +67,17 @@ inline std::vector<std::string> writesOf(const FileSection& section) {
 // The bytes that `write(FILE*)` writes to a buffered stream.
 template <typename Write>
 std::string bytesOf(Write write) {
-  char* memory = nullptr;
-  std::size_t size = 0;
-  FILE* stream = ::open_memstream(&memory, &size);
-  write(stream);
-  static_cast<void>(std::fclose(stream));
-  const std::unique_ptr<char, decltype(&std::free)> owner(memory, &std::free);
-  return {memory, size};
+  struct Memory {
+    char* text = nullptr;
+    std::size_t size = 0;
+    ~Memory() { std::free(text); }
+  } memory;
+  {
+    const std::unique_ptr<FILE, decltype(&std::fclose)> stream(
+        ::open_memstream(&memory.text, &memory.size), &std::fclose);
+    write(stream.get());
+  }
+  return {memory.text, memory.size};
 }
 
 }  // namespace Varn
