@@ -84,12 +84,17 @@ def main(minutes: float, layer: str, fuzzers: Path) -> int:
             start_fuzzer(path, seconds, folder) for path in sorted(fuzzers.glob("*_fuzzer"))
         ]
         rows = []
-        for process, log, read in running:
-            result = read(process.wait(), log.read_text(errors="replace"))
-            rows.append((log.name.replace("_", " "), result))
-            if result["failed"]:
-                failed += 1
-                print(f"== {log.name}\n{log.read_text(errors='replace')[-6000:]}", file=sys.stderr)
+        try:
+            for process, log, read in running:
+                result = read(process.wait(), log.read_text(errors="replace"))
+                rows.append((log.name.replace("_", " "), result))
+                if result["failed"]:
+                    failed += 1
+                    said = log.read_text(errors="replace")[-6000:]
+                    print(f"== {log.name}\n{said}", file=sys.stderr)
+        finally:
+            for process, *_ in running:
+                process.terminate()
     print("| attack | cases | survived | failed |\n|---|---|---|---|")
     for name, result in rows:
         cases, lost = int(result["cases"]), int(result["failed"])

@@ -17,15 +17,20 @@
 
 namespace {
 
-// The number of live allocations, and how many more succeed (negative: all).
+// The number of live allocations, and how many more succeed (negative: all). Then one fails, or
+// all.
 long aliveAllocations = 0;
 long allocationsLeft = -1;
+bool failsOnce = false;
 
 }  // namespace
 
 // Kept out of line: inlined, one of the pair looks to the compiler like a mismatch of the other.
 [[gnu::noinline]] void* operator new(std::size_t size, std::align_val_t alignment) {
-  if (allocationsLeft == 0) throw std::bad_alloc();
+  if (allocationsLeft == 0) {
+    if (failsOnce) allocationsLeft = -1;
+    throw std::bad_alloc();
+  }
   const auto unit = static_cast<std::size_t>(alignment);
   void* memory = std::aligned_alloc(unit, (size / unit + 1) * unit);
   if (memory == nullptr) throw std::bad_alloc();
@@ -205,8 +210,9 @@ const Operation operations[] = {
     {"assigned packaging", [](World& w) { w.otherPackaging = w.manager.orvBridge(); }},
 };
 
-// Whether `run` succeeds when only its first `allocations` allocations do.
-bool runsWith(long allocations, const Operation& operation, World& world) {
+// Whether `run` succeeds when only its first `allocations` allocations do, or all but the next one.
+bool runsWith(long allocations, const Operation& operation, World& world, bool once = false) {
+  failsOnce = once;
   allocationsLeft = allocations;
   bool passed = true;
   try {
@@ -237,6 +243,14 @@ TEST_P(AllocationFailure, HasNoEffect) {
       passed = runsWith(allocations, operation, world);
       if (!passed && !operation.inSteps) {
         ASSERT_EQ(before, stateOf(world)) << operation.title << ", allocation " << allocations;
+      }
+    }
+    {
+      World world;
+      const bool survived = runsWith(allocations, operation, world, true);
+      if (survived || !operation.inSteps) {
+        ASSERT_EQ(survived ? after : before, stateOf(world))
+            << operation.title << ", only allocation " << allocations;
       }
     }
     {
