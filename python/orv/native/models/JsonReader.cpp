@@ -41,10 +41,14 @@ std::size_t numberSize(std::string_view rest) {
   return size;
 }
 
-bool hasLongInteger(std::string_view text) {
+// Whether there may be a long integer: a number that is one has all digits between two of the
+// places that are looked at.
+bool mayHaveLongInteger(std::string_view text) {
   constexpr std::size_t step = longInteger / 2;
   for (std::size_t i = step; i < text.size(); i += step) {
-    if (isDigit(text[i]) && isDigit(text[i - step])) return true;
+    std::size_t begin = i;
+    while (begin != i - step && isDigit(text[begin])) --begin;
+    if (begin == i - step) return true;
   }
   return false;
 }
@@ -154,7 +158,7 @@ std::string reasonOf(json::ParseErrorCode code) {
 }  // namespace
 
 void readJson(std::string_view text, ModelBuilder& builder) {
-  const std::string quoted = hasLongInteger(text) ? withQuotedIntegers(text) : std::string();
+  const std::string quoted = mayHaveLongInteger(text) ? withQuotedIntegers(text) : std::string();
   json::StringStream stream(quoted.empty() ? text.data() : quoted.c_str());
   Events events(text, stream, builder);
   json::Reader reader;

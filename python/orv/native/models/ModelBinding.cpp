@@ -52,9 +52,9 @@ py::object readXml(std::string_view data, const std::string& label, Places* plac
 }
 
 py::object readText(const std::string& format, std::string_view data, const std::string& label,
-                    Places* places, ModelWarnings& warnings) {
+                    Places* places, ModelRemarks& warnings, ModelRemarks& mistakes) {
   const std::string_view text = sourceText(data);
-  ModelBuilder builder(places, places == nullptr ? 0 : places->addFile(label));
+  ModelBuilder builder(places, places == nullptr ? 0 : places->addFile(label), mistakes);
   if (format == "json") {
     readJson(text, builder);
   } else if (format == "yaml") {
@@ -69,23 +69,39 @@ py::object readText(const std::string& format, std::string_view data, const std:
   return builder.finish();
 }
 
+[[noreturn]] void refuse(const std::string& label, const ModelRemarks& mistakes) {
+  std::string message;
+  for (const auto& [location, text] : mistakes) {
+    if (!message.empty()) message += '\n';
+    message += messageOf(label, location, text);
+  }
+  const py::object type = py::module_::import("orv.errors").attr("ModelError");
+  PyErr_SetObject(type.ptr(), toPython(message).ptr());
+  throw py::error_already_set();
+}
+
+py::object readValue(const std::string& format, std::string_view data, const std::string& label,
+                     Places* places, ModelRemarks& warnings) {
+  ModelRemarks mistakes;
+  py::object value;
+  try {
+    value = format == "xml" ? readXml(data, label, places)
+                            : readText(format, data, label, places, warnings, mistakes);
+  } catch (const ModelError& error) {
+    mistakes.emplace_back(error.location(), error.what());
+  }
+  if (!mistakes.empty()) refuse(label, mistakes);
+  return value;
+}
+
 // The value and the warnings. Messages begin with FILE:LINE:COLUMN, but with an empty name.
 py::tuple readModel(const std::string& format, const py::bytes& data, const py::str& name,
                     Places* places) {
   const CollectorPause pause;
   const std::string label = labelOf(name);
-  ModelWarnings warnings;
-  py::object model;
-  try {
-    const auto bytes = static_cast<std::string_view>(data);
-    model = format == "xml" ? readXml(bytes, label, places)
-                            : readText(format, bytes, label, places, warnings);
-  } catch (const ModelError& error) {
-    const py::object type = py::module_::import("orv.errors").attr("ModelError");
-    const std::string message = messageOf(label, error.location(), error.what());
-    PyErr_SetObject(type.ptr(), toPython(message).ptr());
-    throw py::error_already_set();
-  }
+  ModelRemarks warnings;
+  py::object model =
+      readValue(format, static_cast<std::string_view>(data), label, places, warnings);
   py::list texts;
   for (const auto& [location, text] : warnings) {
     texts.append(toPython(messageOf(label, {location.line, 0}, text)));

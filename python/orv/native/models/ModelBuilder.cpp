@@ -16,6 +16,9 @@ namespace py = pybind11;
 constexpr std::size_t longestShared = 32;
 constexpr std::size_t mostDigits = 18;
 
+// The most names given twice that are collected.
+constexpr std::size_t mostRepeated = 20;
+
 py::object owned(PyObject* object) {
   if (object == nullptr) throw py::error_already_set();
   return py::reinterpret_steal<py::object>(object);
@@ -120,9 +123,15 @@ void ModelBuilder::value(py::object value, Location location) {
   const Py_ssize_t size = PyDict_GET_SIZE(container);
   if (PyDict_SetItem(container, open.key.ptr(), value.ptr()) != 0) throw py::error_already_set();
   if (PyDict_GET_SIZE(container) == size) {
-    throw ModelError(open.keyLocation, "the name \"" + std::string(utf8(open.key, "a name")) +
-                                           "\" is given twice in one object");
+    noteRepeated(open);
   }
+}
+
+void ModelBuilder::noteRepeated(const Open& open) {
+  const std::string name(utf8(open.key, "a name"));
+  const std::string text = "the name \"" + name + "\" is given twice in one object";
+  if (repeatedNames_.size() == mostRepeated) throw ModelError(open.keyLocation, text);
+  repeatedNames_.emplace_back(open.keyLocation, text);
 }
 
 py::object ModelBuilder::last() const {

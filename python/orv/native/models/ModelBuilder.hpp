@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <pybind11/pybind11.h>
@@ -15,6 +16,9 @@
 
 namespace orv {
 
+// What is said of places in a model, in order.
+using ModelRemarks = std::vector<std::pair<Location, std::string>>;
+
 // Makes the value that templates see of what a model's reader reports piece by piece, and checks it
 // on the way: every operation throws ModelError, with the location, for what no model may hold.
 //
@@ -22,8 +26,11 @@ namespace orv {
 // readers pass is UTF-8.
 class ModelBuilder {
  public:
-  // Records where values are written in `places`, unless it is null. `file` is of that table.
-  ModelBuilder(Places* places, std::uint32_t file) : places_(places), file_(file) {}
+  // Records where values are written in `places`, unless it is null. `file` is of that table. Names
+  // that are given twice are added to `repeatedNames`, which must outlive the builder; the value is
+  // not to be used when there are any.
+  ModelBuilder(Places* places, std::uint32_t file, ModelRemarks& repeatedNames)
+      : places_(places), file_(file), repeatedNames_(repeatedNames) {}
   ~ModelBuilder() = default;
   ModelBuilder(const ModelBuilder&) = delete;
   ModelBuilder& operator=(const ModelBuilder&) = delete;
@@ -67,12 +74,14 @@ class ModelBuilder {
   };
 
   void begin(PyObject* container, Location location);
+  void noteRepeated(const Open& open);
   // The text of a name, mostly the same object for the same short ASCII name.
   pybind11::object sharedName(std::string_view text, Location location);
   std::vector<Places::Entry> entriesOf(const pybind11::object& source) const;
 
   Places* places_;
   std::uint32_t file_;
+  ModelRemarks& repeatedNames_;
   pybind11::object root_;
   std::vector<Open> open_;
   // Of the entries of all that is open.

@@ -3,22 +3,16 @@
 #ifndef ORV_MODELS_READERS_HPP
 #define ORV_MODELS_READERS_HPP
 
-#include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "python/orv/native/models/ModelBuilder.hpp"
 
 namespace orv {
 
-// What a reader finds worth a warning: the location and the text.
-using ModelWarnings = std::vector<std::pair<Location, std::string>>;
-
 void readJson(std::string_view text, ModelBuilder& builder);
 // YAML 1.2 with its core schema and merge keys. Numbers that print otherwise than they are written
 // are warned about.
-void readYaml(std::string_view text, ModelBuilder& builder, ModelWarnings& warnings);
+void readYaml(std::string_view text, ModelBuilder& builder, ModelRemarks& warnings);
 void readToml(std::string_view text, ModelBuilder& builder);
 // Comma-separated values as RFC 4180 has them: a list of dictionaries with the names of the first
 // line, all values texts.

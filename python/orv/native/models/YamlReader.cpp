@@ -75,7 +75,7 @@ struct Level {
 
 class YamlReader {
  public:
-  YamlReader(std::string_view text, ModelBuilder& builder, ModelWarnings& warnings)
+  YamlReader(std::string_view text, ModelBuilder& builder, ModelRemarks& warnings)
       : text_(text), builder_(builder), warnings_(warnings), parser_(new yaml_parser_t) {
     if (yaml_parser_initialize(parser_.get()) == 0) throw std::bad_alloc();
     yaml_parser_set_encoding(parser_.get(), YAML_UTF8_ENCODING);
@@ -306,7 +306,7 @@ class YamlReader {
 
   std::string_view text_;
   ModelBuilder& builder_;
-  ModelWarnings& warnings_;
+  ModelRemarks& warnings_;
   std::unique_ptr<yaml_parser_t, DeleteParser> parser_;
   std::unordered_map<std::string, Anchor> anchors_;
   std::vector<Level> levels_;
@@ -316,7 +316,7 @@ class YamlReader {
 
 }  // namespace
 
-void readYaml(std::string_view text, ModelBuilder& builder, ModelWarnings& warnings) {
+void readYaml(std::string_view text, ModelBuilder& builder, ModelRemarks& warnings) {
   YamlReader(text, builder, warnings).read();
 }
 
