@@ -159,6 +159,17 @@ def test_delimiters_and_relative_templates(orv: Command, tmp_path: Path) -> None
     done = orv(*run, "<% %> << >> <# #>", t__j2='<# no #><% include "a/b/m.j2" %>')
     assert (done.returncode, done.stderr) == (0, "")
     assert (tmp_path / "o" / "a.c").read_text() == "int a[] = {{0}}; 1\n  b\n  c\n"
+    wrong = '<% section "Enums" %><% break %><< none >>'
+    done = orv("lint", "w.j2", *run[-1:], "<% %> << >> <# #>", w__j2=wrong)
+    assert done.stderr.splitlines() == [
+        "w.j2:1: <% section %> is never ended: expected <% endsection %>"
+    ]
+    done = orv(*run, "<% %> << >> <# #>", t__j2=wrong[:21] + "<% endsection %>")
+    assert done.stderr.endswith(
+        'put this between <% file ... %> and <% endfile %> or say which file it is for: of "NAME"\n'
+    )
+    done = orv(*run, "<% %> << >> <# #>", t__j2="<< none >>{{ 1 }}")
+    assert done.stderr.endswith('write << "NULL" if VALUE is none else VALUE >>\n')
     assert orv(*run, "<% %>").stderr.endswith(
         "error: argument --delimiters: expected three different pairs such as '<% %> << >> <# #>',"
         " got '<% %>'\nTry 'orv generate --help'.\n"

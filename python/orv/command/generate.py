@@ -13,6 +13,7 @@ from orv.command.outputs import Outcome, Outputs
 from orv.command.progress import progress
 from orv.command.runs import requested_runs, require_consistent
 from orv.dependencies import recorded
+from orv.delimiters import DELIMITERS
 from orv.errors import Messages
 from orv.extensions import load_extensions
 from orv.files.regions import KnownRegions, Texts, TextsOf, unsettled
@@ -21,7 +22,7 @@ from orv.models.model import build_model, refuse_unknown
 from orv.output.folder import open_folder, texts_on_disk
 from orv.templates.budget import Budget
 from orv.templates.engine import mentioned_names, render, source_beside
-from orv.templates.library import DELIMITERS, Language
+from orv.templates.library import Language
 
 # How often a run is rendered at most until what templates were told of user regions is true.
 _MOST_RENDERINGS = 4

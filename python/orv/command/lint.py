@@ -6,10 +6,11 @@ import sys
 from typing import Any
 
 from orv.command.options import LintOptions
+from orv.delimiters import DELIMITERS
 from orv.errors import Misuse
 from orv.extensions import load_extensions
 from orv.templates.engine import lint, source_beside
-from orv.templates.library import DELIMITERS, Language
+from orv.templates.library import Language
 
 
 def run(given: dict[str, Any]) -> int:

@@ -6,6 +6,7 @@ from dataclasses import dataclass, field
 from typing import NamedTuple
 
 from orv import _native
+from orv.delimiters import tag
 from orv.errors import Diagnostic, Located, Messages, OrvError, did_you_mean
 from orv.positions import Position, here
 
@@ -90,7 +91,7 @@ class CustomSections:
             file_name = self._repository.get_attribute(file, "Name")
             raise OrvError(
                 f'the file "{file_name}" has no custom section "{name}"'
-                + (did_you_mean(name, known) or ": declare it with {% custom %}")
+                + (did_you_mean(name, known) or f": declare it with {tag('custom')}")
             )
         if section.placed is not None:
             raise OrvError(
@@ -110,7 +111,7 @@ class CustomSections:
             done = "filled" if section.first_fill else "marked as in use"
             file_name = self._repository.get_attribute(file, "Name")
             known = [n for (owner, n), s in self._sections.items() if owner == file and s.builtin]
-            hint = did_you_mean(name, known) or f': {{% custom "{name}" on "SECTION" %}}'
+            hint = did_you_mean(name, known) or ": " + tag(f'custom "{name}" on "SECTION"')
             raise Located(
                 f'{place}: the custom section "{name}" of "{file_name}" is {done} but never'
                 f" declared{hint}"
@@ -130,7 +131,7 @@ class CustomSections:
             file_name = self._repository.get_attribute(file, "Name")
             self._messages.warn(
                 f'the text of custom section "{name}" of "{file_name}" is never placed: {reason},'
-                f' and no {{% place "{name}" %}} says where it goes',
+                " and no " + tag(f'place "{name}"') + " says where it goes",
                 section.first_fill,
             )
 

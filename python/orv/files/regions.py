@@ -6,6 +6,7 @@ from collections.abc import Callable, Mapping, Sequence
 from typing import NamedTuple
 
 from orv import _native
+from orv.delimiters import tag
 from orv.errors import Messages, OrvError, OutputError, TemplateError, did_you_mean
 from orv.files.table import FileTable
 from orv.positions import Position, here
@@ -131,7 +132,7 @@ class Regions:
                     raise OutputError(
                         f"{self._files.place(file)}the file {self._files.label(file)} has the"
                         f' marker of a user region "{region.id}" in line {region.line}, which no'
-                        " {% user %} made"
+                        f" {tag('user')} made"
                     )
         for declared in self._declared.values():
             for id, (position, _) in declared.items():

@@ -6,6 +6,7 @@ from collections.abc import Callable, Mapping, Sequence
 from dataclasses import dataclass, field
 
 from orv import _native
+from orv.delimiters import tag
 from orv.errors import Messages, OrvError, OutputError, did_you_mean
 from orv.positions import Position, here
 
@@ -166,7 +167,13 @@ class FileTable:
             self._messages.warn(self._clash(name, registered), script)
 
     def find(self, target: object) -> int:
-        """The file that a template means by a name or a file object."""
+        """The file that a template means by a name, a file object, or none: the current file, which
+        there is not."""
+        if target is None:
+            raise OrvError(
+                f"no file is open here; put this between {tag('file ...')} and {tag('endfile')} or"
+                ' say which file it is for: of "NAME"'
+            )
         if isinstance(target, FileView):
             return target._index
         if not isinstance(target, str):
@@ -174,7 +181,7 @@ class FileTable:
         index = self.repository.find(target)
         if index < 0:
             raise OrvError(
-                f'there is no file "{target}" yet; declare it with {{% file %}} first'
+                f'there is no file "{target}" yet; declare it with {tag("file")} first'
                 + did_you_mean(target, self.names())
             )
         return index
@@ -278,12 +285,11 @@ class FileTable:
     def _name_from_table(self, name: str | None, kind: str) -> str:
         file_type = _NAMED_BY_TABLE[kind]
         stem = self.repository.file_name(file_type)
+        naming = tag(f'model "NAME" {file_type}="..."')
         if name is not None:
-            raise OrvError(f'the name of {kind} comes from {{% model "NAME" {file_type}="..." %}}')
+            raise OrvError(f"the name of {kind} comes from {naming}")
         if not stem:
-            raise OrvError(
-                f'{kind} has no name yet; give it one with {{% model "NAME" {file_type}="..." %}}'
-            )
+            raise OrvError(f"{kind} has no name yet; give it one with {naming}")
         return stem + ".h"
 
     def _module(self, name: str | None, kind: str, modules: tuple[int, ...]) -> int:

@@ -18,6 +18,7 @@ from typing import Any
 from jinja2 import TemplateSyntaxError, nodes
 from jinja2.compiler import CodeGenerator, Frame, MacroRef
 
+from orv.delimiters import tag
 from orv.templates.depth import TOO_DEEP
 from orv.templates.printable import outside_text
 
@@ -291,10 +292,10 @@ class TemplateCode(CodeGenerator):
         self._leave_bodies("continue", node)
         super().visit_Continue(node, frame)
 
-    def _leave_bodies(self, tag: str, node: nodes.Stmt) -> None:
+    def _leave_bodies(self, name: str, node: nodes.Stmt) -> None:
         depth = self._depths[-1] if self._depths else None
         if depth is None:
-            self.fail(f"{{% {tag} %}} belongs into a loop", node.lineno)
+            self.fail(f"{tag(name)} belongs into a loop", node.lineno)
         self.writeline(f"statements.close_to({depth})", node)
 
     @contextmanager

@@ -10,6 +10,7 @@ from typing import Any, NamedTuple
 from jinja2 import BaseLoader, FileSystemLoader, TemplateSyntaxError
 
 from orv._native import Places
+from orv.delimiters import written_with
 from orv.errors import PLACE, Located, Messages, OrvError, TemplateError
 from orv.files.regions import KnownRegions
 from orv.files.run import Run
@@ -93,15 +94,26 @@ def render(
     run = Run(messages, text_of, refuse_outside, step, known)
     if budget.text:
         run.printer.bound(budget.text)
-    for source in sources:
-        with _template_errors(source.loader, run, places), budget.watched():
-            try:
-                Environment(run, source.loader, language).render(source.template, model)
-            except TemplateSyntaxError as error:
-                raise TemplateError("\n".join(_syntax_errors(error, sources, language))) from error
-    with _template_errors(sources[-1].loader, run, places), budget.watched():
-        run.finish()
+    with written_with(language.delimiters):
+        for source in sources:
+            with _template_errors(source.loader, run, places), budget.watched():
+                _render(source, sources, run, model, language)
+        with _template_errors(sources[-1].loader, run, places), budget.watched():
+            run.finish()
     return run
+
+
+def _render(
+    source: Source,
+    sources: Sequence[Source],
+    run: Run,
+    model: Mapping[str, object],
+    language: Language,
+) -> None:
+    try:
+        Environment(run, source.loader, language).render(source.template, model)
+    except TemplateSyntaxError as error:
+        raise TemplateError("\n".join(_syntax_errors(error, sources, language))) from error
 
 
 def lint(sources: Sequence[Source], language: Language = Language()) -> list[str]:
@@ -110,11 +122,12 @@ def lint(sources: Sequence[Source], language: Language = Language()) -> list[str
 
     run = Run(Messages(), text_of, refuse_outside)
     found: dict[str, None] = {}
-    for source in sources:
-        linter = Linter(Environment(run, source.loader, language))
-        linter.read(source.template)
-        linter.check()
-        found.update(dict.fromkeys(linter.messages))
+    with written_with(language.delimiters):
+        for source in sources:
+            linter = Linter(Environment(run, source.loader, language))
+            linter.read(source.template)
+            linter.check()
+            found.update(dict.fromkeys(linter.messages))
     return sorted(found, key=_file_and_line)
 
 

@@ -7,6 +7,7 @@ from typing import Any, NamedTuple
 
 from jinja2 import Environment
 
+from orv.delimiters import DELIMITERS
 from orv.dependencies import depends
 from orv.errors import Messages, OrvError
 from orv.extensions import Extensions, place
@@ -18,10 +19,6 @@ from orv.positions import here
 
 # How much of a value `debug` shows.
 _SHOWN = 2000
-
-
-# The beginnings and ends of tags, of printed values and of comments.
-DELIMITERS = ("{%", "%}", "{{", "}}", "{#", "#}")
 
 
 class Language(NamedTuple):

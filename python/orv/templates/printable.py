@@ -9,6 +9,7 @@ from typing import Any, NoReturn
 from jinja2 import Undefined
 
 from orv import _native
+from orv.delimiters import printed, tag
 from orv.errors import OrvError
 from orv.files.table import FileView
 from orv.models.element import Element
@@ -19,12 +20,12 @@ _PRINTED = (str, int, float, complex, date, time, timedelta, Undefined, FileView
 _PLAIN = (complex, date, time, timedelta)
 
 # What no C program wants to read, by type, and what templates write instead.
-_INSTEAD: dict[type, str] = {
-    type(None): 'none has no text in C; write {{ "NULL" if VALUE is none else VALUE }}',
-    bool: "a truth value has no text in C; write {{ VALUE | c_bool }} or {{ VALUE | int }}",
-    dict: "a dictionary has no text in C; print its entries one by one, as in {{ VALUE.NAME }}",
-    list: 'a list has no text in C; write {{ VALUE | join(", ") }}',
-    tuple: 'a list has no text in C; write {{ VALUE | join(", ") }}',
+_INSTEAD: dict[type, tuple[str, ...]] = {
+    type(None): ("none has no text in C; write ", '"NULL" if VALUE is none else VALUE'),
+    bool: ("a truth value has no text in C; write ", "VALUE | c_bool", "VALUE | int"),
+    dict: ("a dictionary has no text in C; print its entries one by one, as in ", "VALUE.NAME"),
+    list: ("a list has no text in C; write ", 'VALUE | join(", ")'),
+    tuple: ("a list has no text in C; write ", 'VALUE | join(", ")'),
 }
 
 
@@ -42,7 +43,8 @@ def require_printable(value: object) -> None:
     """Raise OrvError for a value that C has no use for, or whose text would be its address."""
     instead = _INSTEAD.get(type(value))
     if instead is not None:
-        raise OrvError(instead)
+        reason, *expressions = instead
+        raise OrvError(reason + " or ".join(map(printed, expressions)))
     if isinstance(value, float) and not isfinite(value):
         raise OrvError(f"the number {value} has no text in C; <math.h> has INFINITY and NAN")
     if not isinstance(value, _PRINTED):
@@ -74,17 +76,18 @@ def outside_text(text: str) -> str:
     """The complaint about text that belongs to no section."""
     line, *more = text.strip().splitlines()
     shown = line[:60] + ("..." if more or len(line) > 60 else "")
-    return f'this text is outside every section: "{shown}"; put it between' + (
-        " {% section %} and {% endsection %}"
+    return (
+        f'this text is outside every section: "{shown}"; put it between {tag("section")} and'
+        f" {tag('endsection')}"
     )
 
 
-def refuse_in_value(what: str, tag: str) -> NoReturn:
-    """Raise OrvError for a tag that puts something into a text that becomes a value."""
+def refuse_in_value(what: str, name: str) -> NoReturn:
+    """Raise OrvError for a tag, by its name, that puts something into a text that becomes a value."""
     raise OrvError(
-        f"the {what} cannot be placed in a text that becomes a value, as in {{% set %}},"
-        " {% filter %}, or a macro whose result is passed on; print the macro by itself"
-        f" or put {{% {tag} %}} into the section"
+        f"the {what} cannot be placed in a text that becomes a value, as in {tag('set')},"
+        f" {tag('filter')}, or a macro whose result is passed on; print the macro by itself or put"
+        f" {tag(name)} into the section"
     )
 
 

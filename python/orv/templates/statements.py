@@ -6,6 +6,7 @@ from collections.abc import Callable, Iterator, Mapping, Sequence
 from typing import NoReturn
 
 from orv import _native
+from orv.delimiters import tag as as_tag
 from orv.errors import OrvError
 from orv.files.run import Run
 from orv.files.table import FileView
@@ -41,12 +42,12 @@ class Statements:
         if run.step is not None:
             run.step()
 
-    def require_quotes(self, defined: bool, tag: str, written: str) -> None:
+    def require_quotes(self, defined: bool, name: str, written: str) -> None:
         """Refuse a name of a file or section that is no variable: its quotes are missing."""
         if not defined:
             raise OrvError(
-                f"{written} is undefined; a name that is no variable is written in quotes:"
-                f' {{% {tag} "{written}" %}}'
+                f"{written} is undefined; a name that is no variable is written in quotes: "
+                + as_tag(f'{name} "{written}"')
             )
 
     def end_fill(self) -> None:
@@ -75,7 +76,7 @@ class Statements:
         checked = _name(name)
         kind = self._printer.destination
         if kind == "outside":
-            raise OrvError(outside_text(f'{{% place "{checked}" %}}'))
+            raise OrvError(outside_text(as_tag(f'place "{checked}"')))
         if kind == "fill":
             raise OrvError(f'a custom section cannot hold the place of another one, "{checked}"')
         if kind == "capture":
@@ -90,7 +91,7 @@ class Statements:
         printer = self._printer
         kind = printer.destination
         if kind == "outside":
-            raise OrvError(outside_text(f'{{% user "{id}" %}}'))
+            raise OrvError(outside_text(as_tag(f'user "{id}"')))
         if kind == "capture":
             refuse_in_value(f'user region "{id}"', "user")
         if printer.is_in_user:

@@ -16,6 +16,7 @@ from jinja2.lexer import Token
 from jinja2.parser import Parser
 
 from orv import _native
+from orv.delimiters import tag as as_tag
 from orv.errors import did_you_mean
 from orv.templates.lexer import TagEnd, TagName
 from orv.templates.parser import complain
@@ -191,7 +192,7 @@ def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:
     names = _native.SECTION_NAMES
     if name.value not in names:
         hint = did_you_mean(str(name.value), names) or (
-            f"; the sections are {', '.join(names)}; a custom section is filled with {{% fill %}}"
+            f"; the sections are {', '.join(names)}; a custom section is filled with {as_tag('fill')}"
         )
         complain(parser, f'there is no section "{name.value}"{hint}', name.lineno)
         return nodes.Const(0, lineno=name.lineno)

@@ -6,6 +6,7 @@ import re
 
 from jinja2.runtime import Macro
 
+from orv.delimiters import shown, tag
 from orv.errors import did_you_mean
 
 # What messages call a value, by the name of its type in Python.
@@ -68,7 +69,7 @@ _SENTENCES = [
      'the macro "{1}" is given too many arguments; it takes {2}'),
     (r"macro '(\w+)' takes no keyword argument '(\w+)'", 'the macro "{1}" has no argument "{2}"'),
     (r"macro '(\w+)' was invoked with two values for the special caller argument.*",
-     'the macro "{1}" does not use caller(), and cannot be called by {{% call %}}'),
+     'the macro "{1}" does not use caller(), and cannot be called by {call}'),
     (r"<.*> is not safely callable", "a template may not call this"),
     (r"access to attribute '(\w+)' of '(\w+)' object is unsafe\.",
      'a template may not use "{1}" of {2:t}'),
@@ -76,9 +77,11 @@ _SENTENCES = [
      "division by zero"),
 ]  # fmt: skip
 
+_DELIMITERS = (
+    "begin of statement block", "end of statement block",
+    "begin of print statement", "end of print statement",
+)  # fmt: skip
 _WORD = {
-    "end of statement block": "%}", "begin of statement block": "{%",
-    "end of print statement": "}}", "begin of print statement": "{{",
     "end of template": "the end of the template", "integer": "a number", "float": "a number",
     "string": "a text",
 }  # fmt: skip
@@ -111,7 +114,9 @@ def in_plain_words(error: BaseException) -> str:
         found = re.fullmatch(pattern, text, re.DOTALL)
         if found:
             groups = [_Group(group or "") for group in found.groups()]
-            return sentence.format("", *groups) + _hint(error, groups[-1] if groups else "")
+            return sentence.format("", *groups, call=tag("call")) + _hint(
+                error, groups[-1] if groups else ""
+            )
     if isinstance(error, KeyError):
         return f'there is no entry "{text}"'
     return text or type(error).__name__
@@ -119,7 +124,7 @@ def in_plain_words(error: BaseException) -> str:
 
 def syntax_words(text: str) -> str:
     """A message of the parser, with the delimiters as they are written."""
-    for name, written in _WORD.items():
+    for name, written in [*zip(_DELIMITERS, shown(), strict=False), *_WORD.items()]:
         text = text.replace(f"'{name}'", written)
     text = re.sub(
         r"^unexpected char (['\"])(['\"])\1 at \d+", r"a text that begins with \2 has no end", text

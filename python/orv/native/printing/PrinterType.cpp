@@ -138,9 +138,7 @@ int targetOf(PrinterObject& self, Arguments arguments, Py_ssize_t count, Py_ssiz
   if (at >= count || arguments[at] == Py_None) {
     const int current = self.printer->top().current;
     if (current >= 0) return current;
-    throw py::value_error(
-        "no file is open here; put this between {% file ... %} and {% endfile %}"
-        " or say which file it is for: of \"NAME\"");
+    return fileArgument(call(self.find, Py_None).ptr());
   }
   if (PyUnicode_CheckExact(arguments[at])) {
     const std::string name = textArgument(arguments[at], "a file's name");
