@@ -1,6 +1,6 @@
 """A template engine that packages generated C text into files, section by section.
 
-`render`, `plan` and `write` are what the command does, for other programs; help(orv.interface)
+`read_model`, `render`, `plan` and `write` are what the command does, for other programs; help(orv.interface)
 shows an example. Every failure is an OrvError. `filter`, `test`, `function`, `prepare` and `depends`
 are for extensions; see orv.extensions.
 """
@@ -22,7 +22,7 @@ from orv.errors import (
 from orv.extensions import Model, filter, function, prepare, test
 
 if TYPE_CHECKING:
-    from orv.interface import plan, render, write
+    from orv.interface import plan, read_model, render, write
 
 __all__ = [
     "Diagnostic",
@@ -38,6 +38,7 @@ __all__ = [
     "function",
     "plan",
     "prepare",
+    "read_model",
     "render",
     "test",
     "write",
@@ -46,7 +47,7 @@ __all__ = [
 
 def __getattr__(name: str) -> object:
     # Loaded when first used: help and --version need no engine.
-    if name in ("plan", "render", "write"):
+    if name in ("plan", "read_model", "render", "write"):
         from orv import interface
 
         return getattr(interface, name)

@@ -18,6 +18,31 @@ Nothing is written unless every step before succeeded:
 >>> [file.state.value for file in orv.plan(run, "generated")]
 ['same']
 
+Models can be read from files, and options are given as a project file has them:
+
+>>> written = pathlib.Path("limit.yaml").write_text("limit: 2")
+>>> model = orv.read_model(model="limit.yaml", set=["unit=ms"])
+>>> written = pathlib.Path("limit.j2").write_text('''
+... <% file "limit.h" %>
+... <% section "Defines" %>
+... #define LIMIT_<< unit | upper >> << limit | tenfold >>
+... <% endsection %>
+... <% endfile %>
+... ''')
+>>> written = pathlib.Path("limits.py").write_text('''
+... import orv
+...
+... @orv.filter
+... def tenfold(value: int) -> int:
+...     return 10 * value
+... ''')
+>>> run = orv.render("limit.j2", model, delimiters="<% %> << >> <# #>", extend=["limits.py"])
+>>> print(orv.plan(run, "generated", guard="pragma")[0].data.decode())
+#pragma once
+<BLANKLINE>
+#define LIMIT_MS 20
+<BLANKLINE>
+
 A mistake is an error that says where it is:
 
 >>> try:
@@ -25,51 +50,87 @@ A mistake is an error that says where it is:
 ... except orv.TemplateError as error:
 ...     print(error)
 count.j2:4: 'start' is undefined
+>>> try:
+...     orv.plan(run, "generated", guard="A B")
+... except orv.OrvError as error:
+...     print(error)
+guard: expected pragma or a macro such as {PATH}_H, got 'A B'
 """
 
 from __future__ import annotations
 
 import os
-from collections.abc import Callable, Mapping, Sequence
+from collections.abc import Callable, Mapping
+from typing import TypeVar
 
-from orv.errors import Messages, ignore
+from orv.command.option import Options, options_of
+from orv.command.options import LayoutOptions, LintOptions, ModelOptions
+from orv.command.project import option_value
+from orv.delimiters import DELIMITERS
+from orv.errors import Messages, OrvError, did_you_mean, ignore
+from orv.extensions import load_extensions
 from orv.files.run import Run
+from orv.models.model import Model, build_model
 from orv.output import plan as planning
 from orv.output.folder import lock, make_folder, open_folder
 from orv.output.guards import check_guards
+from orv.output.layout import Layout
 from orv.output.ownership import Policy, require_writable, settle_without_state
 from orv.output.plan import Plan
 from orv.output.writer import Writer
 from orv.templates import engine
+from orv.templates.library import Language
+
+_Holder = TypeVar("_Holder", bound=Options)
 
 # How long a run waits for another one, in seconds.
 _LOCK_TIMEOUT = 60
 
 
+def read_model(*, warn: Callable[[str], None] = ignore, **options: object) -> Model:
+    """Read and merge models. Its `values` are the variables; errors know where each was written.
+
+    The options are those of `orv generate` that make a model, with the values that a project file
+    has: `model`, `set`, `schema`. `warn` gets the text of each warning. Raises ModelError.
+    """
+    given = _given(ModelOptions, options, "extend")
+    return build_model(given.model, given.set, warn, given.schema)
+
+
 def render(
     template: str | os.PathLike[str],
-    model: Mapping[str, object],
+    model: Mapping[str, object] | Model,
     *,
-    templates: Sequence[str] = (),
     warn: Callable[[str], None] = ignore,
     strict: bool = False,
+    **options: object,
 ) -> Run:
-    """Render a template, whose variables are the entries of `model`, into the files of a new run.
+    """Render a template into the files of a new run.
 
-    Other templates are looked for beside it, then in the folders `templates`. `warn` gets the text
-    of each warning; when `strict`, warnings are errors. Raises TemplateError.
+    Its variables are the entries of `model`, or those of a model that was read. Other templates are
+    looked for beside it. `warn` gets the text of each warning; when `strict`, warnings are errors.
+    The options are those of `orv generate` about templates, with the values that a project file
+    has: `templates`, `delimiters`, `extend`. Raises TemplateError, and ScriptError for an extension.
     """
-    source = engine.source_beside(os.fspath(template), templates, [])
-    return engine.render([source], model, Messages(warn, strict))
+    given = _given(LintOptions, options)
+    source = engine.source_beside(os.fspath(template), given.templates, [])
+    extensions = load_extensions(given.extend)
+    places = model.places if isinstance(model, Model) else None
+    values = extensions.prepare(dict(model.values if isinstance(model, Model) else model))
+    language = Language(extensions, given.delimiters or DELIMITERS)
+    return engine.render([source], values, Messages(warn, strict), None, language, places)
 
 
-def plan(run: Run, out: str | os.PathLike[str]) -> Plan:
+def plan(run: Run, out: str | os.PathLike[str], **options: object) -> Plan:
     """Compare the files of a run with what is below the folder `out`, which need not exist.
 
-    Changes nothing. Raises OutputError, with the file and where it was declared, when a file cannot
-    go where it belongs.
+    The options are those of `orv generate` about layout, with the values that a project file has:
+    `blank_lines`, `guard`, `format`, `format_all`. Changes nothing. Raises OutputError, with the file
+    and where it was declared, when a file cannot go where it belongs.
     """
-    files = planning.plan(run, open_folder(os.fspath(out)))
+    given = _given(LayoutOptions, options)
+    layout = Layout(given.blank_lines, given.format, given.format_all, given.guard)
+    files = planning.plan(run, open_folder(os.fspath(out)), layout)
     check_guards(files, run)
     return files
 
@@ -94,3 +155,25 @@ def write(files: Plan, run: Run, *, orphans: str = "error") -> None:
     for location, text in settled.rescued.items():
         writer.rescue(location, text)
     writer.write(files)
+
+
+def _given(holder: type[_Holder], options: Mapping[str, object], *others: str) -> _Holder:
+    """The options that were given as keywords, and the defaults of the rest.
+
+    `others` are options of the holder that cannot be given.
+    """
+    known = {
+        option.attribute: option
+        for option in options_of(holder)
+        if not option.positional and option.attribute not in others
+    }
+    values: dict[str, object] = {}
+    for name, value in options.items():
+        if name not in known:
+            raise TypeError(f'there is no option "{name}"{did_you_mean(name, known)}')
+        entries = list(value) if isinstance(value, (list, tuple)) else value
+        try:
+            values[name] = option_value(known[name], entries, "")
+        except ValueError as error:
+            raise OrvError(f"{name}: {error}") from error
+    return holder(**values)

@@ -13,10 +13,11 @@ import pytest
 from conftest import files_of
 
 from orv import _native, interface
+from orv.delimiters import DELIMITERS
 from orv.errors import OrvError
 from orv.extensions import Extensions
 from orv.output.layout import Layout
-from orv.templates.library import DELIMITERS, Language
+from orv.templates.library import Language
 
 DOCUMENT = Path(__file__).parents[2] / "docs" / "templates.md"
 BLOCK = re.compile(r"^(?:#+ (.+)|```(\w+) ?(.*)\n((?:.*\n)*?)```)$", re.MULTILINE)
@@ -101,4 +102,4 @@ def test_example(example: Example, tmp_path: Path) -> None:
 
 def test_interface(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.chdir(tmp_path)
-    assert doctest.testmod(interface) == (0, 8)
+    assert doctest.testmod(interface) == (0, 15)

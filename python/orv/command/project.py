@@ -90,7 +90,7 @@ class Project:
             try:
                 if option is None:
                     raise ValueError(f"there is no such option{did_you_mean(key, self._options)}")
-                values[option.attribute] = _value(option, value, os.path.dirname(self.path))
+                values[option.attribute] = option_value(option, value, os.path.dirname(self.path))
                 if option.exclusive and value:
                     other = exclusive.setdefault(option.exclusive, key)
                     if other != key:
@@ -135,7 +135,11 @@ def merged(
     return values
 
 
-def _value(option: Option, value: object, folder: str) -> Any:
+def option_value(option: Option, value: object, folder: str) -> Any:
+    """What a value of a project file, or of a Python program, means for an option.
+
+    Relative paths begin at the folder. Raises ValueError and OrvError.
+    """
     if option.type is None:
         if not isinstance(value, bool):
             raise ValueError(f"expected true or false, got {_shown(value)}")
