@@ -31,6 +31,7 @@ def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
             raise ScriptError(failure(path, error)) from error
     for index in range(known, len(run.repository)):
         run.files.adopt(index, path)
+    run.repository.adopt_script(path)
 
 
 def _host_names(run: Run) -> dict[str, object]:

@@ -7,7 +7,7 @@ from dataclasses import dataclass
 from orv.command.option import Option, Options, options_of
 
 from orv.command.options import (
-    GenerateOptions, LintOptions, ListOutputsOptions, PrintModelOptions,
+    GenerateOptions, LintOptions, ListOutputsOptions, PrintModelOptions, WhereOptions,
 )  # fmt: skip
 
 SUMMARY = "Packages generated C text into files, section by section."
@@ -64,5 +64,13 @@ COMMANDS = (
         "print the model as JSON",
         "Print what the models and settings make together, as templates see it.",
         PrintModelOptions,
+    ),
+    Command(
+        "where",
+        "say where a line of a generated file comes from",
+        "Print the section, the lines of templates, the calls and the model's elements that a line"
+        " comes from, as the trace file has it that `orv generate --trace` wrote. Without one,"
+        " render the runs of the project file again in memory; the file must be as they make it.",
+        WhereOptions,
     ),
 )

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 import re
-from typing import TYPE_CHECKING, ClassVar
+from typing import TYPE_CHECKING, ClassVar, NamedTuple
 
 from orv.command.option import (
     Options, ValueType, choice, file, flag, folder, number, operands, text, value, values,
@@ -174,6 +174,10 @@ class OutputOptions(OutputFolderOptions):
         "a file that the run makes, from DIR; if any is given, a run that does not make exactly"
         " these fails",
     )
+    trace: str | None = value(
+        file("FILE.json"),
+        "write where each byte of the files comes from, for `orv where` and others",
+    )
     check: bool = flag("write nothing; end with 1 when a file differs", exclusive="mode")
     dry_run: bool = flag("write nothing; list what would be written", exclusive="mode")
     diff: bool = flag("write nothing; show what would change")
@@ -306,6 +310,40 @@ class ListOutputsOptions(
 ):
     """The options of `orv list-outputs`."""
 
+    json: bool = flag("print a JSON list")
+
+
+class LinePlace(NamedTuple):
+    """A line of a file, and a column in bytes, both from 1; column 0 is the whole line."""
+
+    path: str
+    line: int
+    column: int = 0
+
+    @classmethod
+    def parse(cls, argument: str) -> LinePlace:
+        """From FILE:LINE or FILE:LINE:COLUMN. Raises ValueError."""
+        place = re.fullmatch(r"(.+?):([1-9]\d{0,8})(?::([1-9]\d{0,8}))?:?", argument)
+        if place is None:
+            raise ValueError(f"expected FILE:LINE or FILE:LINE:COLUMN, got {argument!r}")
+        return cls(place[1], int(place[2]), int(place[3] or 0))
+
+    def __str__(self) -> str:
+        return f"{self.path}:{self.line}" + (f":{self.column}" if self.column else "")
+
+
+PLACE = ValueType("FILE:LINE[:COLUMN]", LinePlace.parse, completes="file")
+
+
+class WhereOptions(ProjectOptions):
+    """The options of `orv where`."""
+
+    GROUP: ClassVar[str] = "input"
+
+    line: list[LinePlace] = operands(PLACE, "a line of a generated file")
+    trace: str | None = value(
+        file("FILE.json"), "the trace file; the runs of the project file when it is left out"
+    )
     json: bool = flag("print a JSON list")
 
 

@@ -56,7 +56,7 @@ class Outputs:
             options.run_name or "", options.edited, options.stale, options.adopt, options.orphans
         )
         self._load()
-        self._files = plan(run, self._folder, _layout(options), self._known.markers())
+        self._files = plan(run, self._folder, layout_of(options), self._known.markers())
         require_expected(self._files, options.expect)
         check_guards(self._files, run)
         self._settle()
@@ -137,6 +137,11 @@ class Outputs:
             text = "".join(f"{path}\n" for path in shown_paths(self._files))
             data = text.encode("utf-8", "surrogateescape")
             wanted.append(reports.Report("list of outputs", options.outputs, data))
+        if options.trace is not None:
+            from orv.output.tracefile import trace_file
+
+            data = trace_file(self._run, self._files, options.out)
+            wanted.append(reports.Report("trace", options.trace, data))
         if options.depfile is not None:
             target = options.depfile_target or options.stamp or ""
             wanted.append(
@@ -273,5 +278,6 @@ class Outputs:
         return shown(self._folder, file.path)
 
 
-def _layout(options: GenerateOptions) -> Layout:
+def layout_of(options: GenerateOptions) -> Layout:
+    """How the run's files are laid out."""
     return Layout(options.blank_lines, options.format, options.format_all, options.guard)

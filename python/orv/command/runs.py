@@ -31,7 +31,8 @@ def require_consistent(runs: Sequence[GenerateOptions]) -> None:
             raise Misuse("argument --no-state: not allowed with argument --state")
         if options.format_all and options.format is None:
             raise Misuse("--format-all needs --format COMMAND")
-        for path in (options.depfile, options.manifest, options.outputs, options.stamp):
+        reports = (options.depfile, options.manifest, options.outputs, options.stamp, options.trace)
+        for path in reports:
             if path is None:
                 continue
             other = owners.setdefault(os.path.realpath(path), options.run_name)

@@ -18,7 +18,8 @@ class Run:
     """One repository, filled by templates and finished once.
 
     The parts do the work: `files` declares and selects, `printer` takes text, `custom` knows the
-    custom sections, `regions` the user regions, with what is `known` of them. `step` is called each
+    custom sections, `regions` the user regions, with what is `known` of them, `trace` where text
+    comes from, in a run that is traced. `step` is called each
     time a template opens a file.
     """
 
@@ -29,12 +30,17 @@ class Run:
         refuse_outside: Callable[[str], None],
         step: Callable[[], None] | None = None,
         known: KnownRegions = KnownRegions(),
+        traced: bool = False,
+        places: _native.Places | None = None,
     ) -> None:
         self.messages = messages
         # Files that templates, scripts and extensions say the outputs depend on.
         self.dependencies: list[str] = []
         self.step = step
         self.repository = _native.Repository()
+        self.trace = self.repository.start_trace() if traced else None
+        # Where the values of the model were written, as far as that is known.
+        self.places = places or _native.Places()
         self.files = FileTable(self.repository, messages)
         self.printer = _native.Printer(
             self.repository, text_of, refuse_outside, self.files.find, self._report_repeated
@@ -44,6 +50,19 @@ class Run:
         self.regions = Regions(self.files, messages, known)
         self.files.has_regions = self.regions.has_regions
         self._placements: list[Placement] = []
+
+    def ask(self, file: int, header: str) -> None:
+        """Note which line of a template asks for a header, given as in lists of headers."""
+        if self.trace is not None:
+            quoted = header if header.startswith("<") else f'"{header}"'
+            self.trace.ask(file, quoted, self.site("include"))
+
+    def site(self, kind: str) -> int:
+        """A site where the template is that runs; 0 in a run that is not traced."""
+        if self.trace is None:
+            return 0
+        place = here()
+        return self.trace.add_site(kind, place.template, place.line)
 
     def place(self, file: int, name: str) -> int:
         """The number by which the printer knows a custom section that is placed here."""

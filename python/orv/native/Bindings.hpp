@@ -34,6 +34,7 @@ void bindModels(pybind11::module_& module);
 void bindOutput(pybind11::module_& module);
 void bindRegions(pybind11::module_& module);
 void bindTextFilters(pybind11::module_& module);
+void bindTrace(pybind11::module_& module, RepositoryClass& repository);
 
 }  // namespace orv
 

@@ -6,6 +6,7 @@
 #include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
+#include "python/orv/native/tracing/Trace.hpp"
 
 namespace orv {
 namespace {
@@ -22,6 +23,7 @@ void declare(PackagedFiles& files, int index, const py::object& builtin, const p
   if (section == "Types") section = "Typedefs";
   const Varn::VarnFileSectionKind kind = requireSection(files, index, sectionNumber(section));
   declareCustomSection(files, index, kind, customName(name));
+  if (files.trace) files.trace->declare(index, kind, customName(name));
 }
 
 }  // namespace
@@ -36,11 +38,14 @@ void bindCustomSections(RepositoryClass& repository) {
       .def(
           "retrieve_custom",
           [](PackagedFiles& files, int index, const py::object& name, const py::object& requester) {
-            return toPython(files.file(index).getCustomContent().getCustomSectionContent(
-                customName(name), textArgument(requester, "the requester")));
+            const std::string& text = files.file(index).getCustomContent().getCustomSectionContent(
+                customName(name), textArgument(requester, "the requester"));
+            if (files.trace) files.trace->retrieve(index, customName(name));
+            return toPython(text);
           })
       .def("mark_custom_in_use", [](PackagedFiles& files, int index, const py::object& name) {
         files.file(index).getCustomContent().setCustomTokenInUse(customName(name));
+        if (files.trace) files.trace->markInUse(index, customName(name));
       });
 }
 

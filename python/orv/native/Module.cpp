@@ -13,6 +13,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindAttributes(module, repository);
   orv::bindSections(repository);
   orv::bindCustomSections(repository);
+  orv::bindTrace(module, repository);
   orv::bindPrinter(module);
   orv::bindOperations(module);
   orv::bindComposer(module, repository);

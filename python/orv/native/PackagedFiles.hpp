@@ -2,6 +2,7 @@
 #define ORV_PACKAGEDFILES_HPP
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include <varn/FileRepOrvBridge.hpp>
@@ -9,6 +10,8 @@
 #include <varn/VarnFileRepository.hpp>
 
 namespace orv {
+
+class Trace;
 
 // The repository of one run with its packaging manager, which is destroyed first. Every Python
 // object that refers to a file keeps this object alive.
@@ -31,6 +34,8 @@ struct PackagedFiles {
   Varn::VarnFilePackagingManager manager{&repository};
   // By file; as long as the last text file.
   std::vector<bool> texts;
+  // Null unless the run is traced.
+  std::shared_ptr<Trace> trace;
 };
 
 }  // namespace orv

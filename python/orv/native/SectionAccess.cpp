@@ -3,6 +3,7 @@
 #include <varn/VarnFile.hpp>
 
 #include "python/orv/native/SectionNames.hpp"
+#include "python/orv/native/tracing/Trace.hpp"
 
 namespace orv {
 namespace {
@@ -44,6 +45,7 @@ void placeCustomSections(PackagedFiles& files, int file) {
     } else {
       holder.getCustomContent().appendMissingTokens(holder.getFileSection(kind), kind);
     }
+    if (files.trace) files.trace->appendMissing(file, kind);
   }
 }
 

@@ -7,6 +7,7 @@
 #include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
+#include "python/orv/native/tracing/Trace.hpp"
 
 namespace orv {
 namespace {
@@ -50,8 +51,9 @@ py::list functionNames(PackagedFiles& files, int index) {
 
 void addInclude(PackagedFiles& files, int index, const py::object& header, bool isSystem) {
   auto& section = files.file(index).getFileSection(Varn::INCLUDES_SECTION);
-  dynamic_cast<Varn::IncludesSection&>(section).addInclude(textArgument(header, "a header's name"),
-                                                           isSystem);
+  const std::string name = textArgument(header, "a header's name");
+  dynamic_cast<Varn::IncludesSection&>(section).addInclude(name, isSystem);
+  if (files.trace) files.trace->addInclude(index, name, isSystem);
 }
 
 }  // namespace

@@ -35,8 +35,8 @@ class TemplateCode(CodeGenerator):
 
     def __init__(self, *arguments: Any, **named: Any) -> None:
         super().__init__(*arguments, **named)
-        # The bodies of the loops that are being compiled, outermost first.
-        self._loops: list[list[nodes.Node]] = []
+        # The loops that are being compiled, outermost first.
+        self._loops: list[nodes.For] = []
         # By loop or macro, innermost last: the name of the variable that has the printer's depth
         # in the loop's body; None in a macro.
         self._depths: list[str | None] = []
@@ -108,6 +108,10 @@ class TemplateCode(CodeGenerator):
                 self.write(",")
                 self.newline(at)
             self._write_argument(child, frame)
+        self._end_group(group)
+
+    def _end_group(self, group: list[nodes.Expr]) -> None:
+        """End the call that prints a group."""
         self.write(")")
 
     def _write_argument(self, child: nodes.Expr, frame: Frame) -> None:
@@ -142,7 +146,7 @@ class TemplateCode(CodeGenerator):
         if isinstance(node.node, nodes.EnvironmentAttribute):
             self._call_operation(node.node.name, node.args, frame)
         elif forward_caller or id(node) in self._printed:
-            self.write("environment.call_printed(context, ")
+            self._begin_printed_call(node)
             self.visit(node.node, frame)
             more = {"caller": "caller"} if forward_caller else {}
             if frame.loop_frame:
@@ -153,6 +157,9 @@ class TemplateCode(CodeGenerator):
             self.write(")")
         else:
             super().visit_Call(node, frame)
+
+    def _begin_printed_call(self, node: nodes.Call) -> None:
+        self.write("environment.call_printed(context, ")
 
     def _call_operation(
         self, operation: str, arguments: Iterable[nodes.Node], frame: Frame
@@ -238,13 +245,13 @@ class TemplateCode(CodeGenerator):
 
     def visit_For(self, node: nodes.For, frame: Frame) -> None:
         """Compile a loop. A recursive one prints like a macro, once its list is known."""
+        if node.recursive:
+            node = self._with_known_list(node, frame)
         node = nodes.For(
             node.target, self._with_order(node.iter), node.body, node.else_, node.test,
             node.recursive, lineno=node.lineno,
         )  # fmt: skip
-        if node.recursive:
-            node = self._with_known_list(node, frame)
-        self._loops.append(node.body)
+        self._loops.append(node)
         super().visit_For(node, frame)
         self._loops.pop()
 
@@ -259,16 +266,19 @@ class TemplateCode(CodeGenerator):
         known: Any = object.__new__(nodes.InternalName)
         nodes.Node.__init__(known, self.temporary_identifier(), lineno=node.lineno)
         self.writeline(f"{known.name} = ", node)
-        self.visit(node.iter, frame)
+        self.visit(self._with_order(node.iter), frame)
         return nodes.For(
-            node.target, known, node.body, node.else_, node.test, True, lineno=node.lineno
+            node.target, known, node.body, node.else_, node.test, node.recursive, lineno=node.lineno
         )
 
     def blockvisit(self, body: Iterable[nodes.Node], frame: Frame) -> None:
         """Compile statements; the body of a loop notes how deep the printer is, to leave it."""
-        if not self._loops or body is not self._loops[-1]:
+        if self._loops and body is self._loops[-1].body:
+            self._visit_loop_body(body, frame)
+        else:
             super().blockvisit(body, frame)
-            return
+
+    def _visit_loop_body(self, body: Iterable[nodes.Node], frame: Frame) -> None:
         depth = self.temporary_identifier()
         if _has_controls(body):
             self.writeline(f"{depth} = printer.depth")

@@ -84,14 +84,16 @@ def render(
     places: Places | None = None,
     budget: Budget = Budget(),
     known: KnownRegions = KnownRegions(),
+    traced: bool = False,
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
     `step` is called each time a template opens a file; `places` knows where the model's values were
-    written; `budget` bounds what the templates use, `known` is what is known of user regions. Raises
-    TemplateError, whose text begins with the line at fault.
+    written; `budget` bounds what the templates use, `known` is what is known of user regions. A run
+    that is `traced` knows where its text comes from. Raises TemplateError, whose text begins with
+    the line at fault.
     """
-    run = Run(messages, text_of, refuse_outside, step, known)
+    run = Run(messages, text_of, refuse_outside, step, known, traced, places)
     if budget.text:
         run.printer.bound(budget.text)
     with written_with(language.delimiters):

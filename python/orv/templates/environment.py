@@ -32,6 +32,7 @@ from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
+from orv.templates.tracing import Sites, TracedCode
 
 # The compiler is built on that of Jinja2; docs/architecture.md lists what it relies upon.
 _JINJA2 = "3.1."
@@ -77,8 +78,13 @@ class PrintingTemplate(Template):
 
     def run(self, context: Context) -> None:
         """Run the template, with what extends it known to the context."""
+        sites = self.environment.sites
+        depth = 0 if sites is None else sites.trace.depth
         for _ in self.root_render_func(context):
             pass
+        if sites is not None:
+            # A template that extends another leaves a link to it.
+            sites.trace.leave_to(depth)
         assert isinstance(context, TemplateContext)
         context.refuse_placeless()
 
@@ -99,7 +105,7 @@ class PrintingTemplate(Template):
 class Environment(SandboxedEnvironment):
     """The environment of one run: templates that it renders fill the run's repository."""
 
-    code_generator_class = TemplateCode
+    code_generator_class: type[TemplateCode] = TemplateCode
     template_class = PrintingTemplate
     context_class = TemplateContext
     intercepted_binops = frozenset(["+", "*", "**", "%", "//"])
@@ -120,6 +126,11 @@ class Environment(SandboxedEnvironment):
             bytecode_cache=CompiledTemplates(),
         )
         self.printer = run.printer
+        self.sites = None if run.trace is None else Sites(run.trace)
+        if self.sites is not None:
+            # Its code has the numbers of this run.
+            self.code_generator_class = TracedCode
+            self.bytecode_cache = None
         self.statements = Statements(run)
         self.add, self.concatenate = _native.operations(
             text_of, sizes.refuse_text, sizes.refuse_list
@@ -176,6 +187,19 @@ class Environment(SandboxedEnvironment):
             __self.printer.print_next()
             return __obj(*args)
         return __self.call(__context, __obj, *args, **kwargs)
+
+    def call_traced(
+        __self, __site: int, __context: Context, __obj: Any, *args: Any, **kwargs: Any
+    ) -> Any:
+        """call_printed(), with a link to the call for what the callee prints."""
+        assert __self.sites is not None
+        label = __self.sites.label_of(__obj)
+        if label is None:
+            return __self.call(__context, __obj, *args, **kwargs)
+        link = __self.printer.enter_link(__site, label)
+        result = __self.call_printed(__context, __obj, *args, **kwargs)
+        __self.printer.leave_link(link)
+        return result
 
     def join_path(self, template: str, parent: str) -> str:
         """The name of a template that `parent` asks for; "./x" and "../x" begin at its folder."""

@@ -38,6 +38,10 @@ class Statements:
         run = self._run
         index = run.files.select(name, kind, arguments)
         run.files.set_attributes(index, attributes)
+        for name in ("RequiredIncludes", "UtilityIncludes"):
+            headers = attributes.get(name)
+            for header in headers if isinstance(headers, (list, tuple)) else ():
+                run.ask(index, str(header))
         self._printer.file(index)
         if run.step is not None:
             run.step()
@@ -97,7 +101,7 @@ class Statements:
         if printer.is_in_user:
             raise OrvError(f'the user region "{id}" cannot be inside of another one')
         lines = self._run.regions.declare(printer.destination_file, id, kind == "fill")
-        printer.user(*(blanks + line for line in lines))
+        printer.user(*(blanks + line for line in lines), self._run.site("marker"))
 
     def _user_text(self, id: object, target: object = None) -> str:
         """The text that a user region will have."""
@@ -117,18 +121,21 @@ class Statements:
         """Add headers that are included first."""
         file = self._include_target(target)
         for header in _headers(headers):
+            self._run.ask(file, header)
             self._run.repository.set_attribute(file, "RequiredIncludes", header)
 
     def include_utility(self, headers: Sequence[object], target: object = None) -> None:
         """Add headers that are included around the added ones."""
         file = self._include_target(target)
         for header in _headers(headers):
+            self._run.ask(file, header)
             self._run.repository.set_attribute(file, "UtilityIncludes", header)
 
     def include_added(self, headers: Sequence[object], target: object = None) -> None:
         """Add headers that are included in the order they come."""
         file = self._include_target(target)
         for header in _headers(headers):
+            self._run.ask(file, header)
             self._run.repository.add_include(file, header.strip("<>"), header.startswith("<"))
 
     def _include_target(self, target: object) -> int:

@@ -50,6 +50,9 @@ class Element {
   // The way to it from the root: `registry/types/type[3]`.
   std::string path() const;
 
+  const std::shared_ptr<const XmlModel>& model() const { return model_; }
+  XmlDocument::Position position() const { return position_; }
+
   bool operator==(const Element& other) const {
     return model_ == other.model_ && position_ == other.position_;
   }

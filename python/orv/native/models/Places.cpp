@@ -50,16 +50,16 @@ std::uint32_t fingerprintOf(PyObject* container, std::size_t count, Visit visit)
 
 bool isContainer(PyObject* value) { return PyDict_CheckExact(value) || PyList_CheckExact(value); }
 
-void appendKey(std::string& path, PyObject* key) {
-  if (PyUnicode_Check(key) && PyUnicode_IsIdentifier(key) == 1) {
+}  // namespace
+
+void appendKey(std::string& path, py::handle key) {
+  if (PyUnicode_Check(key.ptr()) && PyUnicode_IsIdentifier(key.ptr()) == 1) {
     if (!path.empty()) path += '.';
     path += utf8(key, "a key");
   } else {
     path += '[' + std::string(utf8(py::repr(key), "a key")) + ']';
   }
 }
-
-}  // namespace
 
 std::uint32_t Places::addFile(std::string label) {
   files_.push_back(std::move(label));
@@ -240,8 +240,13 @@ std::optional<std::string> Places::path(py::handle container, py::handle key) co
     keys.push_back(record.key ? record.key : py::object(py::int_(record.position)));
   }
   std::string path;
-  for (auto step = keys.rbegin(); step != keys.rend(); ++step) appendKey(path, step->ptr());
+  for (auto step = keys.rbegin(); step != keys.rend(); ++step) appendKey(path, *step);
   return path;
+}
+
+Places::Step Places::step(std::uint32_t record) const {
+  const Record& known = records_[record];
+  return {known.parent, known.key, known.position, known.place};
 }
 
 std::string Places::text(Place place) const {

@@ -55,6 +55,21 @@ class Places {
   // or else where the first has it.
   void addMerged(pybind11::handle merged, pybind11::handle first, pybind11::handle second);
 
+  // How a known container is found from the model: the record of the one that it is in, or `none`,
+  // and its key there, null in a list.
+  struct Step {
+    std::uint32_t parent;
+    pybind11::handle key;
+    std::uint32_t position;
+    Place place;
+  };
+
+  // The record of a container, or `none`.
+  std::uint32_t recordOf(PyObject* container) const;
+  Step step(std::uint32_t record) const;
+  // The name of a file.
+  const std::string& file(std::uint32_t number) const { return files_[number]; }
+
   // Where an entry of a known container was written; with no key, or one that the container does
   // not have, where the container begins. Nothing for an unknown container.
   std::optional<Place> find(pybind11::handle container, pybind11::handle key) const;
@@ -95,7 +110,6 @@ class Places {
   Record& addRecord(pybind11::handle container, Place place, std::size_t count,
                     RecordOfChild recordOfChild);
   void store(Record& record, const std::vector<Place>& places);
-  std::uint32_t recordOf(PyObject* container) const;
   std::size_t slotOf(PyObject* container) const;
   void indexRecords() const;
   const Positions& positionsOf(std::uint32_t record) const;
@@ -111,6 +125,9 @@ class Places {
   std::vector<unsigned char> entries_;
   mutable Positions positions_;
 };
+
+// Appends a key to a path, as Places::path() shows it.
+void appendKey(std::string& path, pybind11::handle key);
 
 }  // namespace orv
 

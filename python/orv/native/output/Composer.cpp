@@ -7,6 +7,8 @@
 
 #include <pybind11/pybind11.h>
 
+#include <varn/IncludesSection.hpp>
+
 #include "python/orv/native/SectionAccess.hpp"
 #include "python/orv/native/SectionNames.hpp"
 
@@ -76,18 +78,18 @@ class MemoryStream {
   }
 
   FILE* stream() { return stream_; }
-  MemoryStream& write(std::string_view text) {
+  void write(std::string_view text) {
     static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream_));
-    return *this;
   }
   // Everything written so far, valid until more is written.
   std::string_view written() {
     if (std::fflush(stream_) != 0) throw std::bad_alloc();
     return {characters_, size_};
   }
-  ComposedFile finish(std::vector<ComposedFile::Section> sections, Guard guard) {
+  ComposedFile finish(std::vector<ComposedFile::Section> sections, Guard guard, TracedText traced) {
     if (std::fclose(std::exchange(stream_, nullptr)) != 0) throw std::bad_alloc();
-    return {std::exchange(characters_, nullptr), size_, std::move(sections), std::move(guard)};
+    return {std::exchange(characters_, nullptr), size_, std::move(sections), std::move(guard),
+            std::move(traced)};
   }
 
  private:
@@ -95,6 +97,68 @@ class MemoryStream {
   std::size_t size_ = 0;
   FILE* stream_;
 };
+
+// The text of a file, its sections and, in a run that is traced, where it comes from.
+class FileText {
+ public:
+  FileText(PackagedFiles& files, int index) : files_(files), index_(index) {}
+
+  std::string_view written() { return memory_.written(); }
+  // Text of the engine's own.
+  void write(std::string_view text, Trace::Kind kind) {
+    memory_.write(text);
+    if (files_.trace) traced_.ranges.append(text.size(), Trace::ownOrigin(kind));
+  }
+  // Returns the number of bytes of the section.
+  std::size_t writeSection(VarnFileSectionKind kind);
+  // The text of an includes section, without its first byte if that is `dropped`.
+  std::size_t writeIncludes(const Varn::FileSection& section, std::string_view text, bool dropped);
+  ComposedFile finish(Guard guard) {
+    return memory_.finish(std::move(sections_), std::move(guard), std::move(traced_));
+  }
+
+ private:
+  void record(VarnFileSectionKind kind, std::size_t size, const TracedText& text);
+
+  PackagedFiles& files_;
+  int index_;
+  MemoryStream memory_;
+  std::vector<ComposedFile::Section> sections_;
+  TracedText traced_;
+};
+
+std::size_t FileText::writeSection(VarnFileSectionKind kind) {
+  const std::size_t before = written().size();
+  orv::writeSection(files_, index_, kind, memory_.stream());
+  const std::size_t size = written().size() - before;
+  const bool isTraced = files_.trace && size != 0;
+  record(kind, size, isTraced ? files_.trace->sectionText(index_, kind, size) : TracedText());
+  return size;
+}
+
+std::size_t FileText::writeIncludes(const Varn::FileSection& section, std::string_view text,
+                                    bool dropped) {
+  if (dropped) text.remove_prefix(1);
+  memory_.write(text);
+  TracedText traced;
+  if (files_.trace) {
+    const auto& includes = dynamic_cast<const Varn::IncludesSection&>(section);
+    traced = files_.trace->includesText(index_, includes);
+    if (dropped) traced = traced.withoutFirst();
+  }
+  record(Varn::INCLUDES_SECTION, text.size(), traced);
+  return text.size();
+}
+
+void FileText::record(VarnFileSectionKind kind, std::size_t size, const TracedText& text) {
+  if (size == 0) return;
+  const int number = sectionNumber(files_, index_, kind);
+  sections_.push_back({number, size});
+  if (!files_.trace) return;
+  const std::string& name = sectionNames()[static_cast<std::size_t>(number)];
+  traced_.spans.push_back({Span::Kind::section, name, traced_.ranges.size(), size});
+  traced_.append(text);
+}
 
 Guard guardOf(const Varn::VarnFile& file, const Composition& composition) {
   const std::string& macro = file.getDefinedMacro();
@@ -130,10 +194,9 @@ void requireAll(const Varn::VarnFile& file, const SectionOrder& order, const cha
 
 ComposedFile composeText(PackagedFiles& files, int index) {
   requireAll(files.file(index), {textKind}, "a text file leaves out");
-  MemoryStream memory;
-  writeSection(files, index, textKind, memory.stream());
-  const std::size_t size = memory.written().size();
-  return memory.finish({{textSection, size}}, {});
+  FileText text(files, index);
+  text.writeSection(textKind);
+  return text.finish({});
 }
 
 bool endsWithBlankLine(std::string_view text) { return text.empty() || endsWith(text, "\n\n"); }
@@ -149,11 +212,10 @@ bool dropsBlankLine(std::string_view written, std::string_view text, bool blankL
 class FileWriter {
  public:
   FileWriter(PackagedFiles& files, int index, const Composition& composition)
-      : files_(files),
-        index_(index),
-        file_(files.file(index)),
+      : file_(files.file(index)),
         composition_(composition),
-        guard_(guardOf(file_, composition)) {}
+        guard_(guardOf(file_, composition)),
+        text_(files, index) {}
 
   ComposedFile finish() {
     const SectionOrder& order = composition_.order ? *composition_.order
@@ -163,12 +225,11 @@ class FileWriter {
       if (kind != Varn::BANNER_SECTION) openGuard();
       if (!hasText(kind)) continue;
       setExternC(composition_.externC && isExternC(kind));
-      const std::size_t size = writeLines(kind);
-      if (size != 0) sections_.push_back({static_cast<int>(kind), size});
+      writeLines(kind);
     }
     setExternC(false);
-    if (isGuardOpen_) memory_.write(guard_.closing());
-    return memory_.finish(std::move(sections_), std::move(guard_));
+    if (isGuardOpen_) text_.write(guard_.closing(), Trace::Kind::guard);
+    return text_.finish(std::move(guard_));
   }
 
  private:
@@ -180,52 +241,46 @@ class FileWriter {
   }
 
   void separate() {
-    if (!endsWithBlankLine(memory_.written())) memory_.write("\n");
+    if (!endsWithBlankLine(text_.written())) text_.write("\n", Trace::Kind::blank);
   }
 
   void openGuard() {
     if (isGuardOpen_ || !guard_.exists()) return;
     if (composition_.blankLines) separate();
-    memory_.write(guard_.opening());
+    text_.write(guard_.opening(), Trace::Kind::guard);
     isGuardOpen_ = true;
   }
 
   void setExternC(bool isWanted) {
     if (isWanted == isExternCOpen_) return;
     separate();
-    memory_.write("#ifdef __cplusplus\n").write(isWanted ? "extern \"C\" {" : "}");
-    memory_.write(isWanted ? "\n#endif\n\n" : "\n#endif\n");
+    text_.write(isWanted ? "#ifdef __cplusplus\nextern \"C\" {\n#endif\n\n"
+                         : "#ifdef __cplusplus\n}\n#endif\n",
+                Trace::Kind::linkage);
     isExternCOpen_ = isWanted;
   }
 
-  // Returns the number of bytes of the section.
-  std::size_t writeLines(VarnFileSectionKind kind) {
+  void writeLines(VarnFileSectionKind kind) {
     const Varn::FileSection& section = file_.getFileSection(kind);
     if (composition_.blankLines) {
       const std::string& text = section.getContent();
       if (!text.empty() && text[0] != '\n') separate();
     }
-    const std::size_t before = memory_.written().size();
+    std::size_t size = 0;
     if (kind == Varn::INCLUDES_SECTION) {
-      std::string_view text = section.getContent();
-      if (dropsBlankLine(memory_.written(), text, composition_.blankLines)) text.remove_prefix(1);
-      memory_.write(text);
+      const std::string& text = section.getContent();
+      const bool drops = dropsBlankLine(text_.written(), text, composition_.blankLines);
+      size = text_.writeIncludes(section, text, drops);
     } else {
-      writeSection(files_, index_, kind, memory_.stream());
+      size = text_.writeSection(kind);
     }
-    const std::string_view written = memory_.written();
-    const std::size_t size = written.size() - before;
-    if (size != 0 && written.back() != '\n') memory_.write("\n");
-    return size;
+    if (size != 0 && text_.written().back() != '\n') text_.write("\n", Trace::Kind::newline);
   }
 
-  PackagedFiles& files_;
-  int index_;
   Varn::VarnFile& file_;
   const Composition& composition_;
   Guard guard_;
-  MemoryStream memory_;
-  std::vector<ComposedFile::Section> sections_;
+  FileText text_;
   bool isGuardOpen_ = false;
   bool isExternCOpen_ = false;
 };

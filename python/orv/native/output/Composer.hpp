@@ -14,6 +14,7 @@
 
 #include "python/orv/native/PackagedFiles.hpp"
 #include "python/orv/native/output/Guard.hpp"
+#include "python/orv/native/tracing/Trace.hpp"
 
 namespace orv {
 
@@ -27,11 +28,13 @@ class ComposedFile {
   };
 
   // Takes over `characters`, which came from malloc.
-  ComposedFile(char* characters, std::size_t size, std::vector<Section> sections, Guard guard)
+  ComposedFile(char* characters, std::size_t size, std::vector<Section> sections, Guard guard,
+               TracedText traced)
       : characters_(characters),
         size_(size),
         sections_(std::move(sections)),
-        guard_(std::move(guard)) {}
+        guard_(std::move(guard)),
+        traced_(std::move(traced)) {}
 
   // Valid until the composed file is destroyed.
   std::string_view bytes() const { return {characters_.get(), size_}; }
@@ -39,6 +42,8 @@ class ComposedFile {
   // added.
   const std::vector<Section>& sections() const { return sections_; }
   const Guard& guard() const { return guard_; }
+  // Where the bytes come from; nothing unless the run is traced.
+  const TracedText& traced() const { return traced_; }
 
  private:
   struct Free {
@@ -49,6 +54,7 @@ class ComposedFile {
   std::size_t size_;
   std::vector<Section> sections_;
   Guard guard_;
+  TracedText traced_;
 };
 
 using SectionOrder = std::vector<Varn::VarnFileSectionKind>;

@@ -1,9 +1,15 @@
+#include <map>
+#include <optional>
 #include <string>
 
+#include <pybind11/stl.h>
+
 #include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Bytes.hpp"
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
 #include "python/orv/native/output/Composer.hpp"
+#include "python/orv/native/tracing/Carry.hpp"
 
 namespace orv {
 namespace {
@@ -54,6 +60,34 @@ py::object guardOf(const ComposedFile& file) {
   return toPython(file.guard().macro());
 }
 
+// The table of ranges, and the spans.
+py::tuple tracedTables(const TracedText& traced) {
+  constexpr const char* kinds[] = {"section", "function", "custom section", "user region"};
+  py::list spans;
+  for (const Span& span : traced.spans) {
+    spans.append(py::make_tuple(kinds[static_cast<std::size_t>(span.kind)], toPython(span.name),
+                                span.begin, span.size));
+  }
+  return py::make_tuple(traced.ranges.text(), spans);
+}
+
+py::tuple traced(const ComposedFile& file, Trace& trace, const py::object& formatted,
+                 const std::vector<Region>& regions, const std::map<std::string, py::bytes>& texts,
+                 const py::object& merged) {
+  TracedText found = file.traced();
+  std::string_view text = file.bytes();
+  std::optional<Bytes> after;
+  if (!formatted.is_none()) {
+    after.emplace(formatted);
+    found = carriedOver(trace, found, text, after->view());
+    text = after->view();
+  }
+  RegionTexts taken;
+  for (const auto& [id, bytes] : texts) taken.emplace(id, static_cast<std::string_view>(bytes));
+  if (merged.is_none()) return tracedTables(withRegions(found, text, text, regions, {}));
+  return tracedTables(withRegions(found, text, Bytes(merged).view(), regions, taken));
+}
+
 }  // namespace
 
 void bindComposer(py::module_& module, RepositoryClass& repository) {
@@ -61,7 +95,8 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
       .def_buffer(&bufferOf)
       .def("__len__", [](const ComposedFile& file) { return file.bytes().size(); })
       .def_property_readonly("sections", &sectionSizes)
-      .def_property_readonly("guard", &guardOf);
+      .def_property_readonly("guard", &guardOf)
+      .def("traced", &traced);
   repository
       .def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none(),
            py::arg("blank_lines") = false, py::arg("guarded") = true, py::arg("guard_form") = "",

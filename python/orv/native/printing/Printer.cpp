@@ -15,24 +15,39 @@ namespace {
 // The buffer of a closed body is freed above this size.
 constexpr std::size_t largestKept = std::size_t{1} << 20;
 
-// The body's text with every custom section in its place.
-std::string withPlacements(const Body& body, const Printer::Placer& placer) {
-  std::string whole;
+// Appends the body's text to `to` with every custom section in its place. `trace` may be null.
+void appendWithPlacements(const Body& body, const Printer::Placer& placer, const Trace* trace,
+                          Body& to) {
+  std::string& whole = to.text;
+  RangeReader ranges(body.traced.ranges);
   Indentation following;
   std::size_t end = 0;
+  const auto traceSince = [&](std::size_t before, std::string_view text, RangeReader& reader) {
+    if (trace == nullptr) return;
+    reader.copyIndented(text, std::string_view(whole).substr(before), to.traced.ranges);
+  };
   const auto appendUpTo = [&](std::size_t offset) {
     const std::string_view text = std::string_view(body.text).substr(end, offset - end);
+    const std::size_t before = whole.size();
     if (endsLine(whole)) whole += indentationOfLine(following, text);
     whole += text;
     end = offset;
+    traceSince(before, text, ranges);
   };
   for (const Body::Placement& placement : body.placements) {
     appendUpTo(placement.offset);
-    appendIndented(whole, placer(placement.number, body), placement.indentation, endsLine(whole));
+    const std::string text = placer(placement.number, body);
+    const std::size_t before = whole.size();
+    appendIndented(whole, text, placement.indentation, endsLine(whole));
+    if (trace != nullptr) {
+      RangeReader placed(trace->retrieved());
+      traceSince(before, text, placed);
+      to.traced.spans.push_back(
+          {Span::Kind::custom, trace->retrievedName(), before, whole.size() - before});
+    }
     following = placement.following;
   }
   appendUpTo(body.text.size());
-  return whole;
 }
 
 bool goesToFile(Body::Kind kind) {
@@ -63,6 +78,7 @@ Body& Printer::open(Body::Kind kind) {
   body.current = current;
   body.text.clear();
   body.placements.clear();
+  body.traced.ranges.clear();
   return body;
 }
 
@@ -113,14 +129,14 @@ void Printer::openIndent(Indentation indentation) {
   }
 }
 
-void Printer::openUser(std::string_view beginning, std::string ending) {
+void Printer::openUser(std::string_view beginning, std::string ending, std::uint32_t site) {
   if (isInUser()) throw std::logic_error("a user region is opened inside of another");
-  beginLine();
-  append(beginning);
-  append("\n");
+  const Origin origin{site, files_->trace ? files_->trace->links().current() : 0};
+  appendMarker(beginning, origin);
   Body& body = open(Body::Kind::user);
   body.name = std::move(ending);
   body.indentation = {};
+  body.markers = origin;
 }
 
 const Body& Printer::destination() const {
@@ -149,16 +165,17 @@ Body& Printer::close() {
   if (goesBelow(body.kind)) {
     indent(body);
     if (body.kind == Body::Kind::user) {
-      beginLine();
-      append(body.name);
-      append("\n");
+      appendMarker(body.name, body.markers);
     }
   } else if (goesToFile(body.kind)) {
     commit(body);
   } else {
     return body;
   }
-  if (body.text.capacity() > largestKept) std::string().swap(body.text);
+  if (body.text.capacity() > largestKept) {
+    std::string().swap(body.text);
+    body.traced = {};
+  }
   return body;
 }
 
@@ -169,39 +186,47 @@ bool Printer::beginsLine() const {
   return endsLine(bodies_[position].text);
 }
 
-// What is placed at the end may end a line or not: then nothing is added.
-void Printer::beginLine() {
-  const Body& body = top();
-  const bool endsInPlacement =
-      !body.placements.empty() && body.placements.back().offset == body.text.size();
+// What is placed at the end may end a line or not: then no newline is put before the marker.
+void Printer::appendMarker(std::string_view line, Origin origin) {
+  Body& body = top();
+  const std::size_t before = body.text.size();
+  const bool endsInPlacement = !body.placements.empty() && body.placements.back().offset == before;
   if (!endsInPlacement && !beginsLine()) append("\n");
+  append(line);
+  append("\n");
+  if (files_->trace) body.traced.ranges.append(body.text.size() - before, origin);
 }
 
 void Printer::indent(const Body& body) {
   Body& below = top();
   const std::string_view text = body.text;
+  RangeReader ranges(body.traced.ranges);
   std::size_t end = 0;
   for (const Body::Placement& placement : body.placements) {
-    appendIndented(text.substr(end, placement.offset - end), body.indentation);
+    appendIndented(text.substr(end, placement.offset - end), body.indentation, ranges);
     below.placements.push_back({below.text.size(), placement.number,
                                 body.indentation + placement.indentation, placement.following});
     end = placement.offset;
   }
-  appendIndented(text.substr(end), body.indentation);
+  appendIndented(text.substr(end), body.indentation, ranges);
 }
 
-void Printer::appendIndented(std::string_view text, const Indentation& indentation) {
+void Printer::appendIndented(std::string_view text, const Indentation& indentation,
+                             RangeReader& ranges) {
   if (text.empty()) return;
   const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
   count(text.size() + lines * indentation.lines.size());
   Body& body = top();
-  if (body.placements.empty() || body.placements.back().offset != body.text.size()) {
+  const std::size_t before = body.text.size();
+  if (body.placements.empty() || body.placements.back().offset != before) {
     orv::appendIndented(body.text, text, indentation, beginsLine());
-    return;
+  } else {
+    Indentation& following = body.placements.back().following;
+    following = indentation + following;
+    orv::appendIndented(body.text, text, indentation, false);
   }
-  Indentation& following = body.placements.back().following;
-  following = indentation + following;
-  orv::appendIndented(body.text, text, indentation, false);
+  if (!files_->trace) return;
+  ranges.copyIndented(text, std::string_view(body.text).substr(before), body.traced.ranges);
 }
 
 void Printer::commit(Body& body) {
@@ -225,6 +250,13 @@ void Printer::noteFunction(const Body& body) {
 }
 
 void Printer::add(const Body& body) {
+  if (files_->trace) {
+    if (body.kind == Body::Kind::function) {
+      const Span whole{Span::Kind::function, body.name, 0, body.text.size()};
+      files_->trace->add(body.file, body.section, {Ranges(), {whole}});
+    }
+    files_->trace->add(body.file, body.section, body.traced);
+  }
   if (body.kind == Body::Kind::section) {
     addSectionText(*files_, body.file, body.section, body.text.c_str());
     return;
@@ -253,7 +285,7 @@ void Printer::finish(const Placer& placer) {
     whole.file = kept.file;
     whole.section = kept.section;
     whole.name = kept.name;
-    whole.text = withPlacements(kept, placer);
+    appendWithPlacements(kept, placer, files_->trace.get(), whole);
     if (!whole.text.empty()) add(whole);
   }
 }

@@ -15,6 +15,7 @@
 
 #include "python/orv/native/PackagedFiles.hpp"
 #include "python/orv/native/printing/Indentation.hpp"
+#include "python/orv/native/tracing/Trace.hpp"
 
 namespace orv {
 
@@ -49,6 +50,9 @@ struct Body {
   Indentation indentation;
   std::string text;
   std::vector<Placement> placements;
+  // Of the text, in a run that is traced; and of the markers of a user region.
+  TracedText traced;
+  Origin markers;
 };
 
 // Appends the text that templates print, in order, to the sections of files. It has a stack of
@@ -92,7 +96,8 @@ class Printer {
   // In a body that is outside, which has no lines to indent, another one that is outside.
   void openIndent(Indentation indentation);
   // Begins a user region, whose markers are the lines `beginning` and, when it is closed, `ending`.
-  void openUser(std::string_view beginning, std::string ending);
+  // In a run that is traced the markers come from `site`.
+  void openUser(std::string_view beginning, std::string ending, std::uint32_t site);
 
   // The body that the text goes to: the top one that is no indent and no user region.
   const Body& destination() const;
@@ -117,9 +122,9 @@ class Printer {
   Body& open(Body::Kind kind);
   bool isWaitingFor(int file, Varn::VarnFileSectionKind kind) const;
   bool beginsLine() const;
-  void beginLine();
+  void appendMarker(std::string_view line, Origin origin);
   void indent(const Body& body);
-  void appendIndented(std::string_view text, const Indentation& indentation);
+  void appendIndented(std::string_view text, const Indentation& indentation, RangeReader& ranges);
   void commit(Body& body);
   void noteFunction(const Body& body);
   void add(const Body& body);

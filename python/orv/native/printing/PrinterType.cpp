@@ -78,6 +78,12 @@ using Arguments = PyObject* const*;
 PrinterObject& objectOf(PyObject* self) { return *reinterpret_cast<PrinterObject*>(self); }
 Printer& printerOf(PyObject* self) { return *objectOf(self).printer; }
 
+Trace& traceOf(PyObject* self) {
+  const std::shared_ptr<Trace>& trace = printerOf(self).files().trace;
+  if (!trace) throw py::value_error("the run is not traced");
+  return *trace;
+}
+
 // Calls `operation` and turns what it throws into a Python exception; the result is null then.
 template <class Operation>
 PyObject* guarded(Operation&& operation) {
@@ -251,6 +257,68 @@ PyObject* write(PyObject* self, Arguments arguments, Py_ssize_t count) {
   });
 }
 
+// Whether the text of a body goes where it came from is known.
+bool isTraced(Body::Kind kind) {
+  return kind != Body::Kind::outside && kind != Body::Kind::capture;
+}
+
+// write() for a run that is traced: the last argument is the site of the first one, the sites of
+// the others follow it.
+PyObject* writeTraced(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  PrinterObject& object = objectOf(self);
+  return guarded([&] {
+    requireCount("write_traced", count, 1, PY_SSIZE_T_MAX);
+    auto site = static_cast<std::uint32_t>(numberArgument(arguments[count - 1]));
+    for (Py_ssize_t i = 0; i + 1 < count; ++i) {
+      Body& body = object.printer->top();
+      const std::size_t before = body.text.size();
+      object.failedArgument = i;
+      print(object, arguments[i]);
+      const std::size_t size = body.text.size() - before;
+      object.printer->count(size);
+      if (size != 0 && isTraced(body.kind)) {
+        body.traced.ranges.append(size, {site, traceOf(self).links().current()});
+      }
+      ++site;
+    }
+    object.failedArgument = -1;
+    return none();
+  });
+}
+
+// Enters the site and label, each a number. The result is for leaveLink().
+PyObject* enterLink(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("enter_link", count, 2, 2);
+    Links& links = traceOf(self).links();
+    const std::size_t depth = links.depth();
+    links.enter(static_cast<std::uint32_t>(numberArgument(arguments[0])),
+                static_cast<std::uint32_t>(numberArgument(arguments[1])));
+    return PyLong_FromSize_t(depth);
+  });
+}
+
+// Enters the body of a loop: its site, the element at hand, what it iterates over, and at which
+// position of it, or -1. The result is for leaveLink().
+PyObject* enterLoop(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  return guarded([&] {
+    requireCount("enter_loop", count, 4, 4);
+    Links& links = traceOf(self).links();
+    const std::size_t depth = links.depth();
+    links.enterLoop(static_cast<std::uint32_t>(numberArgument(arguments[0])),
+                    py::reinterpret_borrow<py::object>(arguments[1]),
+                    py::reinterpret_borrow<py::object>(arguments[2]), numberArgument(arguments[3]));
+    return PyLong_FromSize_t(depth);
+  });
+}
+
+PyObject* leaveLink(PyObject* self, PyObject* depth) {
+  return guarded([&] {
+    traceOf(self).links().leaveTo(static_cast<std::size_t>(numberArgument(depth)));
+    return none();
+  });
+}
+
 PyObject* section(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("section", count, 1, 2);
@@ -327,6 +395,8 @@ PyObject* close(PyObject* self, PyObject*) {
 PyObject* closeFill(PyObject* self, PyObject*) {
   return guarded([&] {
     const Body& body = printerOf(self).close();
+    const std::shared_ptr<Trace>& trace = printerOf(self).files().trace;
+    if (trace) trace->fill(body.file, body.name, body.traced.ranges);
     return py::make_tuple(body.file, toPython(body.name), toPython(body.text)).release().ptr();
   });
 }
@@ -381,9 +451,11 @@ PyObject* indent(PyObject* self, Arguments arguments, Py_ssize_t count) {
 
 PyObject* user(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
-    requireCount("user", count, 2, 2);
+    requireCount("user", count, 2, 3);
+    const long site = count == 3 ? numberArgument(arguments[2]) : 0;
     printerOf(self).openUser(utf8WithoutNul(arguments[0], "a marker"),
-                             textArgument(arguments[1], "a marker"));
+                             textArgument(arguments[1], "a marker"),
+                             static_cast<std::uint32_t>(site));
     return none();
   });
 }
@@ -520,6 +592,10 @@ PyMethodDef method(const char* name, PyObject* (*call)(PyObject*, Arguments, Py_
 
 PyMethodDef methods[] = {
     method("write", &write),
+    method("write_traced", &writeTraced),
+    method("enter_link", &enterLink),
+    method("enter_loop", &enterLoop),
+    {"leave_link", &leaveLink, METH_O, nullptr},
     method("section", &section),
     method("function", &function),
     method("fill", &fill),

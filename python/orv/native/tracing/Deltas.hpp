@@ -1,0 +1,45 @@
+#ifndef ORV_TRACING_DELTAS_HPP
+#define ORV_TRACING_DELTAS_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orv {
+
+// Numbers as text: base64 VLQ as in source maps, six bits a character, the sign in the lowest bit
+// of the first. Small numbers of either sign take one character.
+void appendNumber(std::string& text, std::int64_t number);
+// Takes the number that `text` begins with. Throws std::invalid_argument for what is none.
+std::int64_t takeNumber(std::string_view& text);
+
+// A table of numbers as text, row by row; each field is the difference from that of the row before.
+template <std::size_t Fields>
+class DeltaTable {
+ public:
+  using Row = std::array<std::int64_t, Fields>;
+
+  void append(const Row& row) {
+    for (std::size_t field = 0; field < Fields; ++field) {
+      appendNumber(text_, row[field] - last_[field]);
+    }
+    last_ = row;
+  }
+  const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
+  Row last_{};
+};
+
+// The columns of a table of so many fields. Throws std::invalid_argument for a text that is none,
+// or a value that 32 bits do not hold.
+std::vector<std::vector<std::int32_t>> columnsOf(std::string_view text, std::size_t fields);
+
+}  // namespace orv
+
+#endif

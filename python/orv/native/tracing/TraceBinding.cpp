@@ -1,0 +1,138 @@
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "python/orv/native/Bindings.hpp"
+#include "python/orv/native/Bytes.hpp"
+#include "python/orv/native/Text.hpp"
+#include "python/orv/native/tracing/Deltas.hpp"
+#include "python/orv/native/tracing/ModelPaths.hpp"
+#include "python/orv/native/tracing/Trace.hpp"
+
+namespace orv {
+namespace {
+
+namespace py = pybind11;
+
+// In the order of Trace::Kind.
+constexpr const char* kindNames[] = {
+    "unknown",       "text",    "value",       "script",    "guard", "include", "blank line",
+    "final newline", "linkage", "user region", "formatter", "line",  "marker",  "tag"};
+
+Trace::Kind kindOf(const std::string& name) {
+  for (std::size_t kind = 0; kind < std::size(kindNames); ++kind) {
+    if (name == kindNames[kind]) return static_cast<Trace::Kind>(kind);
+  }
+  throw py::value_error("there is no kind of site \"" + name + "\"");
+}
+
+// A file's name as its bytes, which toPython() makes the same name of again.
+std::string labelOf(const py::str& label) {
+  return label.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
+}
+
+py::list stringsOf(const Strings& strings) {
+  py::list texts;
+  for (const std::string* text : strings.all()) texts.append(toPython(*text));
+  return texts;
+}
+
+py::list sitesOf(const Trace& trace) {
+  py::list sites;
+  for (const Trace::Site& site : trace.sites()) {
+    sites.append(py::make_tuple(static_cast<int>(site.kind), site.file, site.line));
+  }
+  return sites;
+}
+
+py::list labelsOf(const Links& links) {
+  py::list labels;
+  for (const Links::Label& label : links.labels()) {
+    labels.append(py::make_tuple(label.kind, label.name));
+  }
+  return labels;
+}
+
+// The tables of a trace file that all of its files share, by name.
+py::dict tablesOf(Trace& trace, const Places& places) {
+  ModelPaths paths(places, trace.strings());
+  DeltaTable<4> links;
+  const Links& known = trace.links();
+  for (std::size_t i = 1; i < known.links().size(); ++i) {
+    const Links::Link& link = known.links()[i];
+    const std::uint32_t path =
+        link.element == 0 ? 0 : paths.add(known.elements()[link.element - 1], known);
+    links.append({link.parent, link.site, link.label, path});
+  }
+  py::dict tables;
+  tables["labels"] = labelsOf(known);
+  tables["links"] = links.text();
+  tables["paths"] = paths.table();
+  tables["sites"] = sitesOf(trace);
+  tables["strings"] = stringsOf(trace.strings());
+  return tables;
+}
+
+// The ends of the lines of a text, as a table.
+std::string lineEnds(const py::object& data) {
+  const Bytes bytes(data);
+  const std::string_view text = bytes.view();
+  DeltaTable<1> ends;
+  std::size_t end = 0;
+  while (end != text.size()) {
+    const std::size_t newline = text.find('\n', end);
+    end = newline == text.npos ? text.size() : newline + 1;
+    ends.append({static_cast<std::int64_t>(end)});
+  }
+  return ends.text();
+}
+
+// Each column as the bytes of 32-bit integers.
+py::list columns(const py::str& text, std::size_t fields) {
+  py::list found;
+  for (const auto& column : columnsOf(utf8(text, "a table"), fields)) {
+    found.append(py::bytes(reinterpret_cast<const char*>(column.data()),
+                           column.size() * sizeof(std::int32_t)));
+  }
+  return found;
+}
+
+}  // namespace
+
+void bindTrace(py::module_& module, RepositoryClass& repository) {
+  py::class_<Trace, std::shared_ptr<Trace>>(module, "Trace")
+      .def("add_site",
+           [](Trace& trace, const std::string& kind, const py::str& file, std::uint32_t line) {
+             return trace.addSite({kindOf(kind), trace.strings().number(labelOf(file)), line});
+           })
+      .def("add_label",
+           [](Trace& trace, const py::str& kind, const py::str& name) {
+             Strings& strings = trace.strings();
+             const std::uint32_t number = strings.number(labelOf(kind));
+             return trace.links().addLabel({number, strings.number(labelOf(name))});
+           })
+      .def("ask", [](Trace& trace, int file, const py::str& header,
+                     std::uint32_t site) { trace.ask(file, labelOf(header), site); })
+      .def_property_readonly("depth", [](Trace& trace) { return trace.links().depth(); })
+      .def("leave_to", [](Trace& trace, std::size_t depth) { trace.links().leaveTo(depth); })
+      .def("tables", &tablesOf);
+  repository
+      .def("start_trace",
+           [](PackagedFiles& files) {
+             files.trace = std::make_shared<Trace>();
+             return files.trace;
+           })
+      .def("adopt_script", [](PackagedFiles& files, const py::str& script) {
+        if (!files.trace) return;
+        Trace& trace = *files.trace;
+        const std::uint32_t label = trace.strings().number(labelOf(script));
+        trace.adopt(files, trace.addSite({Trace::Kind::script, label, 0}));
+      });
+  py::tuple kinds(std::size(kindNames));
+  for (std::size_t i = 0; i < std::size(kindNames); ++i) kinds[i] = kindNames[i];
+  module.attr("SITE_KINDS") = kinds;
+  module.def("line_ends", &lineEnds);
+  module.def("delta_columns", &columns);
+}
+
+}  // namespace orv

@@ -1,0 +1,48 @@
+"""The trace file: where every byte of a run's files comes from. docs/tracing.md has its format."""
+
+from __future__ import annotations
+
+import json
+from collections.abc import Iterable
+
+from orv import _native
+from orv.files.run import Run
+from orv.output.plan import PlannedFile
+
+FORMAT = "orv-trace"
+VERSION = 1
+
+
+def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
+    """The trace of a run that was traced, with the files that are not empty, in their order.
+
+    `folder` is the output folder as the user named it.
+    """
+    assert run.trace is not None
+    trace = run.trace
+    # Before the tables: a formatter's lines are sites of their own.
+    entries = [_entry(trace, file, file.composed) for file in files if file.composed is not None]
+    document = {
+        "format": FORMAT,
+        "version": VERSION,
+        "folder": folder,
+        "kinds": _native.SITE_KINDS,
+        **trace.tables(run.places),
+        "files": entries,
+    }
+    text = json.dumps(document, separators=(",", ":"))
+    return text.encode() + b"\n"
+
+
+def _entry(
+    trace: _native.Trace, file: PlannedFile, composed: _native.ComposedFile
+) -> dict[str, object]:
+    ranges, spans = composed.traced(trace, file.formatted, file.regions, file.texts, file.merged)
+    return {
+        "path": file.path,
+        "size": len(file.buffer),
+        "hash": _native.frame_hash(file.buffer, ()),
+        "lines": _native.line_ends(file.buffer),
+        "ranges": ranges,
+        "spans": spans,
+    }
