@@ -240,7 +240,7 @@ def test_warnings_do_not_stop_a_run_that_is_not_strict() -> None:
         ('".x.h"', "_X"),
         ('"b" Type="SystemHeader"', "B"),
         ('"a.h" DefinedMacro="own"', "own"),
-        ('"a.c"', None),
+        ('"a.c" as model', None),
         ('"a.h" guard=false', None),
         ('"a.h" as text', None),
     ],

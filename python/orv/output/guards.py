@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from orv.errors import OutputError
 from orv.files.run import Run
-from orv.output.plan import Plan, PlannedFile
+from orv.output.plan import Plan, PlannedFile, can_be_included
 
 
 def check_guards(files: Plan, run: Run) -> None:
@@ -15,7 +15,7 @@ def check_guards(files: Plan, run: Run) -> None:
         if file.composed is None:
             continue
         guard = file.composed.guard
-        if guard is None and run.messages.strict and _wants_guard(run, file.index):
+        if guard is None and run.messages.strict and _wants_guard(run, file):
             unguarded.append(
                 f"{run.files.place(file.index)}the header {run.files.label(file.index)} has no"
                 " guard; give it a DefinedMacro, all headers one by --guard, or say guard=false"
@@ -26,11 +26,11 @@ def check_guards(files: Plan, run: Run) -> None:
         raise OutputError("\n".join(unguarded))
 
 
-def _wants_guard(run: Run, file: int) -> bool:
-    record = run.files.record(file)
+def _wants_guard(run: Run, file: PlannedFile) -> bool:
+    record = run.files.record(file.index)
     if record is not None and (record.kind == "text" or not record.shape.guard):
         return False
-    return run.repository.is_header(file)
+    return run.repository.is_header(file.index) and can_be_included(file.path)
 
 
 def _report_same(guard: str, file: PlannedFile, other: PlannedFile, run: Run) -> None:

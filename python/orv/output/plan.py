@@ -120,6 +120,15 @@ class Plan(list[PlannedFile]):
         self.old_markers = old_markers
 
 
+# Nothing includes a file with such a name, whatever its Type.
+_SOURCES = (".c", ".cc", ".cpp", ".cxx")
+
+
+def can_be_included(path: str) -> bool:
+    """Whether a file of this path needs a guard if it is a header by its Type."""
+    return not path.lower().endswith(_SOURCES)
+
+
 def plan(
     run: Run,
     folder: _native.OutputFolder,
@@ -196,9 +205,10 @@ def _composed(run: Run, index: int, layout: Layout) -> PlannedFile:
 def _compose(run: Run, index: int, path: str, layout: Layout) -> _native.ComposedFile:
     record = run.files.record(index)
     shape = FileShape() if record is None else record.shape
+    guard = layout.guard if can_be_included(path) else ""
     try:
         return run.repository.compose(
-            index, shape.order, layout.blank_lines, shape.guard, layout.guard, path, shape.extern_c
+            index, shape.order, layout.blank_lines, shape.guard, guard, path, shape.extern_c
         )
     except ValueError as error:
         raise OutputError(str(error)) from error
