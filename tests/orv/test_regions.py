@@ -174,6 +174,15 @@ def test_orphans_of_files_that_are_no_longer_made(generate: Generate) -> None:
     refused = generate("c.c: x")
     assert [line[:10] for line in refused.err.splitlines()[1:]] == ["out/a.c:2:", "out/b.c:2:"]
     assert generate("c.c: x", "--stale=keep").code == 0
+    assert generate("c.c: x").err == refused.err
+    rewrite("a.c", "f(void)", "mine(void)")
+    for _ in range(2):
+        # The edited file stays, its text is kept once.
+        assert generate("c.c: x", "--orphans=keep").code == 0
+        assert "mine(void)" in read("a.c") and read("a.c.orphans").count("mine") == 1
+    rewrite("a.c", "mine(void)", "f(void)")
+    rewrite("a.c", "mine", "more")
+    assert '"x" any more' in generate("c.c: x").err
     shutil.rmtree("out")
     generate("a.c: x; c.c: x")
     rewrite("a.c", "default", "mine")

@@ -174,7 +174,7 @@ def _unclaimed_of_leftover(leftover: _Leftover, policy: Policy) -> Iterator[Uncl
     location, record, found = leftover
     is_lost = bool(policy.run) and policy.stale == "remove"
     for region in found.regions if found is not None else ():
-        if region.id in record.regions and _is_written(region, [record.regions]):
+        if _is_written(region, [record.regions]):
             yield Unclaimed(location, region, record.markers, True, is_lost)
 
 
@@ -262,10 +262,7 @@ def _stale(
     messages: Messages,
     own: dict[str, Record],
 ) -> list[str]:
-    """The files to remove that the run no longer makes; the others stay its own.
-
-    The regions of those that stay are settled: they are not looked at again.
-    """
+    """The files to remove that the run no longer makes; the others stay its own."""
     stopping = set()
     if policy.orphans == "error":
         stopping = {orphan.location for orphan in rehomed.orphans}
@@ -276,13 +273,27 @@ def _stale(
         if removes and not leftover.is_edited and location not in stopping:
             removed.append(location)
             continue
-        own[location] = leftover.record._replace(regions={})
+        own[location] = _settled(leftover, rehomed, bool(removes))
         if policy.run and leftover.is_edited:
             messages.warn(
                 f"{shown(folder, location)} is no longer made and was edited since it was"
                 " generated; it is left as it is"
             )
     return removed
+
+
+def _settled(leftover: _Leftover, rehomed: Rehomed, are_all: bool) -> Record:
+    """The record of a file that stays. Texts that are cared for count as not written from now on.
+
+    `are_all` says that orphans of the file have been cared for as well as the texts that moved.
+    """
+    location, record, found = leftover
+    moved = {move.source.region.id for move in rehomed.moves if move.source.location == location}
+    regions = dict(record.regions)
+    for region in found.regions if found is not None else ():
+        if are_all or region.id in moved:
+            regions[region.id] = region.hash
+    return record._replace(regions=regions)
 
 
 def _is_same(folder: _native.OutputFolder, location: str, other: str) -> bool:
