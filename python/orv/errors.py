@@ -88,7 +88,7 @@ def unexpected(error: BaseException) -> str:
         trace = trace.tb_next
     code = trace.tb_frame.f_code.co_filename.rpartition("/")[2] if trace is not None else "?"
     line = trace.tb_lineno if trace is not None else 0
-    return f"orv failed at {code}:{line}: {type(error).__name__}: {error}"
+    return f"orv failed in {code}, line {line}: {type(error).__name__}: {error}"
 
 
 def did_you_mean(name: str, known: Iterable[str]) -> str:

@@ -11,7 +11,7 @@ from array import array
 from collections import deque
 from collections.abc import Mapping, Sequence, Set
 from datetime import date, datetime, time, timedelta, tzinfo
-from functools import lru_cache
+from functools import lru_cache, partial
 
 from types import (
     AsyncGeneratorType, CodeType, CoroutineType, FrameType, FunctionType, GeneratorType,
@@ -66,6 +66,7 @@ _ALLOWED: dict[type, frozenset[str]] = {
     timedelta: _DATE,
     tzinfo: _DATE,
     FunctionType: frozenset(),
+    partial: frozenset(),
     GeneratorType: frozenset(),
     CoroutineType: frozenset(),
     AsyncGeneratorType: frozenset(),

@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 from collections.abc import Callable
-from functools import partial
 from types import BuiltinMethodType, MethodType
 from typing import Any
 
@@ -24,18 +23,22 @@ def bounded(environment: Any, method: BuiltinMethodType | MethodType) -> Callabl
     owner: Any = method.__self__
     if not isinstance(owner, (str, int)) or method.__name__ not in _BOUNDED:
         return method
+    # Functions: templates can reach nothing of what they hold.
     if method.__name__ == "format":
-        return partial(_formatted_by_places, environment, owner)
+        return lambda *values, **named: _Formatter(environment).vformat(owner, values, named)
     if method.__name__ == "format_map":
-        return lambda values: _formatted_by_places(environment, owner, **values)
+        return lambda values: _Formatter(environment).vformat(owner, (), values)
     if method.__name__ == "join":
-        return partial(joined, owner)
-    return partial(_checked, method, owner)
+        return lambda values: joined(owner, values)
+    return _checked(method, owner)
 
 
-def _checked(method: Callable[..., Any], owner: Any, *arguments: Any, **named: Any) -> Any:
-    sizes.METHODS[method.__name__](owner, *arguments, **named)
-    return method(*arguments, **named)
+def _checked(method: Callable[..., Any], owner: Any) -> Callable[..., Any]:
+    def call(*arguments: Any, **named: Any) -> Any:
+        sizes.METHODS[method.__name__](owner, *arguments, **named)
+        return method(*arguments, **named)
+
+    return call
 
 
 def formatted(form: str, values: Any) -> str:
@@ -53,10 +56,6 @@ def joined(separator: str, values: Any) -> str:
     texts = [text if type(text) is str else text_of(text) for text in values]
     sizes.require_text(sum(map(len, texts)) + len(separator) * (len(texts) - 1))
     return separator.join(texts)
-
-
-def _formatted_by_places(environment: Any, form: str, *values: Any, **named: Any) -> str:
-    return _Formatter(environment).vformat(form, values, named)
 
 
 class _Formatter(SandboxedFormatter):
