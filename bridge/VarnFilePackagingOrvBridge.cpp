@@ -85,7 +85,7 @@ std::size_t VarnFilePackagingOrvBridge::getFileRecIndexForKey(const std::string&
   if (setAttributes.empty()) error.emplace();
   VarnFile* file = repository_->findFileByName(fileName);
   if (file == nullptr) file = &repository_->createGenericFile(fileName);
-  if (error) throw *error;
+  if (error) throw boost::bad_function_call(*error);
   setAttributes(this, file);
   return repository_->getFileList().size() - 1;
 }
