@@ -71,6 +71,11 @@ def test_files_of_others(orv: Command, tmp_path: Path) -> None:
         'error: nothing was written\nout/a.c was made by the run "first"; --adopt takes it over\n'
         "out/own.c is there, and no run made it; --adopt takes it over\n",
     )
+    made = (tmp_path / "out/a.c").read_text()
+    (tmp_path / "out/a.c").write_text("mine\n")
+    edited = orv(*second, "text=2", "--adopt")
+    assert "out/a.c was edited since" in edited.stderr and "own.c" not in edited.stderr
+    (tmp_path / "out/a.c").write_text(made)
     assert orv(*second, "text=2", "--adopt").returncode == 0
     assert 'was made by the run "second"' in orv(*first, "text=1").stderr
     # What both make alike belongs to both; who stops making it leaves it to the other.

@@ -243,7 +243,7 @@ class StateOptions(Options):
         "files that the run made before and no longer makes (a named run removes them by default)",
         default="remove",
     )
-    adopt: bool = flag("take over files that another run made, or none")
+    adopt: bool = flag("take over, and write over, files that another run made, or none")
     orphans: str = value(
         choice("error", "keep", "drop"),
         "user regions that no template has any more: stop (the default), move their texts to"

@@ -202,15 +202,13 @@ def _made_by(owner: str | None) -> str:
 def _judged(file: PlannedFile, state: FolderState, policy: Policy) -> State:
     owners = state.owners(file.location)
     others = [owner for owner in owners if owner not in ("", policy.run)]
-    if policy.adopt and (others or not owners):
-        return State.CHANGED
-    if others or not owners:
+    if (others or not owners) and not policy.adopt:
         file.owner = others[0] if others else None
         return State.FOREIGN
-    record = _known(file, state, policy)
-    if policy.edited == "overwrite" or (record is not None and record.hash == file.old_hash):
+    known = [record.hash for record in state.records(file.location)]
+    if not known or policy.edited == "overwrite" or file.old_hash in known:
         return State.CHANGED
-    file.is_regenerated = record is None or record.hash != file.hash
+    file.is_regenerated = file.hash not in known
     return State.EDITED
 
 

@@ -124,7 +124,7 @@ class StateFile:
             raise OutputError(f"{self.shown} cannot be written: {reason(error)}") from error
 
     def _parsed(self, data: bytes) -> FolderState:
-        again = "or remove it and run with --adopt to take over the files that are there"
+        again = "or remove it and run with --adopt to write over the files that are there"
         try:
             value = json.loads(data)
         except (ValueError, RecursionError) as error:
