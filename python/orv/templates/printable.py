@@ -59,7 +59,7 @@ def plain(value: Any) -> Any:
 
 def _refuse_value(value: object) -> None:
     if isinstance(value, (set, frozenset)):
-        raise OrvError("a set has no order to print it in; write {{ VALUE | sort }}")
+        raise OrvError(f"a set has no order to print it in; write {printed('VALUE | sort')}")
     if isinstance(value, Undefined):
         value._fail_with_undefined_error()
     if not isinstance(value, _PLAIN):
