@@ -50,7 +50,9 @@ OrvGenerate
 
   ``OUTPUTS <file>...``
     Generate when ``<target>`` is built, and not when CMake configures.  The
-    build fails when the run does not make exactly these files.
+    build fails when the run does not make exactly these files.  The target
+    ``clean`` removes them, and with them what was written into user regions:
+    leave ``OUTPUTS`` out where people write into generated files.
 
   ``DEPENDS <dependency>...``
     What else has to be up to date before the files are generated, as for
@@ -153,6 +155,12 @@ macro(_orv_generate_in_build)
   if(NOT folder STREQUAL CMAKE_CURRENT_SOURCE_DIR)
     _orv_fail("with OUTPUTS, expected a target of the directory ${CMAKE_CURRENT_SOURCE_DIR}; "
       "that of ${folder} cannot depend on what is generated here")
+  endif()
+  cmake_path(IS_PREFIX CMAKE_BINARY_DIR "${arg_OUT}" NORMALIZE is_disposable)
+  if(NOT is_disposable)
+    message(WARNING "orv_generate(TARGET ${arg_TARGET}): the target clean removes the OUTPUTS in "
+      "${arg_OUT}, with all that was written into user regions; leave OUTPUTS out, or set OUT to a "
+      "folder of the build")
   endif()
   _orv_append_options(arguments --expect ${arg_OUTPUTS})
   _orv_make_absolute(arg_OUTPUTS "${arg_OUT}")
