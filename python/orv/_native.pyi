@@ -63,6 +63,11 @@ class ComposedFile:
     # The macro; empty for another guard, None for none.
     @property
     def guard(self) -> str | None: ...
+    # The same file with #line directives; `name` gives what a template is called there, `own` is the
+    # name of the file itself. Only in a run that is traced.
+    def with_line_directives(
+        self, trace: Trace, name: Callable[[str], str], own: str, /
+    ) -> ComposedFile: ...
     # Of a run that is traced, for what became of the bytes by a formatter, if any, and then by other
     # texts in regions: the table of ranges (see docs/tracing.md), and the kind, name, first byte and
     # size in bytes of each section, function, custom section and user region.
@@ -199,6 +204,9 @@ def region_texts(data: Buffer, regions: Sequence[Region]) -> dict[str, bytes]: .
 def with_regions(
     data: Buffer, regions: Sequence[Region], texts: Mapping[str, bytes], returns: bool
 ) -> bytes: ...
+
+# The text with the right numbers in the #line directives that name the file itself.
+def renumbered(data: Buffer, regions: Sequence[Region], own: str, /) -> bytes: ...
 
 # A region of a file on the disk; it is taken when the new text has it, too.
 class KeptRegion:

@@ -8,7 +8,7 @@ import shutil
 import sys
 from pathlib import Path
 
-from loaders import EXAMPLE, REGISTRY, output
+from loaders import EXAMPLE, REGISTRY, compile_c, output
 
 from orv import trace as tracing
 
@@ -30,15 +30,15 @@ class Loader:
         shutil.copytree(EXAMPLE, self.templates)
         shutil.copy(REGISTRY, self.registry)
 
-    def generate(self) -> dict[str, bytes]:
+    def generate(self, *options: str, name: str = "out") -> dict[str, bytes]:
         """The files by path, generated from nothing."""
-        out = self._folder / "out"
+        out = self._folder / name
         shutil.rmtree(out, ignore_errors=True)
         output(
             sys.executable, "-m", "orv", "generate", self.templates / "loader.c.j2", "--extend",
             self.templates / "selection.py", "--model", self.registry, "--out", out, "--quiet",
             "--set", "version=3.1", "--set", "extensions=GL_KHR_debug,GL_ARB_imaging",
-            "--trace", self._folder / "trace.json", "--no-state",
+            "--trace", self._folder / "trace.json", "--no-state", *options,
         )  # fmt: skip
         return {str(p.relative_to(out)): p.read_bytes() for p in out.rglob("*") if p.is_file()}
 
@@ -107,6 +107,19 @@ def test_changed_templates(tmp_path: Path) -> None:
     }
     mark(changed)
     assert loader.generate() == expected
+
+
+def test_line_directives(tmp_path: Path) -> None:
+    loader = Loader(tmp_path)
+    texts: list[str] = []
+    for name, options in (("plain", []), ("directed", ["--line-directives"])):
+        files = loader.generate(*options, name=name)
+        assert (b"#line" in files["gl_loader.c"]) == bool(options)
+        source, program = tmp_path / name / "gl_loader.c", tmp_path / name / "context"
+        texts.append(output("cc", "-E", "-P", source))
+        compile_c(program, EXAMPLE / "fake_context.c", source, "-pedantic", include=source.parent)
+        texts.append(output(program, "3.1", "GL_KHR_debug"))
+    assert texts[:2] == texts[2:]
 
 
 def test_changed_model(tmp_path: Path) -> None:

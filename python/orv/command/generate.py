@@ -113,7 +113,7 @@ class _Rendering:
         with progress("rendering", None, options.quiet) as step:
             run = render(
                 self._templates, self._values, messages, step, self._language, self._model.places,
-                self._budget, known, options.trace is not None,
+                self._budget, known, options.is_traced,
             )  # fmt: skip
         for script in options.script:
             from orv.scripts import run_script

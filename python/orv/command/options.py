@@ -201,6 +201,14 @@ class LayoutOptions(Options):
         " path of the file",
     )
     format_all: bool = flag("run the formatter on every file")
+    line_directives: bool = flag(
+        "put #line directives into C files, so that compilers and debuggers name templates"
+    )
+    line_prefix: str | None = value(
+        text("PREFIX"),
+        "what the paths of templates begin with in #line directives, instead of the way"
+        " from the file to the template",
+    )
     markers: str | None = value(
         MARKERS,
         "the lines around user regions, in files that have none of their own, instead of"
@@ -292,6 +300,11 @@ class GenerateOptions(
     def run_name(self) -> str | None:
         """The name of the run; a run without TEMPLATE in the command line has one."""
         return self.run[0] if self.run else None
+
+    @property
+    def is_traced(self) -> bool:
+        """Whether the run has to know where its text comes from."""
+        return self.trace is not None or self.line_directives
 
     @property
     def writes(self) -> bool:

@@ -280,4 +280,5 @@ class Outputs:
 
 def layout_of(options: GenerateOptions) -> Layout:
     """How the run's files are laid out."""
-    return Layout(options.blank_lines, options.format, options.format_all, options.guard)
+    lines = (options.line_prefix or "") if options.line_directives else None
+    return Layout(options.blank_lines, options.format, options.format_all, options.guard, lines)

@@ -31,6 +31,10 @@ def require_consistent(runs: Sequence[GenerateOptions]) -> None:
             raise Misuse("argument --no-state: not allowed with argument --state")
         if options.format_all and options.format is None:
             raise Misuse("--format-all needs --format COMMAND")
+        if options.line_directives and options.format is not None:
+            raise Misuse("argument --line-directives: not allowed with argument --format")
+        if options.line_prefix is not None and not options.line_directives:
+            raise Misuse("--line-prefix needs --line-directives")
         reports = (options.depfile, options.manifest, options.outputs, options.stamp, options.trace)
         for path in reports:
             if path is None:

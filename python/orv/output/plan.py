@@ -64,6 +64,8 @@ class PlannedFile:
     texts: dict[str, bytes] = field(default_factory=dict)
     returns: bool = False
     merged: bytes | None = None
+    # What #line directives call the file; empty without directives.
+    own_name: str = ""
 
     @property
     def differs(self) -> bool:
@@ -95,12 +97,21 @@ class PlannedFile:
     @property
     def hash(self) -> str:
         """The hash of the file's text without that of its regions."""
+        if self.own_name and self.merged is not None and self.markers is not None:
+            return _native.frame_hash(self.merged, self.markers.find(self.merged))
         return _native.frame_hash(self.base, self.regions)
 
     def take(self, texts: Mapping[str, bytes]) -> None:
         """Put texts into regions of the file, beside those that it keeps."""
         self.texts.update(texts)
         self.merged = _native.with_regions(self.base, self.regions, self.texts, self.returns)
+        self.renumber()
+
+    def renumber(self) -> None:
+        """Count the lines of user regions anew, once their texts are known."""
+        if self.own_name and self.merged is not None and self.markers is not None:
+            regions = self.markers.find(self.merged)
+            self.merged = _native.renumbered(self.merged, regions, self.own_name)
 
     @property
     def data(self) -> bytes:
@@ -147,7 +158,7 @@ def plan(
             planned.append(PlannedFile(index, _text(run, index, "Name")))
             continue
         try:
-            file = _composed(run, index, layout)
+            file = _composed(run, index, layout, folder)
         except OutputError as error:
             raise _located(run, index, error) from error
         planned.append(file)
@@ -191,15 +202,33 @@ def folders_of(location: str) -> Iterator[str]:
         folder = os.path.dirname(folder)
 
 
-def _composed(run: Run, index: int, layout: Layout) -> PlannedFile:
+def _composed(run: Run, index: int, layout: Layout, folder: _native.OutputFolder) -> PlannedFile:
     path = run.files.path(index)
     file = PlannedFile(index, path, _compose(run, index, path, layout), State.NEW)
+    if layout.line_directives is not None and run.repository.section_names(index) != ["Text"]:
+        _put_line_directives(file, run, folder, layout.line_directives)
     file.markers = run.regions.markers(index)
     try:
         file.regions = file.markers.find(file.base)
     except ValueError as error:
         raise OutputError(f"its text, {error}; a marker is alone on its line") from error
     return file
+
+
+def _put_line_directives(
+    file: PlannedFile, run: Run, folder: _native.OutputFolder, prefix: str
+) -> None:
+    """Name the templates of each line; their paths are relative to the file unless there is a prefix."""
+    assert run.trace is not None and file.composed is not None
+    place = os.path.dirname(real_path(folder, file.path))
+
+    def name(template: str) -> str:
+        if prefix:
+            return prefix + template
+        return os.path.relpath(os.path.realpath(template), place)
+
+    file.own_name = os.path.basename(file.path)
+    file.composed = file.composed.with_line_directives(run.trace, name, file.own_name)
 
 
 def _compose(run: Run, index: int, path: str, layout: Layout) -> _native.ComposedFile:
@@ -268,6 +297,11 @@ def _compare_file(file: PlannedFile, files: Plan, run: Run) -> None:
     file.old_hash = old.hash
     file.kept, file.merged, file.returns = old.regions, old.merged, old.ends_lines_with_return
     file.texts = {region.id: region.text for region in file.kept if region.is_taken}
+    if file.own_name and file.merged is not None:
+        file.renumber()
+        if old.exists:
+            same = folder.read(file.location) == file.merged
+            file.state = State.SAME if same else State.CHANGED
 
 
 def _located(run: Run, index: int, error: OutputError) -> OutputError:

@@ -9,6 +9,7 @@
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
 #include "python/orv/native/output/Composer.hpp"
+#include "python/orv/native/output/LineDirectives.hpp"
 #include "python/orv/native/tracing/Carry.hpp"
 
 namespace orv {
@@ -71,6 +72,11 @@ py::tuple tracedTables(const TracedText& traced) {
   return py::make_tuple(traced.ranges.text(), spans);
 }
 
+// The bytes of a path.
+std::string labelOf(const py::str& path) {
+  return path.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
+}
+
 py::tuple traced(const ComposedFile& file, Trace& trace, const py::object& formatted,
                  const std::vector<Region>& regions, const std::map<std::string, py::bytes>& texts,
                  const py::object& merged) {
@@ -96,7 +102,18 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
       .def("__len__", [](const ComposedFile& file) { return file.bytes().size(); })
       .def_property_readonly("sections", &sectionSizes)
       .def_property_readonly("guard", &guardOf)
-      .def("traced", &traced);
+      .def("traced", &traced)
+      .def("with_line_directives", [](const ComposedFile& file, const Trace& trace,
+                                      const py::function& name, const py::str& own) {
+        const auto nameOf = [&](const std::string& template_) {
+          return labelOf(name(toPython(template_)));
+        };
+        return withLineDirectives(file, trace, nameOf, labelOf(own));
+      });
+  module.def("renumbered",
+             [](const py::object& data, const std::vector<Region>& regions, const py::str& own) {
+               return py::bytes(renumbered(Bytes(data).view(), regions, labelOf(own)));
+             });
   repository
       .def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none(),
            py::arg("blank_lines") = false, py::arg("guarded") = true, py::arg("guard_form") = "",

@@ -251,6 +251,7 @@ class RegionCarrier {
       const Origin origin = reader_.take(1).origin;
       ranges_.append(isLonger ? 2 : 1, origin);
       ++done_;
+      if (endsWithDirective()) copyNumber();
     }
   }
   // Text up to an offset that others have written.
@@ -276,6 +277,25 @@ class RegionCarrier {
   }
 
  private:
+  // Whether what is done ends with the beginning of a line that numbers the next one.
+  bool endsWithDirective() const {
+    constexpr std::string_view directive = "\n#line ";
+    const std::string_view done = before_.substr(0, done_);
+    if (done.size() < directive.size()) return done == directive.substr(1);
+    return done.substr(done.size() - directive.size()) == directive;
+  }
+  // The number may have changed.
+  void copyNumber() {
+    const auto digits = [](std::string_view text, std::size_t from) {
+      const std::size_t end = text.find_first_not_of("0123456789", from);
+      return (end == text.npos ? text.size() : end) - from;
+    };
+    const std::size_t size = digits(before_, done_);
+    Ranges number;
+    reader_.copy(size, number);
+    ranges_.append(digits(after_, ranges_.size()), number.last());
+    done_ += size;
+  }
   void note(std::size_t offset) {
     for (; next_ != offsets_.end() && next_->first <= offset; ++next_) next_->second = size();
   }

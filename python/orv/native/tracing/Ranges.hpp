@@ -61,6 +61,8 @@ class RangeReader {
 
   explicit RangeReader(const Ranges& ranges) : ranges_(ranges), rest_(ranges.flushed_) {}
 
+  // Whether what is taken next begins a range.
+  bool isAtBeginning() const { return left_ == 0; }
   // The next range, or so much of it as `most`, at least 1. What the ranges do not cover is not
   // known.
   Range take(std::size_t most);

@@ -57,6 +57,7 @@ class Trace {
     blank,
     newline,
     linkage,
+    directive,
     // What others have written into a user region; its markers, which have a line of their own.
     region,
     // A formatter; a line of a template's text after one.
@@ -86,6 +87,7 @@ class Trace {
 
   Links& links() { return links_; }
   Strings& strings() { return strings_; }
+  const Strings& strings() const { return strings_; }
   const std::vector<Site>& sites() const { return sites_; }
 
   // Text that was added to a section.

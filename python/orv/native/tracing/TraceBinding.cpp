@@ -15,9 +15,10 @@ namespace {
 namespace py = pybind11;
 
 // In the order of Trace::Kind.
-constexpr const char* kindNames[] = {
-    "unknown",       "text",    "value",       "script",    "guard", "include", "blank line",
-    "final newline", "linkage", "user region", "formatter", "line",  "marker",  "tag"};
+constexpr const char* kindNames[] = {"unknown", "text",           "value",       "script",
+                                     "guard",   "include",        "blank line",  "final newline",
+                                     "linkage", "line directive", "user region", "formatter",
+                                     "line",    "marker",         "tag"};
 
 Trace::Kind kindOf(const std::string& name) {
   for (std::size_t kind = 0; kind < std::size(kindNames); ++kind) {
