@@ -26,8 +26,9 @@ void readXml(const std::string& data) {
 
 void readText(char format, const std::string& data) {
   orv::Places places;
-  orv::ModelWarnings warnings;
-  orv::ModelBuilder builder(&places, places.addFile("model"));
+  orv::ModelRemarks warnings;
+  orv::ModelRemarks repeatedNames;
+  orv::ModelBuilder builder(&places, places.addFile("model"), repeatedNames);
   const std::string_view text = orv::sourceText(data);
   if (format == 'j') orv::readJson(text, builder);
   if (format == 'y') orv::readYaml(text, builder, warnings);
