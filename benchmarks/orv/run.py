@@ -2,7 +2,7 @@
 
     PYTHONPATH=build/bench/python python3 benchmarks/orv/run.py [--rounds N] [GROUP...]
 
-GROUP is tables, loaders, start, growth or engine; all of them when left out. Each ratio is of medians
+GROUP is tables, loaders, start, growth, again or engine; all of them when left out. Each ratio is of medians
 over N alternating rounds (7 by default) on one machine in one run. Time is user and system time of
 whole processes, except for `engine`; memory is the largest resident size.
 """
@@ -15,6 +15,7 @@ import sys
 import tempfile
 from pathlib import Path
 
+import again
 import packaging
 import tables
 from processes import GENERATE, Usage, alternate
@@ -118,6 +119,20 @@ def compare_sizes(report: Report, rounds: int, folder: Path) -> None:
     report.add("a file of 10,000 / its text, memory", costs[-1].megabytes / text, 4, 3, note)
 
 
+def compare_again(report: Report, rounds: int, folder: Path) -> None:
+    """A run in which nothing changes: what the state file, the depfile and user regions cost."""
+    for count in (1000, 10_000):
+        usage = again.measure(folder, count, rounds)
+        goal = 1.05 if count == 1000 else None
+        for what, ours, theirs in (
+            ("state and depfile / none", usage["state"], usage["none"]),
+            ("user regions / comments", usage["regions"], usage["comments"]),
+        ):
+            note = f"{ours.seconds:.2f} s / {theirs.seconds:.2f} s"
+            ratio = ours.seconds / theirs.seconds
+            report.add(f"{count} files again, {what}, time", ratio, goal, note=note)
+
+
 def compare_engines(report: Report, rounds: int) -> None:
     """Packaging against plain rendering of the same text, in one process."""
     for fields, files, goal, reach in ((12, 400, 1.5, 1.2), (120, 40, 1.1, 1.0)):
@@ -130,7 +145,7 @@ def compare_engines(report: Report, rounds: int) -> None:
 
 
 def main() -> int:
-    groups = ("tables", "loaders", "start", "growth", "engine")
+    groups = ("tables", "loaders", "start", "growth", "again", "engine")
     parser = argparse.ArgumentParser()
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("group", nargs="*", choices=(*groups, []))
@@ -148,6 +163,8 @@ def main() -> int:
                 compare_start(report, rounds, folder)
             elif group == "growth":
                 compare_sizes(report, min(rounds, 3), folder)
+            elif group == "again":
+                compare_again(report, rounds, folder)
             else:
                 compare_engines(report, rounds)
     return 1 if report.missed else 0

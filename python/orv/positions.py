@@ -27,13 +27,30 @@ def template_label(name: str | None, filename: str | None) -> str:
     return name or "<template>"
 
 
+class Mark(NamedTuple):
+    """A place in a template's code, whose line is looked up when someone asks for it."""
+
+    template: Template
+    line_of_code: int
+
+    @property
+    def position(self) -> Position:
+        """The line of the template."""
+        return position_of(self.template, self.line_of_code)
+
+
 def here() -> Position:
     """The line of the template that is running; only to be called from within a template."""
+    return mark().position
+
+
+def mark() -> Mark:
+    """The place that is running; only to be called from within a template."""
     frame: FrameType | None = sys._getframe(1)
     while frame is not None:
         template = _template_of(frame)
         if template is not None:
-            return position_of(template, frame.f_lineno)
+            return Mark(template, frame.f_lineno)
         frame = frame.f_back
     raise RuntimeError("no template is running")
 

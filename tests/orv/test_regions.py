@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 import shutil
 from collections.abc import Callable
 from pathlib import Path
@@ -13,6 +14,7 @@ from orv import interface
 from orv._native import Markers
 from orv.command.main import main
 from orv.errors import OutputError
+from orv.output.folder import open_folder
 
 BEGIN, END = "/* USER CODE BEGIN %s */", "/* USER CODE END %s */"
 
@@ -267,7 +269,26 @@ def test_patterns_of_markers() -> None:
         assert str(raised.value) == message
     for id in ("", " x", "x */ y", "x\n", "x\0"):
         with pytest.raises(ValueError, match="expected an identifier that fits into the line"):
-            Markers("/* {id} ... /* end {id} */").ending(id)
+            Markers("/* {id} ... /* end {id} */").lines(id)
+
+
+def test_what_is_written_during_a_run_is_not_written_over(tmp_path: Path) -> None:
+    for name in ("old.c", "gone.c"):
+        (tmp_path / name).write_text("1\n")
+    folder = open_folder(str(tmp_path))
+    for name in ("old.c", "new.c", "gone.c"):
+        folder.compare(name, b"2\n")
+        (tmp_path / name).write_text("mine\n")
+        os.utime(tmp_path / name, (1, 1))
+    for name in ("old.c", "new.c"):
+        with pytest.raises(OutputError, match=f"{name} was changed while the run was at work"):
+            folder.replace(name, b"", None)
+    with pytest.raises(OutputError, match="gone.c was changed while the run was at work"):
+        folder.remove("gone.c")
+    folder.compare("old.c", b"2\n")
+    for text in ("mine\n", "3\n"):
+        assert (tmp_path / "old.c").read_text() == text
+        folder.replace("old.c", b"3\n", None)
 
 
 STYLES = {

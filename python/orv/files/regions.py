@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 from collections.abc import Callable, Mapping, Sequence
 from typing import NamedTuple
 
@@ -9,21 +10,25 @@ from orv import _native
 from orv.delimiters import tag
 from orv.errors import Messages, OrvError, OutputError, TemplateError, did_you_mean
 from orv.files.table import FileTable
-from orv.positions import Position, here
+from orv.positions import Mark, Position, here, mark
 
-# What comments look like, by the end of a file's name or by its whole name; in C when it has none
-# of these.
-_COMMENTS = {
-    ("<!-- ", " -->"): (".md", ".html", ".htm", ".xml", ".svg", ".xsd", ".xsl"),
-    ("# ", ""): (
-        ".py", ".sh", ".bash", ".pl", ".rb", ".mk", ".cmake", ".yaml", ".yml", ".toml", ".cfg",
-        ".conf", ".tcl", ".r", ".jl", "makefile", "cmakelists.txt", "dockerfile", "kconfig",
-        "meson.build",
-    ),
-    ("-- ", ""): (".sql", ".lua", ".vhd", ".vhdl", ".ada", ".adb", ".ads", ".hs"),
-    ("; ", ""): (".ini", ".lisp", ".scm", ".asm"),
-    ("% ", ""): (".m", ".tex", ".erl"),
+_WORDS = "{0}USER CODE BEGIN {{id}}{1} ... {0}USER CODE END {{id}}{1}"
+
+# How the markers are written that neither a run nor a file sets, by the ending of a file's name or
+# by its whole name; as in C when it has none of these.
+_PATTERNS = {
+    name: _WORDS.format(before, after)
+    for before, after, names in (
+        ("<!-- ", " -->", ".md .html .htm .xml .svg .xsd .xsl"),
+        ("# ", "", ".py .sh .bash .pl .rb .mk .cmake .yaml .yml .toml .cfg .conf .tcl .r .jl"
+         " makefile cmakelists.txt dockerfile kconfig meson.build"),
+        ("-- ", "", ".sql .lua .vhd .vhdl .ada .adb .ads .hs"),
+        ("; ", "", ".ini .lisp .scm .asm"),
+        ("% ", "", ".m .tex .erl"),
+    )
+    for name in names.split()
 }  # fmt: skip
+_PATTERN = _WORDS.format("/* ", " */")
 
 # The texts of a file's regions by their identifiers.
 Texts = Mapping[str, bytes]
@@ -35,7 +40,7 @@ TextsOf = Callable[[str, str, _native.Markers], Texts]
 class _Declared(NamedTuple):
     """A region as a template declares it."""
 
-    position: Position
+    mark: Mark
     # Whether the region is in a custom section, which may come to be in another file.
     is_filled: bool
 
@@ -68,10 +73,14 @@ class Regions:
         self._pattern, self._texts_of = known
         self._declared: dict[int, dict[str, _Declared]] = {}
         self._markers: dict[str, _native.Markers] = {}
+        self._of_file: dict[int, _native.Markers] = {}
         self.questions: list[Question] = []
 
     def markers(self, file: int) -> _native.Markers:
         """The markers of the regions in a file: its own, the run's, or those of its language."""
+        known = self._of_file.get(file)
+        if known is not None:
+            return known
         record = self._files.record(file)
         own = record.markers if record is not None else None
         return self.made_of(own or self._pattern or _pattern_of(self._files.disk_name(file)))
@@ -88,16 +97,18 @@ class Regions:
         if id in declared:
             raise OrvError(
                 f'the file {self._files.label(file)} has a user region "{id}" already, at'
-                f" {declared[id].position}; each needs an identifier of its own"
+                f" {declared[id].mark.position}; each needs an identifier of its own"
             )
-        markers = self.markers(file)
-        declared[id] = _Declared(here(), is_filled)
-        return markers.beginning(id), markers.ending(id)
+        if not declared:
+            # From now on the markers of the file cannot change.
+            self._of_file[file] = self.markers(file)
+        declared[id] = _Declared(mark(), is_filled)
+        return self._of_file[file].lines(id)
 
     def position(self, file: int, id: str) -> Position | None:
         """Where a region is declared, if it is known."""
         declared = self._declared.get(file, {}).get(id)
-        return None if declared is None else declared.position
+        return None if declared is None else declared.mark.position
 
     def text(self, file: int, id: str) -> str:
         """The text that the region will have, as far as it is known."""
@@ -135,9 +146,10 @@ class Regions:
                         f" {tag('user')} made"
                     )
         for declared in self._declared.values():
-            for id, (position, _) in declared.items():
+            for id, region in declared.items():
                 if id not in seen:
-                    self._messages.warn(f'the user region "{id}" is in no file', position)
+                    said = f'the user region "{id}" is in no file'
+                    self._messages.warn(said, region.mark.position)
 
     def is_settled(self, finals: Mapping[str, Texts]) -> bool:
         """Whether the texts that templates were told are those that the files will have.
@@ -164,11 +176,5 @@ def unsettled(questions: Sequence[Question], finals: Mapping[str, Texts]) -> Tem
 
 
 def _pattern_of(name: str) -> str:
-    lower = name.lower()
-    for (before, after), endings in _COMMENTS.items():
-        if any(lower.endswith(end) if end[0] == "." else lower == end for end in endings):
-            break
-    else:
-        before, after = "/* ", " */"
-    words = ("BEGIN", "END")
-    return " ... ".join(f"{before}USER CODE {word} {{id}}{after}" for word in words)
+    base = os.path.basename(name).lower()
+    return _PATTERNS.get(os.path.splitext(base)[1]) or _PATTERNS.get(base, _PATTERN)

@@ -194,8 +194,7 @@ def rescued(
 
 
 def _entry(orphan: Unclaimed) -> bytes:
-    markers = _native.Markers(orphan.markers)
-    begin, end = markers.beginning(orphan.region.id), markers.ending(orphan.region.id)
+    begin, end = _native.Markers(orphan.markers).lines(orphan.region.id)
     return b"".join(
         (
             begin.encode("utf-8", "surrogateescape"), b"\n",

@@ -76,6 +76,11 @@ class PrintingTemplate(Template):
 
     environment: Environment
 
+    @cached_property
+    def debug_info(self) -> list[tuple[int, int]]:
+        """The lines of the template and of its code; read once, as every position needs it."""
+        return super().debug_info
+
     def run(self, context: Context) -> None:
         """Run the template, with what extends it known to the context."""
         sites = self.environment.sites

@@ -185,8 +185,10 @@ Descriptor OutputFolder::find(const std::string& location, int flags) const {
 // The file is opened without waiting for anyone: a pipe may have been put in its place.
 std::optional<std::string> OutputFolder::read(const std::string& location) const {
   const Descriptor file = find(location, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  compared_[location] = std::nullopt;
   if (!file) return std::nullopt;
   const Status status = statusOf(file, location);
+  compared_[location] = status.st_mtim;
   requireKind(location, status.st_mode, Wanted::file);
   return readAll(file, location, status);
 }
@@ -219,6 +221,16 @@ OutputFolder::Comparison OutputFolder::compare(const std::string& location, std:
   return result;
 }
 
+void OutputFolder::requireUnchanged(const std::string& location, const Status* now) const {
+  const auto found = compared_.find(location);
+  if (found == compared_.end()) return;
+  const std::optional<timespec>& before = found->second;
+  const bool isSame = before && now != nullptr ? before->tv_sec == now->st_mtim.tv_sec &&
+                                                     before->tv_nsec == now->st_mtim.tv_nsec
+                                               : !before && now == nullptr;
+  if (!isSame) throw OutputRefused(shown(location) + " was changed while the run was at work");
+}
+
 bool OutputFolder::hasFolder(const std::string& location) const {
   return static_cast<bool>(find(location, O_PATH | O_DIRECTORY));
 }
@@ -229,6 +241,7 @@ void OutputFolder::replace(const std::string& location, std::string_view data,
   const Descriptor parent = makeFolder(folder);
   const std::optional<Status> old = findStatus(parent.get(), name);
   if (old) requireKind(location, old->st_mode, Wanted::file);
+  requireUnchanged(location, old ? &*old : nullptr);
   if (old && !mode) mode = old->st_mode & permissions;
   // Nobody may look into a file before it has the mode of the one that it replaces.
   Temporary file(parent.get(), mode ? newPrivateFile : newFile);
@@ -236,6 +249,7 @@ void OutputFolder::replace(const std::string& location, std::string_view data,
   if (mode) file.setMode(*mode & permissions);
   if (durable_) file.sync();
   file.replace(name);
+  compared_.erase(location);
   changed(folder);
 }
 
@@ -252,6 +266,9 @@ void OutputFolder::remove(const std::string& location) {
   const auto [folder, name] = splitPath(location);
   const Descriptor parent = openFolder(folder);
   if (!parent) return;
+  if (const std::optional<Status> now = findStatus(parent.get(), name)) {
+    requireUnchanged(location, &*now);
+  }
   if (unlinkat(parent.get(), name.c_str(), 0) != 0 && errno != ENOENT) {
     throw SystemError(errno, location);
   }

@@ -1,6 +1,7 @@
 #ifndef ORV_OUTPUT_OUTPUTFOLDER_HPP
 #define ORV_OUTPUT_OUTPUTFOLDER_HPP
 
+#include <ctime>
 #include <map>
 #include <optional>
 #include <set>
@@ -8,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include "python/orv/native/output/Descriptor.hpp"
@@ -73,7 +75,8 @@ class OutputFolder {
 
   // Gives the file new bytes in one step, in a folder that is made when it is missing. The file
   // keeps the permission bits that it has, never setuid, setgid and the sticky bit; `mode` sets
-  // others. A failure leaves it as it was.
+  // others. A failure leaves it as it was. Refuses, like remove(), a file that is not as it was
+  // when it was compared last: someone writes to it, too.
   void replace(const std::string& location, std::string_view data, std::optional<mode_t> mode);
   void setMode(const std::string& location, mode_t mode) const;
   void remove(const std::string& location);
@@ -95,6 +98,7 @@ class OutputFolder {
   void requireKind(const std::string& location, mode_t mode, Wanted wanted) const;
   std::string shown(const std::string& location) const;
   Descriptor find(const std::string& location, int flags) const;
+  void requireUnchanged(const std::string& location, const struct stat* now) const;
   Descriptor openFolder(const std::string& location) const;
   Descriptor makeFolder(const std::string& location);
   void changed(const std::string& folder);
@@ -107,6 +111,8 @@ class OutputFolder {
   std::vector<std::string> missing_;
   std::map<std::string, std::string> located_;
   std::set<std::string> changed_;
+  // When the files that were compared had changed last; nothing for those that were not there.
+  mutable std::map<std::string, std::optional<timespec>> compared_;
 };
 
 }  // namespace orv

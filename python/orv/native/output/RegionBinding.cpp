@@ -66,10 +66,12 @@ void bindRegions(py::module_& module) {
       .def(py::init<std::string>())
       .def_property_readonly("pattern",
                              [](const Markers& markers) { return toPython(markers.pattern()); })
-      .def("beginning", [](const Markers& markers,
-                           const py::str& id) { return toPython(markers.beginning(idOf(id))); })
-      .def("ending", [](const Markers& markers,
-                        const py::str& id) { return toPython(markers.ending(idOf(id))); })
+      .def("lines",
+           [](const Markers& markers, const py::str& id) {
+             const std::string written = idOf(id);
+             return py::make_tuple(toPython(markers.beginning(written)),
+                                   toPython(markers.ending(written)));
+           })
       .def("find", &find);
   module.def("frame_hash", [](const py::object& data, const std::vector<Region>& regions) {
     return frameHash(Bytes(data).view(), regions);
