@@ -7,7 +7,6 @@ import sys
 from collections.abc import Callable, Sequence
 from typing import NamedTuple
 
-from orv import _native
 from orv.command.console import say, warn
 from orv.command.options import GenerateOptions
 from orv.command.progress import progress
@@ -63,13 +62,7 @@ class Outputs:
 
     def region_texts(self) -> dict[str, dict[str, bytes]]:
         """The texts that the user regions of each file will have, by the file's label."""
-        return {
-            self._run.files.label(file.index): _native.region_texts(
-                file.buffer, file.markers.find(file.buffer)
-            )
-            for file in self._files
-            if file.markers is not None and file.regions
-        }
+        return {self._run.files.label(file.index): file.region_texts() for file in self._files}
 
     def finish(self) -> Outcome:
         """Write or compare, and write the reports."""

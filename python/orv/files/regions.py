@@ -146,10 +146,10 @@ class Regions:
                         f" {tag('user')} made"
                     )
         for declared in self._declared.values():
-            for id, region in declared.items():
+            for id, entry in declared.items():
                 if id not in seen:
                     said = f'the user region "{id}" is in no file'
-                    self._messages.warn(said, region.mark.position)
+                    self._messages.warn(said, entry.mark.position)
 
     def is_settled(self, finals: Mapping[str, Texts]) -> bool:
         """Whether the texts that templates were told are those that the files will have.
@@ -177,4 +177,5 @@ def unsettled(questions: Sequence[Question], finals: Mapping[str, Texts]) -> Tem
 
 def _pattern_of(name: str) -> str:
     base = os.path.basename(name).lower()
-    return _PATTERNS.get(os.path.splitext(base)[1]) or _PATTERNS.get(base, _PATTERN)
+    ending = os.path.splitext(base)[1]
+    return _PATTERNS.get(ending, _PATTERNS.get(base, _PATTERN))

@@ -13,7 +13,7 @@ from orv import _native
 from orv.errors import OutputError
 from orv.files.run import Run
 from orv.output.folder import reason, shown
-from orv.output.plan import PlannedFile
+from orv.output.plan import PlannedFile, State
 
 _ENDING = ".orphans"
 
@@ -58,13 +58,18 @@ def rehome(files: Sequence[PlannedFile], unclaimed: Sequence[Unclaimed]) -> Reho
     A text moves if there is no doubt where to. One that another file has under the same name is no
     orphan.
     """
+    if not unclaimed:
+        return Rehomed()
     moves = _moves(files, unclaimed)
     for move in moves:
         move.target.take({move.source.region.id: move.source.region.text})
     moved = {id(move.source) for move in moves}
-    safe = {
-        (region.id, region.text) for file in files if not file.is_written for region in file.kept
-    } | {item for file in files if file.is_written for item in file.texts.items()}
+    safe: set[tuple[str, bytes]] = set()
+    for file in files:
+        if file.is_written or file.state is State.SAME:
+            safe |= file.region_texts().items()
+        else:
+            safe |= {(region.id, region.text) for region in file.kept}
     orphans = [
         entry
         for entry in unclaimed
@@ -79,7 +84,7 @@ def _moves(files: Sequence[PlannedFile], unclaimed: Sequence[Unclaimed]) -> list
     claims: dict[str, list[_Claim]] = defaultdict(list)
     for file in files:
         for region in file.regions if file.is_written else ():
-            if region.id not in file.texts:
+            if not file.keeps(region.id):
                 claims[region.id].append(_Claim(file, region.id))
     sources: dict[str, list[Unclaimed]] = defaultdict(list)
     for entry in unclaimed:
@@ -149,10 +154,7 @@ def saved(orphan: Unclaimed, folder: _native.OutputFolder) -> str:
 def _nearest(orphan: Unclaimed, files: Sequence[PlannedFile], run: Run) -> str:
     """The region without a text whose name is most like that of the orphan."""
     found = [
-        (file, region.id)
-        for file in files
-        for region in file.regions
-        if region.id not in file.texts
+        (file, region.id) for file in files for region in file.regions if not file.keeps(region.id)
     ]
     own = [entry for entry in found if entry[0].location == orphan.location]
     if not found:

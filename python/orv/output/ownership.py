@@ -238,18 +238,19 @@ def _own(file: PlannedFile, state: FolderState, after: FolderState, policy: Poli
 
 
 def _record(file: PlannedFile, state: FolderState, policy: Policy) -> Record:
-    """What the state will know of a file. A region that nobody wrote keeps its default's hash."""
+    """What the state will know of a file. Regions keep the hash of their first default text."""
+    hash = file.old_hash if file.state is State.SAME else file.hash
     if not file.regions:
-        same = file.state is State.SAME
-        return Record(file.old_hash if same else file.hash)
+        return Record(hash)
     assert file.markers is not None
-    defaults = _native.region_hashes(file.base, file.regions)
     known = _known(file, state, policy)
-    if known is not None:
-        for region in file.kept:
-            if region.is_taken and known.regions.get(region.id) == region.hash:
-                defaults[region.id] = region.hash
-    return Record(file.hash, defaults, file.markers.pattern)
+    first = {} if known is None else known.regions
+    ids = [region.id for region in file.regions]
+    if file.state is State.SAME and first.keys() == set(ids):
+        return Record(hash, first, file.markers.pattern)
+    defaults = _native.region_hashes(file.base, file.regions)
+    kept = {id: first[id] for id in ids if id in first and file.keeps(id)}
+    return Record(hash, defaults | kept, file.markers.pattern)
 
 
 def _stale(

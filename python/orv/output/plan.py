@@ -45,7 +45,7 @@ class PlannedFile:
 
     `regions` are the user regions of the file as it is composed and formatted, between `markers`,
     and `kept` those on the disk, between `old_markers`. `merged` is the text with what is kept of them. `texts` are those
-    that are kept, by identifier; `returns` says that the line ends of the file are CR LF.
+    that are kept, by identifier, in a file that is not the same; `returns` says that the line ends of the file are CR LF.
     """
 
     index: int
@@ -100,6 +100,16 @@ class PlannedFile:
         if self.own_name and self.merged is not None and self.markers is not None:
             return _native.frame_hash(self.merged, self.markers.find(self.merged))
         return _native.frame_hash(self.base, self.regions)
+
+    def keeps(self, id: str) -> bool:
+        """Whether the text of a region is the one on the disk."""
+        return self.state is State.SAME or id in self.texts
+
+    def region_texts(self) -> dict[str, bytes]:
+        """The texts that the regions of the file will have."""
+        if self.markers is None or not self.regions:
+            return {}
+        return _native.region_texts(self.buffer, self.markers.find(self.buffer))
 
     def take(self, texts: Mapping[str, bytes]) -> None:
         """Put texts into regions of the file, beside those that it keeps."""
@@ -295,7 +305,8 @@ def _compare_file(file: PlannedFile, files: Plan, run: Run) -> None:
         raise OutputError(f"{shown(folder, file.path)} cannot be read: {reason(error)}") from error
     file.state = State.NEW if not old.exists else State.SAME if old.same else State.CHANGED
     file.old_hash = old.hash
-    file.kept, file.merged, file.returns = old.regions, old.merged, old.ends_lines_with_return
+    file.merged, file.returns = old.merged, old.ends_lines_with_return
+    file.kept = () if old.same else old.regions
     file.texts = {region.id: region.text for region in file.kept if region.is_taken}
     if file.own_name and file.merged is not None:
         file.renumber()

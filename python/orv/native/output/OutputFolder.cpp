@@ -209,15 +209,18 @@ OutputFolder::Comparison OutputFolder::compare(const std::string& location, std:
   for (const Region& region : regions) asked.insert(region.id);
   RegionTexts texts;
   for (const Region& region : kept) {
-    const std::string_view text = region.textIn(*old);
-    const bool isTaken = asked.count(region.id) != 0;
-    if (isTaken) texts.emplace(region.id, text);
-    result.regions.push_back({region.id, region.line, std::string(text), isTaken});
+    if (asked.count(region.id) != 0) texts.emplace(region.id, region.textIn(*old));
   }
-  if (texts.empty()) return result;
-  result.endsLinesWithReturn = orv::endsLinesWithReturn(*old, kept);
-  result.merged = withRegions(data, regions, texts, result.endsLinesWithReturn);
-  result.same = *old == *result.merged;
+  if (!texts.empty()) {
+    result.endsLinesWithReturn = orv::endsLinesWithReturn(*old, kept);
+    result.merged = withRegions(data, regions, texts, result.endsLinesWithReturn);
+    result.same = *old == *result.merged;
+  }
+  if (result.same) return result;
+  for (const Region& region : kept) {
+    result.regions.push_back(
+        {region.id, region.line, std::string(region.textIn(*old)), texts.count(region.id) != 0});
+  }
   return result;
 }
 
