@@ -167,6 +167,11 @@ def test_orphans(generate: Generate) -> None:
         rewrite("a.c", region("init"), region("init", "mine\n"))
     assert generate("a.c:; b.c: x", "--orphans=drop").code == 0
     assert read("a.c") == "void f(void)\n"
+    # What another file has, too, is not lost; a run that was killed may have moved it there.
+    generate("a.c: x; b.c: x")
+    for name in ("a.c", "b.c"):
+        rewrite(name, "default", "both")
+    assert generate("a.c:; b.c: x").code == 0 and "both" in read("b.c")
 
 
 def test_orphans_of_files_that_are_no_longer_made(generate: Generate) -> None:
