@@ -244,9 +244,10 @@ class Outputs:
             print(f'moved   "{orphan.region.id}" of {source} to {self._shown(target)}')
         for location in settled.rescued:
             print(f"{'orphans':8}{shown(self._folder, location)}")
-        for orphan in self._orphans():
+        lost = {"error": "orphan", "drop": "dropped"}.get(self._policy.orphans, "")
+        for orphan in settled.rehomed.orphans if lost else ():
             source = f"{shown(self._folder, orphan.location)}:{orphan.region.line}"
-            print(f'orphan  "{orphan.region.id}" of {source}')
+            print(f'{lost:8}"{orphan.region.id}" of {source}')
 
     def _count(self) -> None:
         """How many files are outdated, edited, those of others and to be removed."""
