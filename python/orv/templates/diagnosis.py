@@ -131,6 +131,8 @@ def _described(error: Exception, loader: BaseLoader, steps: list[Step]) -> str:
 def not_found(error: TemplateNotFound, loader: BaseLoader) -> str:
     """The message about a template that no folder has."""
     names = error.templates if isinstance(error, TemplatesNotFound) else [error.name]
+    if not names:
+        return "expected the name of a template, or a list of names that is not empty"
     shown = " or ".join(f'"{name}"' for name in names)
     folders: list[str] = getattr(loader, "folders", [])
     where = ", ".join(f'"{folder}"' for folder in folders)
