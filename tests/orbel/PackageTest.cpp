@@ -85,6 +85,7 @@ TEST(Package, DefinesAClassOnceForSeveralThreads) {
                                       {"B", slowly}});
   std::atomic<int> found = 0;
   std::vector<std::thread> threads;
+  threads.reserve(6);
   for (int i = 0; i < 6; ++i) {
     threads.emplace_back([&, first = i % 2 == 0 ? "A" : "B"] {
       found += static_cast<int>(package->getClass(first).derivesFrom("Shared.B"));
