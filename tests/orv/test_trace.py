@@ -161,6 +161,10 @@ PIECES: dict[str, tuple[str | dict[str, str], list[str]]] = {
             "'\\n' final newline []",
         ],
     ),
+    "a loop with a test": (
+        "{% for n in names if n == 'b' %}{{ n }}{% endfor %}",
+        ["'b' value main.j2:1 < for :1 [Enums]", "'\\n' final newline []"],
+    ),
     "indented text and custom sections": (
         "{% custom 'c' on 'Enums' %}{% fill 'c' %}1\n{% for n in names %}{{ n }}\n{% endfor %}"
         "{% endfill %}x\n  {% indent %}\ny\n#z\n{% place 'c' indent=2 %}w{% endindent %}v",

@@ -7,7 +7,7 @@ from collections.abc import Mapping
 from datetime import date
 from functools import cached_property
 from types import BuiltinMethodType, CodeType, MethodType
-from typing import Any
+from typing import TYPE_CHECKING, Any
 
 import jinja2
 from jinja2 import BaseLoader, StrictUndefined, Template, TemplateSyntaxError, nodes
@@ -32,7 +32,9 @@ from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
-from orv.templates.tracing import Sites, TracedCode
+
+if TYPE_CHECKING:
+    from orv.templates.tracing import Sites
 
 # The compiler is built on that of Jinja2; docs/architecture.md lists what it relies upon.
 _JINJA2 = "3.1."
@@ -131,8 +133,11 @@ class Environment(SandboxedEnvironment):
             bytecode_cache=CompiledTemplates(),
         )
         self.printer = run.printer
-        self.sites = None if run.trace is None else Sites(run.trace)
-        if self.sites is not None:
+        self.sites: Sites | None = None
+        if run.trace is not None:
+            from orv.templates.tracing import Sites, TracedCode
+
+            self.sites = Sites(run.trace)
             # Its code has the numbers of this run.
             self.code_generator_class = TracedCode
             self.bytecode_cache = None
