@@ -133,6 +133,16 @@ def compare_again(report: Report, rounds: int, folder: Path) -> None:
             report.add(f"{count} files again, {what}, time", ratio, goal, note=note)
 
 
+def compare_trace(report: Report, rounds: int, folder: Path) -> None:
+    """What a trace costs, for a million rows."""
+    model = folder / "traced.json"
+    tables.write_model(model, 1_000_000)
+    plain = [*GENERATE, str(HERE / "table.j2"), "--model", str(model), "--no-state"]
+    plain += ["--out", str(folder / "traced")]
+    theirs, ours = alternate([plain, [*plain, "--trace", str(folder / "trace.json")]], rounds)
+    report.add_usage("a million rows, with a trace / without", ours, theirs, 1.6, 2)
+
+
 def compare_engines(report: Report, rounds: int) -> None:
     """Packaging against plain rendering of the same text, in one process."""
     for fields, files, goal, reach in ((12, 400, 1.5, 1.2), (120, 40, 1.1, 1.0)):
@@ -145,7 +155,7 @@ def compare_engines(report: Report, rounds: int) -> None:
 
 
 def main() -> int:
-    groups = ("tables", "loaders", "start", "growth", "again", "engine")
+    groups = ("tables", "loaders", "start", "growth", "again", "trace", "engine")
     parser = argparse.ArgumentParser()
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("group", nargs="*", choices=(*groups, []))
@@ -165,6 +175,8 @@ def main() -> int:
                 compare_sizes(report, min(rounds, 3), folder)
             elif group == "again":
                 compare_again(report, rounds, folder)
+            elif group == "trace":
+                compare_trace(report, min(rounds, 3), folder)
             else:
                 compare_engines(report, rounds)
     return 1 if report.missed else 0
