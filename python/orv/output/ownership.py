@@ -16,6 +16,9 @@ from orv.output.orphans import Rehomed, Unclaimed, complaint, rehome, rescued, s
 from orv.output.plan import Plan, PlannedFile, State, folders_of, real_path
 from orv.output.state import Change, FolderState, Record, compare_with_record
 
+# Before the hash of a text, in a file that stays though no run makes it: the text has another place.
+_SETTLED = "settled "
+
 
 @dataclass(frozen=True)
 class Policy:
@@ -180,8 +183,9 @@ def _unclaimed_of_leftover(leftover: _Leftover, policy: Policy) -> Iterator[Uncl
 
 def _is_written(region: _native.KeptRegion, defaults: Sequence[Mapping[str, str]]) -> bool:
     """Whether someone has written the text of a region."""
+    unwritten = (region.hash, _SETTLED + region.hash)
     return bool(region.text.strip()) and all(
-        known.get(region.id) != region.hash for known in defaults
+        known.get(region.id) not in unwritten for known in defaults
     )
 
 
@@ -244,7 +248,9 @@ def _record(file: PlannedFile, state: FolderState, policy: Policy) -> Record:
         return Record(hash)
     assert file.markers is not None
     known = _known(file, state, policy)
-    first = {} if known is None else known.regions
+    # What was settled while no run made the file is not: it may have its only place here again.
+    regions = {} if known is None else known.regions
+    first = {id: hash for id, hash in regions.items() if not hash.startswith(_SETTLED)}
     ids = [region.id for region in file.regions]
     if file.state is State.SAME and first.keys() == set(ids):
         return Record(hash, first, file.markers.pattern)
@@ -291,7 +297,7 @@ def _settled(leftover: _Leftover, rehomed: Rehomed, are_all: bool) -> Record:
     regions = dict(record.regions)
     for region in found.regions if found is not None else ():
         if are_all or region.id in moved:
-            regions[region.id] = region.hash
+            regions[region.id] = _SETTLED + region.hash
     return record._replace(regions=regions)
 
 
