@@ -37,7 +37,8 @@ def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
 def _entry(
     trace: _native.Trace, file: PlannedFile, composed: _native.ComposedFile
 ) -> dict[str, object]:
-    ranges, spans = composed.traced(trace, file.formatted, file.regions, file.texts, file.merged)
+    texts = {id: text for id, text in file.region_texts().items() if file.keeps(id)}
+    ranges, spans = composed.traced(trace, file.formatted, file.regions, texts, file.merged)
     return {
         "path": file.path,
         "size": len(file.buffer),
