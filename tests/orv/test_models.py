@@ -301,8 +301,9 @@ def test_models_merge_by_name(tmp_path: Path) -> None:
 CONFLICTS = [
     (["a.json"], {"a.json": "[1]"}, "a.json:1: the model is a list, not an object with names;"
      " give it a name: --model NAME=a.json"),
-    (["a.json", "b.yaml"], {"a.json": '{"y":\n1}', "b.yaml": "y: {}"}, 'b.yaml:1: "y" is already'
-     " at a.json:2; give a model a name of its own: --model NAME=b.yaml"),
+    (["a.json", "b.yaml"], {"a.json": '{"y":\n1, "z": 1}', "b.yaml": "y: {}\nz: 2"},
+     'b.yaml:1: "y" is already at a.json:2; give a model a name of its own: --model NAME=b.yaml\n'
+     'b.yaml:2: "z" is already at a.json:2; give a model a name of its own: --model NAME=b.yaml'),
     (["a.xml", "b.xml"], {"a.xml": "<r/>", "b.xml": "\n<r/>"}, 'b.xml:2: "r" is already at'
      " a.xml:1; give a model a name of its own: --model NAME=b.xml"),
     (["m=*.json"], {}, "*.json: no file has such a name"),
@@ -381,20 +382,23 @@ properties:
   vars:
     items:
       properties: {type: {enum: [int, float]}, name: {type: string}}
+      patternProperties: {^x_: {}}
+      additionalProperties: false
       required: [name]
   x: {type: string}
 """
 
 
 def test_a_schema_names_the_lines_of_the_model(orv: Command) -> None:
-    model = '{"vars": [\n{"name": "a",\n"type": "text"},\n{"type": "int"}]}'
+    model = '{"vars": [\n{"name": "a",\n"type": "text"},\n{"type": "int",\n"x_a": 1, "bits": 2}]}'
     files = {"m__json": model, "s__yaml": SCHEMA}
     done = orv("model", "--model", "m.json", "--schema", "s.yaml", "--set", "x=1", **files)
     assert (done.returncode, done.stderr) == (
         1,
         "error: --set x: x: 1 is not of type 'string'\n"
         "m.json:3: vars[0].type: 'text' is not one of ['int', 'float']\n"
-        "m.json:4: vars[1]: 'name' is a required property\n",
+        "m.json:4: vars[1]: 'name' is a required property\n"
+        "m.json:5: vars[1].bits: 'bits' does not match any of the regexes: '^x_'\n",
     )
     for schema, message in [
         ('{"type": 1}', "s.json: 1 is not valid under any of the given schemas"),

@@ -59,7 +59,7 @@ MISTAKES: dict[str, str | tuple[str, str]] = {
     'orv.toml:6: the key "project": there is no such option; did you mean "expect"?':
         RUN + 'set = [\n"x=1"]\nproject = "x"\n',
     'orv.toml:1: the key "out" belongs below [run.NAME]': 'out = "x"\n',
-    'orv.toml:3: the key "runs" is unknown': "\n# runs\nruns = 1\n",
+    'orv.toml:3: the key "runs" is unknown; did you mean "run"?': "\n# runs\nruns = 1\n",
     "orv.toml: the file has no run; begin one with [run.NAME]": "run = {}\n",
     "orv.toml:1: expected a table [run.a]": "run.a = 1\n",
     'orv.toml:1: the run "a" has no key "template"': "[run.a]\nout = 'o'\n",

@@ -61,7 +61,7 @@ MODEL = ValueType("[NAME=]FILE", _model, _model_below, "file")
 
 def _delimiters(argument: str) -> tuple[str, ...]:
     words = tuple(argument.split())
-    if len(words) != 6 or len(set(words[::2])) != 3:
+    if len(words) != 6 or len(set(words[::2])) != 3 or set(words[::2]) & set(words[1::2]):
         raise ValueError(
             f"expected three different pairs such as '<% %> << >> <# #>', got {argument!r}"
         )

@@ -73,7 +73,8 @@ class Project:
             raise ProjectError(f"{self.path}:{line}: {what}") from error
         for key in document:
             if key != "run":
-                what = "belongs below [run.NAME]" if key in self._options else "is unknown"
+                hint = did_you_mean(key, ["run"])
+                what = "belongs below [run.NAME]" if key in self._options else f"is unknown{hint}"
                 raise ProjectError(f'{self.place(key)}: the key "{key}" {what}')
         tables = document.get("run")
         if not isinstance(tables, dict) or not tables:

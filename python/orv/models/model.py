@@ -132,15 +132,15 @@ def _entries(source: ModelSource, value: object, places: Places) -> dict[str, An
 def _refuse_conflicts(
     values: dict[str, Any], entries: dict[str, Any], source: ModelSource, places: Places
 ) -> None:
-    for name in entries:
-        if name in values and not (
-            isinstance(values[name], dict) and isinstance(entries[name], dict)
-        ):
-            raise ModelError(
-                f'{places.place_of(entries, name)}: "{name}" is already at'
-                f" {places.place_of(values, name)}; give a model a name of its own:"
-                f" --model NAME={source.path}"
-            )
+    conflicts = [
+        f'{places.place_of(entries, name)}: "{name}" is already at'
+        f" {places.place_of(values, name)}; give a model a name of its own:"
+        f" --model NAME={source.path}"
+        for name, entry in entries.items()
+        if name in values and not (isinstance(values[name], dict) and isinstance(entry, dict))
+    ]
+    if conflicts:
+        raise ModelError("\n".join(conflicts))
 
 
 def _merged(first: dict[str, Any], second: dict[str, Any], places: Places) -> dict[str, Any]:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import re
 from typing import TYPE_CHECKING, Any, NoReturn
 
 import jsonschema
@@ -50,7 +51,7 @@ class _LocalResolver(jsonschema.RefResolver):
 def _located(model: Model, error: jsonschema.ValidationError) -> tuple[tuple[str, int], str]:
     """A violation with a key to sort by: the file and the line."""
     container: Any = model.values
-    steps = list(error.absolute_path)
+    steps = [*error.absolute_path, *_unknown_names(error)[:1]]
     for step in steps[:-1]:
         container = container[step]
     key = steps[-1] if steps else None
@@ -63,6 +64,18 @@ def _located(model: Model, error: jsonschema.ValidationError) -> tuple[tuple[str
     parts = [part for part in (place, path, _shortened(error.message)) if part]
     file, _, line = (place or "").rpartition(":")
     return (file, int(line) if line.isdecimal() else 0), ": ".join(parts)
+
+
+def _unknown_names(error: jsonschema.ValidationError) -> list[str]:
+    """The names that an object may not have, if that is the violation."""
+    if str(error.validator) != "additionalProperties":
+        return []
+    known, patterns = (error.schema.get(key, {}) for key in ("properties", "patternProperties"))
+    return [
+        name
+        for name in error.instance
+        if name not in known and not any(re.search(pattern, name) for pattern in patterns)
+    ]
 
 
 def _shortened(text: str) -> str:
