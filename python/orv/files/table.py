@@ -224,16 +224,20 @@ class FileTable:
     def name_model(self, name: str, file_names: Mapping[str, object]) -> None:
         """Name the model and its well-known files."""
         for file_type, file_name in file_names.items():
-            if file_type not in _native.FILE_TYPES:
-                hint = did_you_mean(file_type, _native.FILE_TYPES)
-                raise OrvError(f'there is no file type "{file_type}"{hint}')
+            current = self.well_known_name(file_type)
             if not isinstance(file_name, str):
                 raise OrvError(f"the name of {file_type} must be text")
-            current = self.repository.file_name(file_type)
             if current and current != file_name:
                 raise OrvError(f'{file_type} is named "{current}" already')
             self.repository.name_file(file_type, file_name)
         self.repository.model_name = name
+
+    def well_known_name(self, file_type: object) -> str:
+        """The name that the model gave a file type; empty when it gave none."""
+        if file_type not in _native.FILE_TYPES:
+            hint = did_you_mean(str(file_type), _native.FILE_TYPES)
+            raise OrvError(f'there is no file type "{file_type}"{hint}')
+        return self.repository.file_name(str(file_type))
 
     def _named(self, name: str, kind: str | None) -> int:
         index = self.repository.find(name)

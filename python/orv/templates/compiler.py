@@ -318,9 +318,14 @@ class TemplateCode(CodeGenerator):
 # The line of the template for lines of its code, as Jinja2 writes it at the end of the code.
 _LINES = re.compile(r"^debug_info = '(.*)'$", re.MULTILINE)
 
+_TWICE = re.compile(r"keyword argument repeated: (\w+)")
+
 
 def compiled(source: str, filename: str) -> CodeType:
-    """The code of a template. Raises TemplateSyntaxError where it is nested too deeply for Python."""
+    """The code of a template.
+
+    Raises TemplateSyntaxError where it is nested too deeply for Python, or names an argument twice.
+    """
     try:
         code: CodeType = compile(source, filename, "exec")
         return code
@@ -329,7 +334,9 @@ def compiled(source: str, filename: str) -> CodeType:
         pairs = [(int(line), int(at)) for line, at in (pair.split("=") for pair in written if pair)]
         failed = getattr(error, "lineno", None) or 0
         line = max((line for line, at in pairs if at <= failed), default=1)
-        raise TemplateSyntaxError(TOO_DEEP, line, filename=filename) from error
+        twice = _TWICE.match(str(error))
+        what = f'the argument "{twice[1]}" is given twice' if twice else TOO_DEEP
+        raise TemplateSyntaxError(what, line, filename=filename) from error
 
 
 def _groups(children: list[nodes.Expr]) -> Iterator[list[nodes.Expr]]:

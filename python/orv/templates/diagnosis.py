@@ -141,7 +141,9 @@ def not_found(error: TemplateNotFound, loader: BaseLoader) -> str:
 
 
 def known_templates(name: str, loader: BaseLoader) -> list[str]:
-    """The names of templates that `name` may have been meant for."""
+    """The names of templates that `name` may have been meant for; none outside the folders."""
+    if name.startswith(("../", "/")):
+        return []
     folders: list[str] | None = getattr(loader, "folders", None)
     if folders is None:
         return loader.list_templates()

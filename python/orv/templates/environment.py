@@ -19,7 +19,7 @@ from jinja2.utils import missing
 from markupsafe import Markup
 
 from orv import _native, positions
-from orv.errors import Located, did_you_mean
+from orv.errors import Located, OrvError, did_you_mean
 from orv.files.run import Run
 from orv.models.element import ENTRIES, Element
 from orv.templates import filters, formatting, sizes
@@ -32,6 +32,7 @@ from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
+from orv.templates.wording import type_words
 
 if TYPE_CHECKING:
     from orv.templates.tracing import Sites
@@ -211,8 +212,11 @@ class Environment(SandboxedEnvironment):
         __self.printer.leave_link(link)
         return result
 
-    def join_path(self, template: str, parent: str) -> str:
+    def join_path(self, template: object, parent: str) -> str:
         """The name of a template that `parent` asks for; "./x" and "../x" begin at its folder."""
+        if not isinstance(template, str):
+            got = type_words(type(template).__name__)
+            raise OrvError(f"expected the name of a template, got {got}")
         if not template.startswith(("./", "../")):
             return template
         return posixpath.normpath(posixpath.join(posixpath.dirname(parent), template))

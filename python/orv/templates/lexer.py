@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from collections.abc import Iterator
 
-from jinja2 import Environment
+from jinja2 import Environment, TemplateSyntaxError
 from jinja2.lexer import Lexer, newline_re
 
 # The tags that depend on where they are written.
@@ -25,8 +25,15 @@ class TagEnd(str):
     after: str
 
 
+def _braces(number: str) -> str:
+    braces = f"{{{{{number}}}}}"
+    return f"the braces in {braces} would be lost; write {{% raw %}}{braces}{{% endraw %}}"
+
+
 class PlacingLexer(Lexer):
     """Makes a TagName and a TagEnd of the first and last token of the tags that need them.
+
+    Refuses a number alone between braces, as it was written for a compiler of C.
 
     White space that the settings for blocks drop is part of `before` and `after`.
     """
@@ -42,7 +49,12 @@ class PlacingLexer(Lexer):
         text = "\n".join(newline_re.split(source)[::2])
         start = end = 0
         tag, placed = "", False
+        opened, number = "", ""
         for line, kind, value in super().tokeniter(source, name, filename, state):
+            if kind == "variable_end" and number and opened + value == "{{}}":
+                raise TemplateSyntaxError(_braces(number), line, name, filename)
+            number = value if kind == "integer" and opened else ""
+            opened = value if kind == "variable_begin" else opened if number else ""
             # Tokens follow each other in the source, but for white space that is stripped.
             start = text.index(value, end)
             end = start + len(value)

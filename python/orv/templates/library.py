@@ -69,6 +69,8 @@ def _shown(value: object) -> str:
 
 
 def _literal(value: object) -> str:
+    if isinstance(value, Collector):
+        return _literal(value._values or [])
     if isinstance(value, dict):
         entries = (f"{_literal(key)}: {_literal(entry)}" for key, entry in value.items())
         return "{" + ", ".join(entries) + "}"

@@ -52,12 +52,13 @@ class Linter:
         environment = self._environment
         source, filename, _ = environment.loader.get_source(environment, name)
         self._labels[name] = positions.template_label(name, filename)
+        tree: nodes.Template | None = None
         try:
-            tree: nodes.Template | None = environment._parse(source, name, filename)
+            tree = environment._parse(source, name, filename)
             environment.compile(source, name, filename, raw=True)
         except TemplateSyntaxError as error:
             self.messages += syntax_messages(error)
-            tree = error.tree if isinstance(error, TemplateMistakes) else None
+            tree = error.tree if isinstance(error, TemplateMistakes) else tree
             for reference in _REFERENCE.findall(source) if tree is None else ():
                 if self._exists(reference, name):
                     self.read(self._joined(reference, name))

@@ -7,12 +7,14 @@ from math import isfinite
 from typing import Any, NoReturn
 
 from jinja2 import Undefined
+from jinja2.runtime import LoopContext
 
 from orv import _native
 from orv.delimiters import printed, tag
 from orv.errors import OrvError
 from orv.files.table import FileView
 from orv.models.element import Element
+from orv.templates.wording import type_words
 
 _PRINTED = (str, int, float, complex, date, time, timedelta, Undefined, FileView, Element)
 
@@ -48,7 +50,7 @@ def require_printable(value: object) -> None:
     if isinstance(value, float) and not isfinite(value):
         raise OrvError(f"the number {value} has no text in C; <math.h> has INFINITY and NAN")
     if not isinstance(value, _PRINTED):
-        raise OrvError(f"a value of type {type(value).__name__} has no text to print{_hint(value)}")
+        raise OrvError(f"{type_words(type(value).__name__)} has no text to print{_hint(value)}")
 
 
 def plain(value: Any) -> Any:
@@ -63,7 +65,7 @@ def _refuse_value(value: object) -> None:
     if isinstance(value, Undefined):
         value._fail_with_undefined_error()
     if not isinstance(value, _PLAIN):
-        raise OrvError(f"a value of type {type(value).__name__} has no text{_hint(value)}")
+        raise OrvError(f"{type_words(type(value).__name__)} has no text{_hint(value)}")
 
 
 def refuse_outside(text: str) -> None:
@@ -92,6 +94,8 @@ def refuse_in_value(what: str, name: str) -> NoReturn:
 
 
 def _hint(value: object) -> str:
+    if isinstance(value, LoopContext):
+        return "; print one of its entries, such as loop.index"
     if callable(value):
         return "; call it with ( )"
     return "; make it a list with |list" if hasattr(value, "__iter__") else ""

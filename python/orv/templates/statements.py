@@ -158,7 +158,7 @@ class Statements:
 
     def _file_name(self, file_type: str) -> str:
         """The name of one of the model's well-known files; empty when it has none."""
-        return self._run.repository.file_name(file_type)
+        return self._run.files.well_known_name(file_type)
 
 
 def _name(name: object) -> str:

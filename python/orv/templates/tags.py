@@ -165,7 +165,7 @@ def _parse_indentation(parser: Parser, tag: Token, names: list[str]) -> dict[str
         name = pair.key.as_const()
         if name not in names:
             hint = did_you_mean(name, names) or "; it has " + " and ".join(names)
-            parser.fail(f'{tag.value} has no option "{name}"{hint}', pair.lineno)
+            complain(parser, f'{tag.value} has no option "{name}"{hint}', pair.lineno)
         given[name] = pair.value
     return given
 

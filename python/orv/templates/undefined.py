@@ -8,14 +8,15 @@ from typing import Any
 
 from jinja2 import Undefined, nodes
 from jinja2.environment import TemplateModule
-from jinja2.runtime import LoopContext
-from jinja2.utils import missing
+from jinja2.runtime import LoopContext, TemplateReference
+from jinja2.utils import Namespace, missing
 
 from orv import _native
 from orv.errors import did_you_mean
 from orv.files.table import ATTRIBUTES, FileView
 from orv.models.element import ENTRIES, Element
 from orv.positions import Step
+from orv.templates.collector import Collector
 from orv.templates.wording import type_words
 
 # The most known names that are listed when none is close.
@@ -25,6 +26,7 @@ _NOT_PROVIDED = re.compile(r"parameter '\w+' was not provided")
 _NOT_EXPORTED = re.compile(
     r"the template '(.*)' \(imported on (?:line (\d+)|.*)\) does not export.*"
 )
+_EMPTY = re.compile(r"No (first|last) item, sequence was empty\.")
 _LOCAL = re.compile(r"l_\d+_(\w+)")
 
 
@@ -50,6 +52,9 @@ def explain(value: Undefined, steps: list[Step]) -> str:
         template = steps[-1].template
         known = _macros(template.environment, exported[1])
         return f'the template "{exported[1]}" has no "{name}" to import{did_you_mean(str(name), known)}'
+    empty = _EMPTY.fullmatch(value._undefined_hint or "")
+    if empty:
+        return f"an empty list has no {empty[1]} value"
     if value._undefined_hint:
         return str(value._undefined_hint)
     if owner is missing:
@@ -70,7 +75,9 @@ def _no_entry(name: object, owner: object) -> str:
     if isinstance(owner, TemplateModule):
         what = f'the template "{owner.__name__}"'
         return f"{what} has no macro {shown}{did_you_mean(str(name), known)}"
-    return f"{type_words(type(owner).__name__)} has no {shown}{did_you_mean(str(name), known)}"
+    what = "block " if isinstance(owner, TemplateReference) else ""
+    hint = did_you_mean(str(name), known)
+    return f"{type_words(type(owner).__name__)} has no {what}{shown}{hint}"
 
 
 def _entries(owner: object) -> list[Any]:
@@ -82,7 +89,11 @@ def _entries(owner: object) -> list[Any]:
         return [*ATTRIBUTES, *_native.SECTION_NAMES, "functions", "sections"]
     if isinstance(owner, TemplateModule):
         return [name for name in vars(owner) if not name.startswith("_")]
-    if isinstance(owner, (str, list, tuple, LoopContext)):
+    if isinstance(owner, Namespace):
+        return list(owner._Namespace__attrs)
+    if isinstance(owner, TemplateReference):
+        return list(owner._TemplateReference__context.blocks)  # type: ignore[attr-defined]
+    if isinstance(owner, (str, list, tuple, LoopContext, Collector)):
         return [name for name in dir(owner) if not name.startswith("_")]
     return []
 

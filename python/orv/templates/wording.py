@@ -6,6 +6,7 @@ import re
 
 from jinja2.runtime import Macro
 
+from orv import _native
 from orv.delimiters import shown, tag
 from orv.errors import did_you_mean
 
@@ -28,6 +29,16 @@ _TYPES = {
     "LoopContext": "a loop",
     "date": "a date",
     "datetime": "a date",
+    "Collector": "a collector",
+    "Namespace": "a namespace",
+    "TemplateReference": "this template",
+    "BlockReference": "a block",
+    "Cycler": "a cycler",
+    "Joiner": "a joiner",
+    "function": "a function",
+    "method": "a method",
+    "builtin_function_or_method": "a method",
+    "generator": "a generator",
 }
 
 _CALL = r"(?:\w+\.)*(?:<locals>\.)?(?:do_|_)?(\w+)\(\) "
@@ -75,7 +86,24 @@ _SENTENCES = [
      'a template may not use "{1}" of {2:t}'),
     (r"(?:float|integer) division or modulo by zero|(?:float )?division by zero|.*modulo by zero",
      "division by zero"),
+    (r"'(\w+)' object has no attribute '(\w+)'", '{1:t} has no "{2}"'),
+    (r"type (\w+) doesn't define __round__ method", "{1:t} cannot be rounded"),
+    (r"'(\w+)' object cannot be interpreted as an integer", "expected a whole number, got {1:t}"),
+    (r"slice indices must be integers .*", "expected whole numbers to cut a text or list by"),
+    (r"must be real number, not (\w+)", "expected a number, got {1:t}"),
+    (r"Unknown format code '(.)' for object of type '(\w+)'", "the format {1} does not take {2:t}"),
+    (r"Replacement index (\d+) out of range .*|tuple index out of range",
+     "there are fewer values than places for them"),
+    (r"must be str or None, not (\w+)", "expected text, got {1:t}"),
+    (r"cannot assign attribute on non-namespace object",
+     "only what namespace() has made can be given attributes"),
+    (r"(\w+)\(\) argument (\d+) must be (\w+), not (\w+)",
+     "argument {2} of {1} must be {3:t}, got {4:t}"),
+    (r"substring not found", "the text does not have it"),
 ]  # fmt: skip
+
+# How the library refuses the name of a section that a template has computed.
+_SECTION = re.compile(r'(there is no section "(.*)"); the sections are .*', re.DOTALL)
 
 _DELIMITERS = (
     "begin of statement block", "end of statement block",
@@ -87,20 +115,26 @@ _WORD = {
 }  # fmt: skip
 
 
-def _hint(error: BaseException, name: str) -> str:
-    """The closest argument, when a macro has none of this name."""
+def _hint(error: BaseException, called: str, name: str) -> str:
+    """The closest argument, when a macro or filter has none of this name."""
     trace = error.__traceback__
-    macro = None
+    macro, environment = None, None
     while trace is not None:
         owner = trace.tb_frame.f_locals.get("self")
-        macro = owner if type(owner) is Macro else macro
+        macro = owner if type(owner) is Macro and owner.name == called else macro
+        environment = trace.tb_frame.f_globals.get("environment", environment)
         trace = trace.tb_next
-    return did_you_mean(name, macro.arguments) if macro is not None else ""
+    if macro is not None:
+        return did_you_mean(name, macro.arguments)
+    function = getattr(environment, "filters", {}).get(called)
+    code = getattr(function, "__code__", None)
+    return did_you_mean(name, code.co_varnames[: code.co_argcount]) if code is not None else ""
 
 
 def type_words(name: str) -> str:
     """What messages call a value of the type with this name."""
-    return _TYPES.get(name.rpartition(".")[2], "a value that templates cannot use like this")
+    name = name.rpartition(".")[2]
+    return _TYPES.get(name, f"a value of type {name}")
 
 
 # How messages of the parser begin with a capital letter.
@@ -110,13 +144,16 @@ _CAPITALS = ("Expected", "Missing", "Unexpected", "Unknown")
 def in_plain_words(error: BaseException) -> str:
     """What is said of an exception that was not written for the person at the keyboard."""
     text = str(error.args[0] if error.args else error)
+    found = _SECTION.fullmatch(text)
+    hint = did_you_mean(found[2], _native.SECTION_NAMES) if found else ""
+    if found and hint:
+        return found[1] + hint
     for pattern, sentence in _SENTENCES:
         found = re.fullmatch(pattern, text, re.DOTALL)
         if found:
             groups = [_Group(group or "") for group in found.groups()]
-            return sentence.format("", *groups, call=tag("call")) + _hint(
-                error, groups[-1] if groups else ""
-            )
+            hint = _hint(error, *groups) if "has no argument" in sentence else ""
+            return sentence.format("", *groups, call=tag("call")) + hint
     if isinstance(error, KeyError):
         return f'there is no entry "{text}"'
     return text or type(error).__name__
@@ -131,6 +168,8 @@ def syntax_words(text: str) -> str:
     )
     text = re.sub(r"^(unexpected char)( .*) at \d+", r"\1acter\2", text, flags=re.DOTALL)
     text = text.replace("expected token ", "expected ").removesuffix(".")
+    if text == "unexpected '}'" and shown()[2].startswith("{"):
+        text += f"; braces of C go between {tag('raw')} and {tag('endraw')}"
     return text[:1].lower() + text[1:] if text.startswith(_CAPITALS) else text
 
 
