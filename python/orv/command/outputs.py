@@ -198,6 +198,8 @@ class Outputs:
         settled = self._settled
         writer = Writer(self._folder, self._run, self._options.file_mode)
         known = [location for files in self._known.runs.values() for location in files]
+        # A run may have been killed before its first file in a new folder was there.
+        known += [os.path.join(made, "") for made in self._known.folders]
         writer.clean(self._files, known)
         if self._state is not None and settled.before.intent:
             self._state.save(settled.before)
