@@ -112,7 +112,7 @@ def test_changed_templates(tmp_path: Path) -> None:
 def test_line_directives(tmp_path: Path) -> None:
     loader = Loader(tmp_path)
     texts: list[str] = []
-    for name, options in (("plain", []), ("directed", ["--line-directives"])):
+    for name, options in {"plain": (), "directed": ("--line-directives",)}.items():
         files = loader.generate(*options, name=name)
         assert (b"#line" in files["gl_loader.c"]) == bool(options)
         source, program = tmp_path / name / "gl_loader.c", tmp_path / name / "context"
