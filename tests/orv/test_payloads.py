@@ -20,7 +20,7 @@ from jinja2 import DictLoader
 
 from orv.errors import Messages, OrvError
 from orv.files.run import Run
-from orv.templates.budget import Budget
+from orv.templates.sandbox.budget import Budget
 from orv.templates.engine import Source, render
 from orv.templates.environment import Environment
 from orv.templates.library import Language

@@ -20,7 +20,7 @@ from orv.files.regions import KnownRegions, Texts, TextsOf, unsettled
 from orv.files.run import Run
 from orv.models.model import build_model, refuse_unknown
 from orv.output.folder import open_folder, texts_on_disk
-from orv.templates.budget import Budget
+from orv.templates.sandbox.budget import Budget
 from orv.templates.engine import mentioned_names, render, source_beside
 from orv.templates.library import Language
 

@@ -68,7 +68,7 @@ class CompiledTemplates(BytecodeCache):
 @cache
 def _compiler() -> tuple[str, ...]:
     """What a template is compiled by."""
-    files = [*sorted(Path(__file__).parent.glob("*.py")), Path(_native.__file__)]
+    files = [*sorted(Path(__file__).parent.rglob("*.py")), Path(_native.__file__)]
     stats = [(str(file), file.stat()) for file in files]
     versions = (sys.implementation.cache_tag, MAGIC_NUMBER.hex(), jinja2.__version__)
     return (

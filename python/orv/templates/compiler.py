@@ -19,7 +19,7 @@ from jinja2 import TemplateSyntaxError, nodes
 from jinja2.compiler import CodeGenerator, Frame, MacroRef
 
 from orv.delimiters import tag
-from orv.templates.depth import TOO_DEEP
+from orv.templates.sandbox.depth import TOO_DEEP
 from orv.templates.printable import outside_text
 
 _NOTHING_OUTSIDE = (

@@ -14,7 +14,7 @@ from orv.delimiters import written_with
 from orv.errors import PLACE, Located, Messages, OrvError, TemplateError
 from orv.files.regions import KnownRegions
 from orv.files.run import Run
-from orv.templates.budget import Budget
+from orv.templates.sandbox.budget import Budget
 from orv.templates.environment import Environment
 from orv.templates.library import Language
 from orv.templates.printable import refuse_outside, text_of
@@ -120,7 +120,7 @@ def _render(
 
 def lint(sources: Sequence[Source], language: Language = Language()) -> list[str]:
     """What is wrong with the templates as far as it can be known without a model, by file and line."""
-    from orv.templates.lint import Linter
+    from orv.templates.mistakes.lint import Linter
 
     run = Run(Messages(), text_of, refuse_outside)
     found: dict[str, None] = {}
@@ -137,7 +137,7 @@ def mentioned_names(
     templates: Iterable[str], modules: Iterable[str], language: Language
 ) -> set[str]:
     """What templates and Python files, given by their paths, may read of a model."""
-    from orv.templates.mentions import names_in_python, names_in_template
+    from orv.templates.mistakes.mentions import names_in_python, names_in_template
 
     run = Run(Messages(), text_of, refuse_outside)
     environment = Environment(run, BaseLoader(), language)
@@ -158,8 +158,8 @@ def _syntax_errors(
     error: TemplateSyntaxError, sources: Sequence[Source], language: Language
 ) -> list[str]:
     """The mistakes of the template that cannot be compiled, and of all others that are named."""
-    from orv.templates.diagnosis import syntax_messages
-    from orv.templates.lint import Linter
+    from orv.templates.mistakes.diagnosis import syntax_messages
+    from orv.templates.mistakes.lint import Linter
 
     found = dict.fromkeys(syntax_messages(error))
     run = Run(Messages(), text_of, refuse_outside)
@@ -177,7 +177,7 @@ def _template_errors(loader: BaseLoader, run: Run, places: Places | None) -> Ite
     except (Located, TemplateError):
         raise
     except Exception as error:
-        from orv.templates.diagnosis import template_error
+        from orv.templates.mistakes.diagnosis import template_error
 
         argument = run.printer.failed_argument
         raise template_error(error, loader, places, argument) from error

@@ -22,8 +22,8 @@ from orv import _native, positions
 from orv.errors import Located, OrvError, did_you_mean
 from orv.files.run import Run
 from orv.models.element import ENTRIES, Element
-from orv.templates import filters, formatting, sizes
-from orv.templates.access import is_allowed
+from orv.templates.sandbox import filters, formatting, sizes
+from orv.templates.sandbox.access import is_allowed
 from orv.templates.bytecode import CompiledTemplates
 from orv.templates.compiler import TemplateCode, compiled
 from orv.templates.library import Language, add_library
@@ -32,7 +32,7 @@ from orv.templates.parser import TemplateParser
 from orv.templates.printable import text_of
 from orv.templates.statements import Statements
 from orv.templates.tags import PackagingTags
-from orv.templates.wording import type_words
+from orv.templates.mistakes.wording import type_words
 
 if TYPE_CHECKING:
     from orv.templates.tracing import Sites

@@ -11,7 +11,7 @@ from jinja2.parser import Parser
 
 from orv.errors import did_you_mean
 from orv.files.table import attribute_mistake
-from orv.templates.depth import TOO_DEEP, TOO_LARGE, too_deep
+from orv.templates.sandbox.depth import TOO_DEEP, TOO_LARGE, too_deep
 
 _TAGS = (
     "block", "call", "extends", "filter", "for", "from", "if", "import", "include", "macro",

@@ -14,7 +14,7 @@ from orv.delimiters import printed, tag
 from orv.errors import OrvError
 from orv.files.table import FileView
 from orv.models.element import Element
-from orv.templates.wording import type_words
+from orv.templates.mistakes.wording import type_words
 
 _PRINTED = (str, int, float, complex, date, time, timedelta, Undefined, FileView, Element)
 

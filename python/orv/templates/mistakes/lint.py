@@ -10,7 +10,7 @@ from jinja2 import TemplateNotFound, TemplateSyntaxError, nodes
 
 from orv import positions
 from orv.errors import OrvError, did_you_mean
-from orv.templates.diagnosis import not_found, syntax_messages
+from orv.templates.mistakes.diagnosis import not_found, syntax_messages
 from orv.templates.parser import TemplateMistakes
 
 # How a template that cannot be parsed is seen to name others.

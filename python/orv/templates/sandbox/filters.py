@@ -12,9 +12,9 @@ from jinja2.utils import htmlsafe_json_dumps
 from markupsafe import Markup
 
 from orv.errors import OrvError
-from orv.templates import sizes
+from orv.templates.sandbox import sizes
 from orv.templates.cfilters import integer
-from orv.templates.formatting import formatted, joined
+from orv.templates.sandbox.formatting import formatted, joined
 from orv.templates.printable import plain, text_of
 
 Filter = Callable[..., Any]

@@ -17,10 +17,10 @@ from orv import positions
 from orv._native import Places
 from orv.errors import OrvError, TemplateError, did_you_mean
 from orv.positions import Position, Step
-from orv.templates import undefined
-from orv.templates.origins import origins
+from orv.templates.mistakes import undefined
+from orv.templates.mistakes.origins import origins
 from orv.templates.parser import TemplateMistakes, unknown_name
-from orv.templates.wording import in_plain_words, syntax_words
+from orv.templates.mistakes.wording import in_plain_words, syntax_words
 
 # The most steps of a chain that are shown at each of its ends.
 _SHOWN = 6

@@ -1,7 +1,7 @@
 """What one operation of a template may make: refused before it starts when it is too large.
 
 Each operation that can make much of little has a prediction here, of characters or elements. What
-many small operations make together is left to the bounds of the run (templates/budget.py).
+many small operations make together is left to the bounds of the run (templates/sandbox/budget.py).
 """
 
 from __future__ import annotations

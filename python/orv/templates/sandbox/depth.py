@@ -7,7 +7,7 @@ from collections.abc import Iterator
 
 from jinja2 import nodes
 
-from orv.templates.sizes import MOST_BITS
+from orv.templates.sandbox.sizes import MOST_BITS
 
 # Python takes 200 brackets within each other, and no more than 20 loops.
 # The most expressions within each other, and tags.

@@ -17,7 +17,7 @@ from orv.files.table import ATTRIBUTES, FileView
 from orv.models.element import ENTRIES, Element
 from orv.positions import Step
 from orv.templates.collector import Collector
-from orv.templates.wording import type_words
+from orv.templates.mistakes.wording import type_words
 
 # The most known names that are listed when none is close.
 _LISTED = 8

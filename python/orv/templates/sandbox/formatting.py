@@ -10,7 +10,7 @@ from jinja2.sandbox import SandboxedFormatter
 
 from orv.files.table import FileView
 from orv.models.element import Element
-from orv.templates import sizes
+from orv.templates.sandbox import sizes
 from orv.templates.printable import plain, require_printable, text_of
 
 

@@ -1,0 +1,1 @@
+"""What is said of the mistakes of templates, when they run and before."""
