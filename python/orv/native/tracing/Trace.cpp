@@ -121,7 +121,7 @@ TracedText Trace::sectionText(int file, Varn::VarnFileSectionKind section, std::
 }
 
 TracedText Trace::includesText(int file, const Varn::IncludesSection& section) const {
-  const std::string base = section.Varn::FileSection::getContent();
+  const std::string& base = section.Varn::FileSection::getContent();
   TracedText text;
   const auto addLine = [&](const std::string& entry) {
     if (entry.empty()) return;
