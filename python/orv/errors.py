@@ -103,3 +103,10 @@ def did_you_mean(name: str, known: Iterable[str]) -> str:
     # Letters that changed places are the most likely mistake.
     match = entries[min(close, key=lambda entry: sorted(entry) != sorted(lower))]
     return f'; did you mean "{match}"?'
+
+
+def value_words(value: object) -> str:
+    """What messages call a value: its text, or its type where that would be an address."""
+    if value is None or isinstance(value, (str, int, float)):
+        return repr(value)
+    return f"a value of type {type(value).__name__}"

@@ -9,6 +9,7 @@ from __future__ import annotations
 import contextlib
 import ctypes
 import errno
+import functools
 import math
 import os
 import random
@@ -21,7 +22,9 @@ import time
 import traceback
 from collections.abc import Callable, Iterator
 from pathlib import Path
+from typing import Any
 
+from orv.command import outputs
 from orv.command.main import main
 
 # A library that counts calls, and what arms it; see faults.cpp.
@@ -194,6 +197,25 @@ def calls_of_a_run(folder: Path) -> int:
     return low - 1
 
 
+@functools.cache
+def _calls_until_opened(folder: Path) -> int:
+    """How many calls that use the disk a run makes until it has opened the output folder."""
+
+    def note_opening() -> None:
+        opening = vars(outputs)["open_folder"]
+
+        def open_folder(*arguments: Any) -> Any:
+            opened = opening(*arguments)
+            (folder / "opened").write_text(str(_LAYER.faults_calls()))
+            return opened
+
+        vars(outputs)["open_folder"] = open_folder
+        _arm(2**30, False, 0, 0, None, None, None)
+
+    Project(folder).run("new", note_opening)
+    return int((folder / "opened").read_text())
+
+
 def failing_call(folder: Path, case: int, chance: random.Random) -> None:
     failing = arm(_call(folder, case), error=chance.choice(ERRORS))
     project = Project(folder)
@@ -228,8 +250,8 @@ def swapped_folder(folder: Path, case: int, chance: random.Random) -> None:
     target = "outside" if swapped == "out" else "../outside"
     names = [os.fsencode(name) for name in (swapped, "moved", target)]
     if swapped == "out":
-        # The folder that a user names may be a link: it is the next run that follows it.
-        call = max(call, _calls[folder] // 3)
+        # The folder that a user names may be a link: a run that begins with one follows it.
+        call = max(call, _calls_until_opened(folder) + 1)
     outcome = project.run("new", lambda: _arm(call, False, 0, 0, *names))
     project.check_outside()
     if outcome.code == 0 and not (folder / "moved").exists():

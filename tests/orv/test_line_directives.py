@@ -10,6 +10,8 @@ from conftest import Command
 
 from orv import trace as tracing
 
+# A sanitizer that is preloaded into the tests would keep the debugger waiting.
+DEBUGGER = ("env", "--unset=LD_PRELOAD", "gdb", "-batch", "-nx")
 COMPILE = ["cc", "-std=c99", "-pedantic", "-Wall", "-Wextra", "-Werror", "-g"]
 GENERATE = ["generate", "a.j2", "--out", "o", "--line-directives"]
 
@@ -126,7 +128,7 @@ def test_output(orv: Command, tmp_path: Path) -> None:
         "a.c:40": 'puts("more',
     }.items():
         said = subprocess.run(
-            ["gdb", "-batch", "-nx", "-ex", f"break {place}", "-ex", "run", "a"],
+            [*DEBUGGER, "-ex", f"break {place}", "-ex", "run", "a"],
             cwd=file.parent, capture_output=True, text=True, check=True,
         ).stdout  # fmt: skip
         assert line in said

@@ -7,7 +7,7 @@ from dataclasses import dataclass, field
 
 from orv import _native
 from orv.delimiters import tag
-from orv.errors import Messages, OrvError, OutputError, did_you_mean
+from orv.errors import Messages, OrvError, OutputError, did_you_mean, value_words
 from orv.positions import Position, here
 
 # The kinds of files that are named by the model's table of names, with the type of name.
@@ -204,7 +204,7 @@ class FileTable:
         if kind is not None and kind in _NAMED_BY_TABLE:
             name = self._name_from_table(name, kind)
         if not isinstance(name, str) or not name:
-            raise OrvError(f"expected a file name, got {name!r}")
+            raise OrvError(f"expected a file name, got {value_words(name)}")
         return self._named(name, kind)
 
     def set_attributes(self, file: int, attributes: Mapping[str, object]) -> None:
@@ -394,13 +394,13 @@ class FileTable:
 
 def _text(name: str, value: object) -> str:
     if not isinstance(value, str):
-        raise OrvError(f"the value of {name} must be text, not {value!r}")
+        raise OrvError(f"the value of {name} must be text, not {value_words(value)}")
     return value
 
 
 def _flag(name: str, value: object) -> bool:
     if not isinstance(value, bool):
-        raise OrvError(f"the value of {name} must be true or false, not {value!r}")
+        raise OrvError(f"the value of {name} must be true or false, not {value_words(value)}")
     return value
 
 
@@ -409,6 +409,6 @@ def _module_indices(arguments: Sequence[object]) -> tuple[int, ...]:
     for argument in arguments:
         for index in argument if isinstance(argument, (list, tuple)) else [argument]:
             if not isinstance(index, int) or isinstance(index, bool) or abs(index) >= 2**31:
-                raise OrvError(f"a module index is a whole number, not {index!r}")
+                raise OrvError(f"a module index is a whole number, not {value_words(index)}")
             indices.append(index)
     return tuple(indices)

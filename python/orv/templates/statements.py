@@ -7,7 +7,7 @@ from typing import NoReturn
 
 from orv import _native
 from orv.delimiters import tag as as_tag
-from orv.errors import OrvError
+from orv.errors import OrvError, value_words
 from orv.files.run import Run
 from orv.files.table import FileView
 from orv.templates.printable import outside_text, text_of, refuse_in_value
@@ -91,7 +91,7 @@ class Statements:
     def user(self, id: object, blanks: str) -> None:
         """Begin a user region, with markers that are indented by `blanks`."""
         if not isinstance(id, str):
-            raise OrvError(f"expected the identifier of a user region, got {id!r}")
+            raise OrvError(f"expected the identifier of a user region, got {value_words(id)}")
         printer = self._printer
         kind = printer.destination
         if kind == "outside":
@@ -107,7 +107,7 @@ class Statements:
     def _user_text(self, id: object, target: object = None) -> str:
         """The text that a user region will have."""
         if not isinstance(id, str):
-            raise OrvError(f"expected the identifier of a user region, got {id!r}")
+            raise OrvError(f"expected the identifier of a user region, got {value_words(id)}")
         return self._run.regions.text(self._printer.target(target), id)
 
     def indent(self, indentation: object, directives: object) -> None:
@@ -163,7 +163,7 @@ class Statements:
 
 def _name(name: object) -> str:
     if not isinstance(name, str) or not name:
-        raise OrvError(f"expected the name of a custom section, got {name!r}")
+        raise OrvError(f"expected the name of a custom section, got {value_words(name)}")
     return name
 
 
@@ -174,13 +174,13 @@ def _blanks(indentation: object) -> str:
         return indentation
     raise OrvError(
         f"an indentation is a number of blanks, up to {_native.LONGEST_INDENTATION}, or a text of"
-        f" blanks and tabs, not {indentation!r}"
+        f" blanks and tabs, not {value_words(indentation)}"
     )
 
 
 def _flag(name: str, value: object) -> bool:
     if not isinstance(value, bool):
-        raise OrvError(f"the value of {name} must be true or false, not {value!r}")
+        raise OrvError(f"the value of {name} must be true or false, not {value_words(value)}")
     return value
 
 
@@ -192,7 +192,7 @@ def _headers(entries: Sequence[object]) -> Iterator[str]:
 
 def _header(header: object) -> str:
     if not isinstance(header, str) or not header or "\n" in header:
-        raise OrvError(f"a header is a text of one line, not {header!r}")
+        raise OrvError(f"a header is a text of one line, not {value_words(header)}")
     if '"' in header:
         raise OrvError(f"the header {header} is written without quotes, or as <{header[1:-1]}>")
     if header.startswith("<") != header.endswith(">") or header == "<>":
