@@ -36,8 +36,9 @@ def carry_out(name: str, seconds: float) -> dict[str, int | str]:
             except Exception as error:
                 failed += 1
                 if failed <= _SAID:
-                    text = f"{type(error).__name__}: {error}"
-                    print(f"{name}, case {cases}: {text}", file=sys.stderr, flush=True)
+                    for found in getattr(error, "exceptions", [error]):
+                        text = f"{type(found).__name__}: {found}"
+                        print(f"{name}, case {cases}: {text}", file=sys.stderr, flush=True)
             cases += 1
     return {"cases": cases, "failed": failed}
 

@@ -10,6 +10,7 @@ gives, and `concat`, which Jinja2 calls with it, is `printer.leave`.
 from __future__ import annotations
 
 import re
+import warnings
 from collections.abc import Iterable, Iterator
 from contextlib import contextmanager
 from types import CodeType
@@ -327,7 +328,10 @@ def compiled(source: str, filename: str) -> CodeType:
     Raises TemplateSyntaxError where it is nested too deeply for Python, or names an argument twice.
     """
     try:
-        code: CodeType = compile(source, filename, "exec")
+        with warnings.catch_warnings():
+            # Of what fails when it runs, with the template's line.
+            warnings.simplefilter("ignore", SyntaxWarning)
+            code: CodeType = compile(source, filename, "exec")
         return code
     except (SyntaxError, RecursionError) as error:
         written = _LINES.findall(source)[-1].split("&")

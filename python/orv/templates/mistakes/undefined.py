@@ -12,7 +12,7 @@ from jinja2.runtime import LoopContext, TemplateReference
 from jinja2.utils import Namespace, missing
 
 from orv import _native
-from orv.errors import did_you_mean
+from orv.errors import did_you_mean, value_words
 from orv.files.table import ATTRIBUTES, FileView
 from orv.models.element import ENTRIES, Element
 from orv.positions import Step
@@ -59,12 +59,18 @@ def explain(value: Undefined, steps: list[Step]) -> str:
         return str(value._undefined_hint)
     if owner is missing:
         return f"'{name}' is undefined" + did_you_mean(str(name), sorted(_names(steps)))
-    return _no_entry(name, owner)
+    named: object = name
+    if isinstance(named, Undefined):
+        return explain(named, steps)
+    return _no_entry(named, owner)
 
 
 def _no_entry(name: object, owner: object) -> str:
     if isinstance(owner, (list, tuple)) and isinstance(name, int):
         return f"there is no entry {name} in a list of {len(owner)}"
+    if not isinstance(name, (str, int, float)):
+        where = type_words(type(owner).__name__)
+        return f"there is no entry for {value_words(name)} in {where}"
     shown = f'"{name}"'
     known = [entry for entry in _entries(owner) if isinstance(entry, str)]
     if isinstance(owner, dict):
