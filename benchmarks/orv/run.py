@@ -2,9 +2,9 @@
 
     PYTHONPATH=build/bench/python python3 benchmarks/orv/run.py [--rounds N] [GROUP...]
 
-GROUP is tables, loaders, start, growth, again or engine; all of them when left out. Each ratio is of medians
-over N alternating rounds (7 by default) on one machine in one run. Time is user and system time of
-whole processes, except for `engine`; memory is the largest resident size.
+GROUP is one of those that `--help` lists; all of them when left out. Each ratio is of medians over
+N alternating rounds (7 by default) on one machine in one run. Time is user and system time of whole
+processes, except for `engine`; memory is the largest resident size.
 """
 
 from __future__ import annotations

@@ -1,4 +1,4 @@
-"""One table of many rows: orv beside plain Jinja2 and Mako, whole processes that write the same bytes."""
+"""One table of many rows: orv, plain Jinja2 and Mako, whole processes that write the same bytes."""
 
 from __future__ import annotations
 

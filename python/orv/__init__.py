@@ -1,8 +1,8 @@
 """A template engine that packages generated C text into files, section by section.
 
-`read_model`, `render`, `plan` and `write` are what the command does, for other programs; help(orv.interface)
-shows an example. Every failure is an OrvError. `filter`, `test`, `function`, `prepare` and `depends`
-are for extensions; see orv.extensions.
+`read_model`, `render`, `plan` and `write` are what the command does, for other programs;
+help(orv.interface) shows an example. Every failure is an OrvError. `filter`, `test`, `function`,
+`prepare` and `depends` are for extensions; see orv.extensions.
 """
 
 from __future__ import annotations

@@ -42,7 +42,7 @@ class Cache:
         return kept if blake2b(kept, digest_size=_DIGEST).digest() == digest else None
 
     def put(self, key: str, data: bytes) -> None:
-        """Keep the bytes under the key; entries that were not used for a long time are removed."""
+        """Keep the bytes under the key."""
         with suppress(OSError):
             self._folder.mkdir(mode=0o700, parents=True, exist_ok=True)
             if not self._is_usable():
@@ -60,7 +60,7 @@ class Cache:
                     os.unlink(entry)
 
     def _is_usable(self) -> bool:
-        """Whether the folder is the user's own and closed to others; looked at once."""
+        """Whether the folder is the user's own and closed to others. Checked until it is."""
         if not self._is_private:
             with suppress(OSError):
                 found = os.stat(self._folder)

@@ -14,8 +14,8 @@ from orv.pythonfiles import failure, surroundings_kept
 
 def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
     """Run a script with the names `repo`, the repository as a host handle, `Varn`, the package of
-    its classes, `model` and `depends`. Text that it hands over ends at its first NUL character, as C's does.
-    Raises ScriptError, whose text begins with the script's line.
+    its classes, `model` and `depends`. Text that it hands over ends at its first NUL character, as
+    C's does. Raises ScriptError, whose text begins with the script's line.
     """
     names = _host_names(run) | {"model": model, "depends": depends}
     known = len(run.repository)

@@ -19,8 +19,7 @@ class Run:
 
     The parts do the work: `files` declares and selects, `printer` takes text, `custom` knows the
     custom sections, `regions` the user regions, with what is `known` of them, `trace` where text
-    comes from, in a run that is traced. `step` is called each
-    time a template opens a file.
+    comes from, in a run that is traced. `step` is called each time a template opens a file.
     """
 
     def __init__(

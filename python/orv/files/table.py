@@ -137,8 +137,13 @@ class FileTable:
 
     def place(self, file: int) -> str:
         """Where the file was declared, as messages begin with it: empty when that is not known."""
+        position = self.position(file)
+        return f"{position}: " if position else ""
+
+    def position(self, file: int) -> str:
+        """Where a template declared the file; empty when none did."""
         record = self._records.get(file)
-        return f"{record.declared}: " if record is not None else ""
+        return str(record.declared) if record is not None else ""
 
     def disk_name(self, file: int) -> str:
         """The name that the file is written under, or nothing when it has none.

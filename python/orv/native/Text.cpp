@@ -33,4 +33,10 @@ py::str toPython(std::string_view text) {
   return py::reinterpret_steal<py::str>(decoded);
 }
 
+std::string bytesOf(const py::str& text) {
+  PyObject* bytes = PyUnicode_AsEncodedString(text.ptr(), "utf-8", "surrogateescape");
+  if (bytes == nullptr) throw py::error_already_set();
+  return py::reinterpret_steal<py::bytes>(bytes);
+}
+
 }  // namespace orv

@@ -21,6 +21,10 @@ std::string textArgument(pybind11::handle text, const char* what);
 // Python's own file names.
 pybind11::str toPython(std::string_view text);
 
+// The bytes that toPython() makes this text of. Throws pybind11::error_already_set for a text with
+// other lone surrogates.
+std::string bytesOf(const pybind11::str& text);
+
 }  // namespace orv
 
 #endif

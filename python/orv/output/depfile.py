@@ -12,7 +12,8 @@ def depfile(target: str, sources: Iterable[str]) -> bytes:
     """One rule without commands: the target depends on the sources, which are sorted.
 
     The paths of the sources are absolute if the target is, for a build system that has another
-    working directory. Raises OutputError for a path with a control character, which the rule cannot hold.
+    working directory. Raises OutputError for a path with a control character, which the
+    rule cannot hold.
     """
     if os.path.isabs(target):
         sources = map(os.path.abspath, sources)

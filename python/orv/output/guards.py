@@ -34,10 +34,10 @@ def _wants_guard(run: Run, file: PlannedFile) -> bool:
 
 
 def _report_same(guard: str, file: PlannedFile, other: PlannedFile, run: Run) -> None:
-    declared = run.files.place(other.index).removesuffix(": ")
+    declared = run.files.position(other.index)
     where = f", declared at {declared}," if declared else ""
     run.messages.warn(
         f'"{file.path}" has the guard {guard}, as "{other.path}"{where} has; whoever includes both'
         " gets one of them",
-        run.files.place(file.index).removesuffix(": ") or None,
+        run.files.position(file.index) or None,
     )

@@ -9,7 +9,7 @@ if TYPE_CHECKING:
 
 
 class Layout(NamedTuple):
-    """What a run wants: blank lines between sections, a formatter, guards of headers, #line directives.
+    """What a run wants: blank lines between sections, a formatter, guards, #line directives.
 
     The formatter takes the files whose attribute Indent is true, or every file. `guard` is "pragma",
     a macro with {PATH} in it, or empty for none. `line_directives` is what the names of templates

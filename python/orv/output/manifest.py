@@ -17,7 +17,8 @@ def manifest(run: Run, files: Iterable[PlannedFile]) -> bytes:
     """A JSON text: the model's name and every file of the run, sorted by path.
 
     Of each file: its path, whether it is empty, its class, attributes, size in bytes, the sizes of
-    its sections that have text as they were before a formatter ran, the names of its functions and what it includes.
+    its sections that have text as they were before a formatter ran, the names of its functions and
+    what it includes.
     """
     entries = [_entry(run, file) for file in files]
     entries.sort(key=lambda entry: str(entry["path"]))

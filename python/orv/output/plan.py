@@ -44,8 +44,9 @@ class PlannedFile:
     the composed text.
 
     `regions` are the user regions of the file as it is composed and formatted, between `markers`,
-    and `kept` those on the disk, between `old_markers`. `merged` is the text with what is kept of them. `texts` are those
-    that are kept, by identifier, in a file that is not the same; `returns` says that the line ends of the file are CR LF.
+    and `kept` those on the disk, between `old_markers`. `merged` is the text with what is kept of
+    them. `texts` are those that are kept, by identifier, in a file that is not the same; `returns`
+    says that the line ends of the file are CR LF.
     """
 
     index: int
@@ -158,8 +159,9 @@ def plan(
 ) -> Plan:
     """Work out what has to be written, in the order of the repository. Changes nothing.
 
-    `old_markers` has the markers of files on the disk that may have others, by location. Paths that differ only in letter case are warned about. Raises OutputError, with the file and
-    where it was declared, when a file cannot go where it belongs.
+    `old_markers` has the markers of files on the disk that may have others, by location. Paths that
+    differ only in letter case are warned about. Raises OutputError, with the file and where it was
+    declared, when a file cannot go where it belongs.
     """
     planned = Plan(folder, old_markers)
     folded: dict[str, PlannedFile] = {}
@@ -322,7 +324,7 @@ def _located(run: Run, index: int, error: OutputError) -> OutputError:
 def _claim(location: str, index: int, owners: dict[str, int], run: Run) -> None:
     if location in owners:
         other = owners[location]
-        place = run.files.place(other).removesuffix(": ")
+        place = run.files.position(other)
         where = f", declared at {place}," if place else ""
         raise OutputError(f"the file {run.files.label(other)}{where} is written to the same path")
     owners[location] = index
@@ -331,12 +333,12 @@ def _claim(location: str, index: int, owners: dict[str, int], run: Run) -> None:
 def _report_clash(file: PlannedFile, other: PlannedFile, run: Run) -> None:
     if file.path == other.path or _names_clash(file, other, run):
         return
-    declared = run.files.place(other.index).removesuffix(": ")
+    declared = run.files.position(other.index)
     where = f", declared at {declared}" if declared else ""
     run.messages.warn(
         f'the path "{file.path}" differs only in letter case from "{other.path}"{where};'
         " some file systems cannot hold both",
-        run.files.place(file.index).removesuffix(": ") or None,
+        run.files.position(file.index) or None,
     )
 
 

@@ -30,11 +30,6 @@ class CollectorPause {
   bool wasEnabled_;
 };
 
-// The bytes of a file's name, which toPython() makes the same name of again.
-std::string labelOf(const py::str& label) {
-  return label.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
-}
-
 std::string messageOf(const std::string& label, Location location, const std::string& reason) {
   if (label.empty()) return reason;
   std::string message = label;
@@ -98,7 +93,7 @@ py::object readValue(const std::string& format, std::string_view data, const std
 py::tuple readModel(const std::string& format, const py::bytes& data, const py::str& name,
                     Places* places) {
   const CollectorPause pause;
-  const std::string label = labelOf(name);
+  const std::string label = bytesOf(name);
   ModelRemarks warnings;
   py::object model =
       readValue(format, static_cast<std::string_view>(data), label, places, warnings);
@@ -131,7 +126,7 @@ py::object pathOf(const Places& places, const py::object& container, const py::o
 }
 
 void note(Places& places, const py::dict& values, const py::str& label) {
-  places.note(values, {places.addFile(labelOf(label)), 0});
+  places.note(values, {places.addFile(bytesOf(label)), 0});
 }
 
 void bindElements(py::module_& module) {

@@ -208,7 +208,7 @@ bool dropsBlankLine(std::string_view written, std::string_view text, bool blankL
          (written.empty() || (blankLines && endsWithBlankLine(written)));
 }
 
-// Writes the sections of one file and what stands around them.
+// Writes the sections of one file, with the guard and the linkage around them.
 class FileWriter {
  public:
   FileWriter(PackagedFiles& files, int index, const Composition& composition)

@@ -34,7 +34,7 @@ ComposedFile composeFile(PackagedFiles& files, int index, const py::object& orde
   composition.blankLines = blankLines;
   composition.guarded = guarded;
   composition.guardForm = textArgument(guardForm, "the form of guards");
-  composition.path = path.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
+  composition.path = bytesOf(path);
   composition.externC = externC;
   return compose(files, index, composition);
 }
@@ -72,11 +72,6 @@ py::tuple tracedTables(const TracedText& traced) {
   return py::make_tuple(traced.ranges.text(), spans);
 }
 
-// The bytes of a path.
-std::string labelOf(const py::str& path) {
-  return path.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
-}
-
 py::tuple traced(const ComposedFile& file, Trace& trace, const py::object& formatted,
                  const std::vector<Region>& regions, const std::map<std::string, py::bytes>& texts,
                  const py::object& merged) {
@@ -106,13 +101,13 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
       .def("with_line_directives", [](const ComposedFile& file, const Trace& trace,
                                       const py::function& name, const py::str& own) {
         const auto nameOf = [&](const std::string& template_) {
-          return labelOf(name(toPython(template_)));
+          return bytesOf(name(toPython(template_)));
         };
-        return withLineDirectives(file, trace, nameOf, labelOf(own));
+        return withLineDirectives(file, trace, nameOf, bytesOf(own));
       });
   module.def("renumbered",
              [](const py::object& data, const std::vector<Region>& regions, const py::str& own) {
-               return py::bytes(renumbered(Bytes(data).view(), regions, labelOf(own)));
+               return py::bytes(renumbered(Bytes(data).view(), regions, bytesOf(own)));
              });
   repository
       .def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none(),

@@ -1,5 +1,6 @@
 #include "python/orv/native/output/LineDirectives.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <new>
@@ -107,6 +108,12 @@ struct SourceLine {
   std::size_t line;
 };
 
+// A directive: where it is put, and the size of all up to it and with it.
+struct Insertion {
+  std::size_t offset;
+  std::size_t added;
+};
+
 bool isBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == text.npos; }
 
 std::string quoted(const std::string& name) {
@@ -197,7 +204,8 @@ class DirectiveWriter {
     const std::string& name = source.file ? nameOf(*source.file) : own_;
     const std::string line =
         std::string(directive) + std::to_string(expected_->line) + ' ' + quoted(name) + '\n';
-    insertions_.emplace_back(offset, line.size());
+    const std::size_t before = insertions_.empty() ? 0 : insertions_.back().added;
+    insertions_.push_back({offset, before + line.size()});
     traced_.ranges.append(line.size(), Trace::ownOrigin(Trace::Kind::directive));
     text_ += line;
   }
@@ -208,13 +216,12 @@ class DirectiveWriter {
     return known;
   }
 
+  // Where what was at an offset is now, behind the directives that are in front of it.
   std::size_t moved(std::size_t offset) const {
-    std::size_t added = 0;
-    for (const auto& [at, size] : insertions_) {
-      if (at >= offset) break;
-      added += size;
-    }
-    return offset + added;
+    const auto next = std::lower_bound(
+        insertions_.begin(), insertions_.end(), offset,
+        [](const Insertion& insertion, std::size_t wanted) { return insertion.offset < wanted; });
+    return next == insertions_.begin() ? offset : offset + (next - 1)->added;
   }
 
   ComposedFile finish() {
@@ -247,7 +254,7 @@ class DirectiveWriter {
   std::optional<SourceLine> expected_;
   std::string text_;
   TracedText traced_;
-  std::vector<std::pair<std::size_t, std::size_t>> insertions_;
+  std::vector<Insertion> insertions_;
   std::map<std::uint32_t, std::string> known_;
 };
 

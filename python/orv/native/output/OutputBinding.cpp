@@ -34,13 +34,6 @@ py::object fromSystem(const std::string& path) {
   return py::reinterpret_steal<py::object>(text);
 }
 
-// A path below the folder: its bytes are UTF-8 whatever the locale.
-std::string pathBelow(const py::str& path) {
-  PyObject* bytes = PyUnicode_AsEncodedString(path.ptr(), "utf-8", "surrogateescape");
-  if (bytes == nullptr) throw py::error_already_set();
-  return py::reinterpret_steal<py::bytes>(bytes);
-}
-
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the type that pybind11 requires
 void translateOutputErrors(std::exception_ptr error) {
   try {
@@ -56,7 +49,7 @@ void translateOutputErrors(std::exception_ptr error) {
 }
 
 py::object readFile(const OutputFolder& folder, const py::str& location) {
-  const std::optional<std::string> bytes = folder.read(pathBelow(location));
+  const std::optional<std::string> bytes = folder.read(bytesOf(location));
   if (!bytes) return py::none();
   return py::bytes(*bytes);
 }
@@ -64,7 +57,7 @@ py::object readFile(const OutputFolder& folder, const py::str& location) {
 OutputFolder::Comparison compare(const OutputFolder& folder, const py::str& location,
                                  const py::object& data, const std::vector<Region>& regions,
                                  const Markers* markers) {
-  const std::string path = pathBelow(location);
+  const std::string path = bytesOf(location);
   try {
     return folder.compare(path, Bytes(data).view(), regions, markers);
   } catch (const RegionDamage& damage) {
@@ -89,30 +82,30 @@ void bindFolder(py::module_& module) {
       .def("create", &OutputFolder::create)
       .def("lock", &OutputFolder::lock)
       .def("locate", [](OutputFolder& folder,
-                        const py::str& path) { return toPython(folder.locate(pathBelow(path))); })
+                        const py::str& path) { return toPython(folder.locate(bytesOf(path))); })
       .def("compare", &compare, py::arg("location"), py::arg("data"),
            py::arg("regions") = std::vector<Region>(), py::arg("markers") = py::none())
       .def("read", &readFile)
       .def("has_folder",
            [](const OutputFolder& folder, const py::str& location) {
-             return folder.hasFolder(pathBelow(location));
+             return folder.hasFolder(bytesOf(location));
            })
       .def("replace",
            [](OutputFolder& folder, const py::str& location, const py::object& data,
               std::optional<mode_t> mode) {
-             folder.replace(pathBelow(location), Bytes(data).view(), mode);
+             folder.replace(bytesOf(location), Bytes(data).view(), mode);
            })
       .def("set_mode", [](const OutputFolder& folder, const py::str& location,
-                          mode_t mode) { folder.setMode(pathBelow(location), mode); })
-      .def("remove", [](OutputFolder& folder,
-                        const py::str& location) { folder.remove(pathBelow(location)); })
+                          mode_t mode) { folder.setMode(bytesOf(location), mode); })
+      .def("remove",
+           [](OutputFolder& folder, const py::str& location) { folder.remove(bytesOf(location)); })
       .def("remove_folder",
            [](OutputFolder& folder, const py::str& location) {
-             return folder.removeFolder(pathBelow(location));
+             return folder.removeFolder(bytesOf(location));
            })
       .def("remove_abandoned",
            [](const OutputFolder& folder, const py::str& location) {
-             folder.removeAbandoned(pathBelow(location));
+             folder.removeAbandoned(bytesOf(location));
            })
       .def("sync", &OutputFolder::sync);
 }
@@ -146,7 +139,7 @@ void bindOutput(py::module_& module) {
   bindComparison(module);
   bindFolder(module);
   module.def("output_path", [](const py::str& directory, const py::str& name) {
-    return toPython(outputPath(pathBelow(directory), pathBelow(name)));
+    return toPython(outputPath(bytesOf(directory), bytesOf(name)));
   });
 }
 

@@ -15,13 +15,6 @@ namespace {
 
 namespace py = pybind11;
 
-// Identifiers are UTF-8; those of old files may hold any bytes.
-std::string idOf(const py::str& id) {
-  PyObject* bytes = PyUnicode_AsEncodedString(id.ptr(), "utf-8", "surrogateescape");
-  if (bytes == nullptr) throw py::error_already_set();
-  return py::reinterpret_steal<py::bytes>(bytes);
-}
-
 std::vector<Region> find(const Markers& markers, const py::object& data) {
   try {
     return markers.find(Bytes(data).view());
@@ -68,7 +61,7 @@ void bindRegions(py::module_& module) {
                              [](const Markers& markers) { return toPython(markers.pattern()); })
       .def("lines",
            [](const Markers& markers, const py::str& id) {
-             const std::string written = idOf(id);
+             const std::string written = bytesOf(id);
              return py::make_tuple(toPython(markers.beginning(written)),
                                    toPython(markers.ending(written)));
            })

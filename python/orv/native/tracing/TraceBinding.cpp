@@ -27,11 +27,6 @@ Trace::Kind kindOf(const std::string& name) {
   throw py::value_error("there is no kind of site \"" + name + "\"");
 }
 
-// A file's name as its bytes, which toPython() makes the same name of again.
-std::string labelOf(const py::str& label) {
-  return label.attr("encode")("utf-8", "surrogateescape").cast<std::string>();
-}
-
 py::list stringsOf(const Strings& strings) {
   py::list texts;
   for (const std::string* text : strings.all()) texts.append(toPython(*text));
@@ -104,16 +99,16 @@ void bindTrace(py::module_& module, RepositoryClass& repository) {
   py::class_<Trace, std::shared_ptr<Trace>>(module, "Trace")
       .def("add_site",
            [](Trace& trace, const std::string& kind, const py::str& file, std::uint32_t line) {
-             return trace.addSite({kindOf(kind), trace.strings().number(labelOf(file)), line});
+             return trace.addSite({kindOf(kind), trace.strings().number(bytesOf(file)), line});
            })
       .def("add_label",
            [](Trace& trace, const py::str& kind, const py::str& name) {
              Strings& strings = trace.strings();
-             const std::uint32_t number = strings.number(labelOf(kind));
-             return trace.links().addLabel({number, strings.number(labelOf(name))});
+             const std::uint32_t number = strings.number(bytesOf(kind));
+             return trace.links().addLabel({number, strings.number(bytesOf(name))});
            })
       .def("ask", [](Trace& trace, int file, const py::str& header,
-                     std::uint32_t site) { trace.ask(file, labelOf(header), site); })
+                     std::uint32_t site) { trace.ask(file, bytesOf(header), site); })
       .def_property_readonly("depth", [](Trace& trace) { return trace.links().depth(); })
       .def("leave_to", [](Trace& trace, std::size_t depth) { trace.links().leaveTo(depth); })
       .def("tables", &tablesOf);
@@ -126,7 +121,7 @@ void bindTrace(py::module_& module, RepositoryClass& repository) {
       .def("adopt_script", [](PackagedFiles& files, const py::str& script) {
         if (!files.trace) return;
         Trace& trace = *files.trace;
-        const std::uint32_t label = trace.strings().number(labelOf(script));
+        const std::uint32_t label = trace.strings().number(bytesOf(script));
         trace.adopt(files, trace.addSite({Trace::Kind::script, label, 0}));
       });
   py::tuple kinds(std::size(kindNames));

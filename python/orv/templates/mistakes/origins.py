@@ -43,7 +43,8 @@ def origins(step: Step, places: Places, argument: int, owner: object = missing) 
     """The values that the failing part of the step reads from the model: `v[1].t (m.json:7)`.
 
     The step's code is made again and the part found by the columns that Python keeps for each
-    instruction. `argument` is the one that could not be printed, or -1. Only `owner` is named if it is given.
+    instruction. `argument` is the one that could not be printed, or -1. Only `owner` is named if it
+    is given.
     """
     part = _failing_part(step)
     if part is None:

@@ -1,4 +1,4 @@
-"""Jinja2's filters as templates have them: with bounds, and with texts that each run prints alike."""
+"""Jinja2's filters as templates have them: with bounds, and with the same texts in each run."""
 
 from __future__ import annotations
 
@@ -158,7 +158,7 @@ def _striptags(value: object) -> str:
 
 
 def _without(text: str, begin: str, end: str) -> str:
-    """The text without all that stands between the two, in time linear in the text."""
+    """The text without all that is between the two, in time linear in the text."""
     kept: list[str] = []
     at = 0
     while (start := text.find(begin, at)) >= 0 and (stop := text.find(end, start)) >= 0:

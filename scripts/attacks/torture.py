@@ -18,7 +18,7 @@ from pathlib import Path
 import attack
 
 HERE = Path(__file__).parent
-CORPUS = HERE.parent / "fuzz/corpus"
+CORPUS = HERE.parents[1] / "tests/fuzz/corpus"
 
 Result = dict[str, int | str]
 # A process with the files that take what it prints and what it says, and how to read them.
