@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import os
 import shutil
+import time
 from collections.abc import Callable
 from pathlib import Path
 from typing import NamedTuple
@@ -288,10 +289,14 @@ def test_patterns_of_markers() -> None:
 def test_what_is_written_during_a_run_is_not_written_over(tmp_path: Path) -> None:
     for name in ("old.c", "gone.c"):
         (tmp_path / name).write_text("1\n")
+        os.utime(tmp_path / name, (1, 1))
     folder = open_folder(str(tmp_path))
     for name in ("old.c", "new.c", "gone.c"):
         folder.compare(name, b"2\n")
-        (tmp_path / name).write_text("mine\n")
+    time.sleep(0.02)
+    # As long as before, with the time that they had.
+    for name in ("old.c", "new.c", "gone.c"):
+        (tmp_path / name).write_text("X\n")
         os.utime(tmp_path / name, (1, 1))
     for name in ("old.c", "new.c"):
         with pytest.raises(OutputError, match=f"{name} was changed while the run was at work"):
@@ -299,7 +304,7 @@ def test_what_is_written_during_a_run_is_not_written_over(tmp_path: Path) -> Non
     with pytest.raises(OutputError, match="gone.c was changed while the run was at work"):
         folder.remove("gone.c")
     folder.compare("old.c", b"2\n")
-    for text in ("mine\n", "3\n"):
+    for text in ("X\n", "3\n"):
         assert (tmp_path / "old.c").read_text() == text
         folder.replace("old.c", b"3\n", None)
 

@@ -188,7 +188,7 @@ std::optional<std::string> OutputFolder::read(const std::string& location) const
   compared_[location] = std::nullopt;
   if (!file) return std::nullopt;
   const Status status = statusOf(file, location);
-  compared_[location] = status.st_mtim;
+  compared_[location] = versionOf(status);
   requireKind(location, status.st_mode, Wanted::file);
   return readAll(file, location, status);
 }
@@ -224,14 +224,20 @@ OutputFolder::Comparison OutputFolder::compare(const std::string& location, std:
   return result;
 }
 
+OutputFolder::Version OutputFolder::versionOf(const Status& status) {
+  return {static_cast<std::int64_t>(status.st_ino),
+          status.st_size,
+          status.st_mtim.tv_sec,
+          status.st_mtim.tv_nsec,
+          status.st_ctim.tv_sec,
+          status.st_ctim.tv_nsec};
+}
+
 void OutputFolder::requireUnchanged(const std::string& location, const Status* now) const {
   const auto found = compared_.find(location);
   if (found == compared_.end()) return;
-  const std::optional<timespec>& before = found->second;
-  const bool isSame = before && now != nullptr ? before->tv_sec == now->st_mtim.tv_sec &&
-                                                     before->tv_nsec == now->st_mtim.tv_nsec
-                                               : !before && now == nullptr;
-  if (!isSame) throw OutputRefused(shown(location) + " was changed while the run was at work");
+  if (found->second == (now != nullptr ? std::optional(versionOf(*now)) : std::nullopt)) return;
+  throw OutputRefused(shown(location) + " was changed while the run was at work");
 }
 
 bool OutputFolder::hasFolder(const std::string& location) const {

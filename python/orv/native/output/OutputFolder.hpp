@@ -1,7 +1,8 @@
 #ifndef ORV_OUTPUT_OUTPUTFOLDER_HPP
 #define ORV_OUTPUT_OUTPUTFOLDER_HPP
 
-#include <ctime>
+#include <array>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <set>
@@ -91,7 +92,12 @@ class OutputFolder {
 
  private:
   enum class Wanted { folder, file };
+  // Inode, size, and the times of the last change of the bytes and of the inode. One of them
+  // differs when others write to the file, replace it or set its time back, unless that happens
+  // within one tick of the file system's clock and keeps the size.
+  using Version = std::array<std::int64_t, 6>;
 
+  static Version versionOf(const struct stat& status);
   void open();
   std::string locateFolder(const std::string& path);
   std::string follow(const std::string& start, const std::string& path, Wanted wanted) const;
@@ -112,8 +118,8 @@ class OutputFolder {
   std::vector<std::string> missing_;
   std::map<std::string, std::string> located_;
   std::set<std::string> changed_;
-  // When the files that were compared had changed last; nothing for those that were not there.
-  mutable std::map<std::string, std::optional<timespec>> compared_;
+  // The versions of the files that were compared; nothing for those that were not there.
+  mutable std::map<std::string, std::optional<Version>> compared_;
 };
 
 }  // namespace orv
