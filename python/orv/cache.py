@@ -7,7 +7,6 @@ import stat
 import time
 from contextlib import suppress
 from hashlib import blake2b
-from pathlib import Path
 from tempfile import NamedTemporaryFile
 
 # What no run has asked for so long, in seconds, leaves the cache.
@@ -25,16 +24,17 @@ class Cache:
 
     def __init__(self, part: str) -> None:
         base = os.environ.get("XDG_CACHE_HOME") or os.path.expanduser("~/.cache")
-        self._folder = Path(base) / "orv" / part
+        self._folder = os.path.join(base, "orv", part)
         self._is_private = False
 
     def get(self, key: str) -> bytes | None:
         """What was kept under the key; None when there is nothing or it is damaged."""
-        path = self._folder / key
+        path = os.path.join(self._folder, key)
         if not self._is_usable():
             return None
         try:
-            data = path.read_bytes()
+            with open(path, "rb") as file:
+                data = file.read()
             os.utime(path)
         except OSError:
             return None
@@ -44,12 +44,12 @@ class Cache:
     def put(self, key: str, data: bytes) -> None:
         """Keep the bytes under the key."""
         with suppress(OSError):
-            self._folder.mkdir(mode=0o700, parents=True, exist_ok=True)
+            os.makedirs(self._folder, mode=0o700, exist_ok=True)
             if not self._is_usable():
                 return
             with NamedTemporaryFile(dir=self._folder, delete=False) as temporary:
                 temporary.write(blake2b(data, digest_size=_DIGEST).digest() + data)
-            os.replace(temporary.name, self._folder / key)
+            os.replace(temporary.name, os.path.join(self._folder, key))
 
     def forget_unused(self) -> None:
         """Remove what no run has asked for lately."""

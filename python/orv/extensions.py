@@ -84,12 +84,12 @@ class Extensions:
 
     def prepare(self, model: Model) -> Model:
         """The model after all preparations. Raises ScriptError with the line of the extension."""
-        from orv.pythonfiles import failure
-
         for function in self._preparations:
             try:
                 prepared = function(model)
             except Exception as error:
+                from orv.pythonfiles import failure
+
                 raise ScriptError(failure(place(function), error)) from error
             if not isinstance(prepared, dict) or not all(isinstance(k, str) for k in prepared):
                 raise ScriptError(

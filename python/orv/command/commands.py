@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from dataclasses import dataclass
+from typing import NamedTuple
 
 from orv.command.option import Option, Options, options_of
 
@@ -14,8 +14,7 @@ SUMMARY = "Packages generated C text into files, section by section."
 EXIT_CODES = "Ends with 0 when all went well, 1 when something failed or differs, 2 on misuse."
 
 
-@dataclass(frozen=True)
-class Command:
+class Command(NamedTuple):
     """One command. The function `run` of its module takes its options and returns the exit code.
 
     The module is imported only when the command runs, so that help needs no engine.

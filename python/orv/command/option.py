@@ -10,11 +10,10 @@ from __future__ import annotations
 import os
 from collections.abc import Callable
 from dataclasses import dataclass
-from typing import Any
+from typing import Any, NamedTuple
 
 
-@dataclass(frozen=True)
-class ValueType:
+class ValueType(NamedTuple):
     """How a value is written: what help calls it, and what its text becomes.
 
     `parse` raises ValueError or OrvError for a text that is no such value. `below` puts a relative

@@ -108,7 +108,7 @@ class Outputs:
         else:
             self._settled = settle(self._files, self._known, self._folder, self._policy, messages)
 
-    def _orphans(self) -> list[Unclaimed]:
+    def _orphans(self) -> Sequence[Unclaimed]:
         """The user regions that keep the run from writing."""
         return self._settled.rehomed.orphans if self._policy.orphans == "error" else []
 

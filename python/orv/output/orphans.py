@@ -5,8 +5,6 @@ from __future__ import annotations
 import os
 from collections import defaultdict
 from collections.abc import Iterable, Sequence
-from dataclasses import dataclass, field
-from difflib import SequenceMatcher
 from typing import NamedTuple
 
 from orv import _native
@@ -39,12 +37,11 @@ class Move(NamedTuple):
     target: PlannedFile
 
 
-@dataclass
-class Rehomed:
+class Rehomed(NamedTuple):
     """What becomes of unclaimed regions."""
 
-    moves: list[Move] = field(default_factory=list)
-    orphans: list[Unclaimed] = field(default_factory=list)
+    moves: Sequence[Move] = ()
+    orphans: Sequence[Unclaimed] = ()
 
 
 class _Claim(NamedTuple):
@@ -159,6 +156,7 @@ def _nearest(orphan: Unclaimed, files: Sequence[PlannedFile], run: Run) -> str:
     own = [entry for entry in found if entry[0].location == orphan.location]
     if not found:
         return ""
+    from difflib import SequenceMatcher
 
     def likeness(entry: tuple[PlannedFile, str]) -> float:
         return SequenceMatcher(None, orphan.region.id, entry[1]).ratio()

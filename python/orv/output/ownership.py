@@ -20,8 +20,7 @@ from orv.output.state import Change, FolderState, Record, compare_with_record
 _SETTLED = "settled "
 
 
-@dataclass(frozen=True)
-class Policy:
+class Policy(NamedTuple):
     """What the user wants. A run without a name is "" and removes nothing.
 
     `edited` says what happens to files that were edited: "error", "warn" leaves them, "overwrite".

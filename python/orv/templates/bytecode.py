@@ -3,13 +3,13 @@
 from __future__ import annotations
 
 import marshal
+import os
 import sys
 from collections.abc import Iterable
 from contextlib import suppress
 from functools import cache
 from hashlib import blake2b
 from importlib.util import MAGIC_NUMBER
-from pathlib import Path
 from typing import Any
 
 import jinja2
@@ -68,8 +68,10 @@ class CompiledTemplates(BytecodeCache):
 @cache
 def _compiler() -> tuple[str, ...]:
     """What a template is compiled by."""
-    files = [*sorted(Path(__file__).parent.rglob("*.py")), Path(_native.__file__)]
-    stats = [(str(file), file.stat()) for file in files]
+    folders = os.walk(os.path.dirname(__file__))
+    modules = [os.path.join(folder, name) for folder, _, names in folders for name in names]
+    files = [*sorted(path for path in modules if path.endswith(".py")), _native.__file__]
+    stats = [(file, os.stat(file)) for file in files]
     versions = (sys.implementation.cache_tag, MAGIC_NUMBER.hex(), jinja2.__version__)
     return (
         *map(str, versions),
