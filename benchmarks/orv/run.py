@@ -4,7 +4,7 @@
 
 GROUP is one of those that `--help` lists; all of them when left out. Each ratio is of medians over
 N alternating rounds (7 by default) on one machine in one run. Time is user and system time of whole
-processes, except for `engine`; memory is the largest resident size.
+processes, except for `engine` and what is called elapsed; memory is the largest resident size.
 """
 
 from __future__ import annotations
@@ -16,6 +16,7 @@ import tempfile
 from pathlib import Path
 
 import again
+import jobs
 import packaging
 import tables
 from processes import GENERATE, Usage, alternate
@@ -143,6 +144,17 @@ def compare_trace(report: Report, rounds: int, folder: Path) -> None:
     report.add_usage("a million rows, with a trace / without", ours, theirs, 1.6, 2)
 
 
+def compare_jobs(report: Report, rounds: int, folder: Path) -> None:
+    """Two hundred runs, two at once against one after the other."""
+    command = jobs.command(folder, 200)
+    elapsed, usage = jobs.elapsed(command, rounds), jobs.usage(command, rounds)
+    note = f"{elapsed[2]:.2f} s / {elapsed[1]:.2f} s"
+    report.add("200 runs, two jobs / one, elapsed", elapsed[2] / elapsed[1], 1 / 1.8, note=note)
+    note = f"{usage[2].seconds:.2f} s / {usage[1].seconds:.2f} s"
+    ratio = usage[2].seconds / usage[1].seconds
+    report.add("200 runs, two jobs / one, time", ratio, 1.1, note=note)
+
+
 def compare_engines(report: Report, rounds: int) -> None:
     """Packaging against plain rendering of the same text, in one process."""
     for fields, files, goal, reach in ((12, 400, 1.5, 1.2), (120, 40, 1.1, 1.0)):
@@ -155,7 +167,7 @@ def compare_engines(report: Report, rounds: int) -> None:
 
 
 def main() -> int:
-    groups = ("tables", "loaders", "start", "growth", "again", "trace", "engine")
+    groups = ("tables", "loaders", "start", "growth", "again", "trace", "jobs", "engine")
     parser = argparse.ArgumentParser()
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("group", nargs="*", choices=(*groups, []))
@@ -175,6 +187,8 @@ def main() -> int:
                 compare_sizes(report, min(rounds, 3), folder)
             elif group == "again":
                 compare_again(report, rounds, folder)
+            elif group == "jobs":
+                compare_jobs(report, min(rounds, 5), folder)
             elif group == "trace":
                 compare_trace(report, min(rounds, 3), folder)
             else:

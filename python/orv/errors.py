@@ -50,6 +50,10 @@ class OutputError(OrvError):
     """The files cannot be put where they belong, or could not all be written."""
 
 
+class Interrupted(OutputError):
+    """The user ended the command while a run was writing."""
+
+
 def ignore(_: str) -> None:
     """A listener that ignores its text."""
 

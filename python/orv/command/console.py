@@ -5,7 +5,7 @@ from __future__ import annotations
 import sys
 
 from orv.command.options import MessageOptions
-from orv.errors import PLACE
+from orv.errors import PLACE, OrvError, unexpected
 
 
 def say(text: str, options: MessageOptions) -> None:
@@ -23,6 +23,13 @@ def warn(text: str, options: MessageOptions) -> None:
 def failure(text: str) -> str:
     """The text of an error: as it is when it begins with a line, so that editors jump there."""
     return text if PLACE.match(text) else f"error: {text}"
+
+
+def failure_of(error: Exception) -> str:
+    """The text of an error that ended a run, also of one that nobody foresaw."""
+    if isinstance(error, OrvError):
+        return failure(str(error))
+    return f"error: {unexpected(error)}; no file was being written"
 
 
 def warning(text: str) -> str:

@@ -2,11 +2,12 @@
 
 from __future__ import annotations
 
-from collections.abc import Callable, Iterator, Mapping, Sequence
+from collections.abc import Callable, Iterator, Mapping
 from contextlib import ExitStack, contextmanager
 from typing import Any
 
 from orv import _native
+from orv.command.batch import do_runs
 from orv.command.console import debug, say, warn
 from orv.command.options import GenerateOptions
 from orv.command.outputs import Outcome, Outputs
@@ -27,24 +28,12 @@ from orv.templates.library import Language
 # How often a run is rendered at most until what templates were told of user regions is true.
 _MOST_RENDERINGS = 4
 
-# How many empty files are named.
-_SHOWN = 10
-
 
 def run(given: dict[str, Any]) -> int:
     """The command `orv generate`, with the options that were given."""
     runs = requested_runs(given)
     require_consistent(runs)
-    code = 0
-    told: list[Outcome] = []
-    for options in runs:
-        outcome = generate(options)
-        code = max(code, int(options.check and outcome.differs))
-        if not options.quiet and not options.diff:
-            told.append(outcome)
-    if told:
-        _summarize(told)
-    return code
+    return do_runs(runs, generate)
 
 
 def generate(options: GenerateOptions) -> Outcome:
@@ -78,8 +67,8 @@ class _Rendering:
     def __init__(self, options: GenerateOptions) -> None:
         self._options = options
         self._said: list[str] = []
-        if options.run_name is not None:
-            say(f"run {options.run_name}", options)
+        if options.label:
+            say(f"run {options.label}", options)
         with _dependencies(options) as self._dependencies:
             extensions = load_extensions(options.extend)
             warn_new = _messages(options, self._said).warn
@@ -173,12 +162,3 @@ def _on_disk(options: GenerateOptions) -> TextsOf:
 def _known(known: Mapping[str, Texts]) -> TextsOf:
     """The texts of user regions by the labels of their files."""
     return lambda label, path, markers: known.get(label, {})
-
-
-def _summarize(outcomes: Sequence[Outcome]) -> None:
-    if not any(outcome.differs for outcome in outcomes):
-        print("up to date")
-    empty = [label for outcome in outcomes for label in outcome.empty]
-    if empty:
-        more = f" and {len(empty) - _SHOWN} more" if len(empty) > _SHOWN else ""
-        print(f"empty, not written: {', '.join(empty[:_SHOWN])}{more}")

@@ -11,10 +11,10 @@ from collections.abc import Iterator, Sequence
 from contextlib import contextmanager
 from typing import NoReturn
 
-from orv.command.console import failure
+from orv.command.console import failure, failure_of
 from orv.command.commands import COMMANDS
 from orv.command.parser import command_parser, orv_parser
-from orv.errors import Misuse, OrvError, did_you_mean, unexpected
+from orv.errors import Misuse, OrvError, did_you_mean
 
 # The modules that come from elsewhere, and what they are installed as on Debian.
 _REQUIRED = {
@@ -58,7 +58,7 @@ def _main(arguments: Sequence[str] | None) -> int:
 def _end(error: Exception) -> int:
     """Say what no part of the command expected, without memory if need be."""
     try:
-        text = f"error: {unexpected(error)}; no file was being written\n"
+        text = f"{failure_of(error)}\n"
         # The interpreter holds on to what the failed calls had in use as long as the error lives.
         error.__traceback__ = error.__context__ = error.__cause__ = None
         sys.stderr.write(text)

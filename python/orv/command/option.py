@@ -77,9 +77,16 @@ def choice(*choices: str) -> ValueType:
     return ValueType("{" + ",".join(choices) + "}", choices=choices)
 
 
-def number(metavar: str) -> ValueType:
-    """A whole number, zero or more."""
-    return ValueType(metavar, parse=_whole_number)
+def number(metavar: str, least: int = 0) -> ValueType:
+    """A whole number, `least` or more."""
+
+    def parse(text: str) -> int:
+        if not text.isdecimal() or int(text) < least:
+            above = f" from {least}" if least else ""
+            raise ValueError(f"expected a whole number{above}, got {text!r}")
+        return int(text)
+
+    return ValueType(metavar, parse)
 
 
 def flag(help: str, *, exclusive: str = "") -> Any:
@@ -117,9 +124,3 @@ def options_of(holder: type[Options]) -> list[Option]:
     """The options that a class declares, those of its bases first."""
     classes = reversed(holder.__mro__)
     return [found for each in classes for found in vars(each).values() if type(found) is Option]
-
-
-def _whole_number(text: str) -> int:
-    if not text.isdecimal():
-        raise ValueError(f"expected a whole number, got {text!r}")
-    return int(text)

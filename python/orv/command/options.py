@@ -22,6 +22,13 @@ def _model(argument: str) -> ModelSource:
     return ModelSource.parse(argument)
 
 
+def _each(argument: str) -> ModelSource:
+    source = _model(argument)
+    if source.name is None or source.is_input:
+        raise ValueError(f"expected NAME=PATTERN, got {argument!r}")
+    return source
+
+
 def _model_below(folder: str, model: ModelSource) -> ModelSource:
     return model.below(folder)
 
@@ -54,6 +61,7 @@ def _guard(argument: str) -> str:
 
 
 FORMATTER = ValueType("COMMAND", _formatter)
+EACH = ValueType("NAME=PATTERN", _each, _model_below, "file")
 GUARD = ValueType("GUARD", _guard)
 MODE = ValueType("MODE", _mode)
 MODEL = ValueType("[NAME=]FILE", _model, _model_below, "file")
@@ -122,6 +130,11 @@ class InputOptions(TemplateOptions):
 
     GROUP: ClassVar[str] = "input"
 
+    for_each: ModelSource | None = value(
+        EACH,
+        "do the run once for each file of this pattern, with the file as the model NAME; {NAME} in"
+        " the paths of what is written becomes the file's name without its ending",
+    )
     script: list[str] = values(file("FILE.py"), "run a script on the files before they are written")
 
 
@@ -283,8 +296,19 @@ class ProjectOptions(Options):
     )
 
 
+class JobOptions(Options):
+    """Where the runs are done. It changes nothing of what they make."""
+
+    GROUP: ClassVar[str] = "jobs"
+
+    jobs: int | None = value(
+        number("N", 1), "do up to N runs at once; as many as there are cores by default"
+    )
+
+
 class GenerateOptions(
     ProjectOptions,
+    JobOptions,
     MessageOptions,
     StateOptions,
     WritingOptions,
@@ -296,10 +320,40 @@ class GenerateOptions(
 ):
     """The options of `orv generate`."""
 
+    # Of a run for one file of a pattern: this file, and the options that the pattern has.
+    model_file: ModelSource | None = None
+    whole: GenerateOptions | None = None
+
+    @property
+    def label(self) -> str:
+        """What messages call the run: its name, and the file of a pattern that it is for."""
+        return ", ".join(map(str, filter(None, (self.run_name, self.model_file))))
+
     @property
     def run_name(self) -> str | None:
         """The name of the run; a run without TEMPLATE in the command line has one."""
         return self.run[0] if self.run else None
+
+    @property
+    def inputs(self) -> list[str]:
+        """The files and folders that the run is told to read."""
+        models = [model.path for model in self.model if not model.is_input]
+        return [*self.template, *self.templates, *self.script, *self.extend, *self.schema, *models]
+
+    @property
+    def written(self) -> list[str]:
+        """The files and folders that the run is told to write."""
+        return [path for path in (self.out, self.state, *self.reports) if path is not None]
+
+    @property
+    def reports(self) -> list[str]:
+        """The paths of the reports."""
+        paths = (self.depfile, self.manifest, self.outputs, self.stamp, self.trace)
+        return [path for path in paths if path is not None]
+
+    def ends_well(self, differs: bool) -> bool:
+        """Whether a run that did not fail went well; `differs` says that a file did."""
+        return self.writes or (self.check and not differs)
 
     @property
     def is_traced(self) -> bool:

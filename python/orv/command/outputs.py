@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 import sys
-from collections.abc import Callable, Sequence
+from collections.abc import Callable, Iterable, Sequence
 from typing import NamedTuple
 
 from orv.command.console import say, warn
@@ -26,10 +26,15 @@ from orv.output.writer import Writer
 
 
 class Outcome(NamedTuple):
-    """What a run came to: whether a file differed from the disk, and the files without text."""
+    """What a run came to: whether a file differed from the disk, and the files without text.
+
+    Of a run that reports together with others: the paths of its files, and what it depends on.
+    """
 
     differs: bool
     empty: list[str]
+    paths: Sequence[str] = ()
+    dependencies: Sequence[str] = ()
 
 
 class Outputs:
@@ -92,10 +97,13 @@ class Outputs:
             self._settled.removed or self._orphans()
         )
         for report in wanted:
-            if report.kind != "stamp" or options.writes or (options.check and not differs):
+            if report.kind != "stamp" or options.ends_well(differs):
                 reports.write(report)
         empty = [self._empty_label(file) for file in self._files if file.is_empty]
-        return Outcome(differs, empty)
+        whole = options.whole
+        paths = shown_paths(self._files) if whole is not None and whole.outputs else ()
+        sources = self._dependencies() if whole is not None and whole.depfile else ()
+        return Outcome(differs, empty, paths, sources)
 
     def _load(self) -> None:
         self._known = FolderState() if self._state is None else self._state.load(self._folder)
@@ -126,23 +134,14 @@ class Outputs:
 
             data = manifest(self._run, self._files)
             wanted.append(reports.Report("manifest", options.manifest, data))
-        if options.outputs is not None:
-            text = "".join(f"{path}\n" for path in shown_paths(self._files))
-            data = text.encode("utf-8", "surrogateescape")
-            wanted.append(reports.Report("list of outputs", options.outputs, data))
         if options.trace is not None:
             from orv.output.tracefile import trace_file
 
             data = trace_file(self._run, self._files, options.out)
             wanted.append(reports.Report("trace", options.trace, data))
-        if options.depfile is not None:
-            target = options.depfile_target or options.stamp or ""
-            wanted.append(
-                reports.Report("depfile", options.depfile, depfile(target, self._dependencies()))
-            )
-        if options.stamp is not None:
-            wanted.append(reports.Report("stamp", options.stamp, b""))
-        return wanted
+        return wanted + common_reports(
+            options, lambda: shown_paths(self._files), self._dependencies
+        )
 
     def _dependencies(self) -> list[str]:
         """What the run read and what it says it depends on, without its own outputs."""
@@ -272,6 +271,24 @@ class Outputs:
 
     def _shown(self, file: PlannedFile) -> str:
         return shown(self._folder, file.path)
+
+
+def common_reports(
+    options: GenerateOptions,
+    paths: Callable[[], Iterable[str]],
+    dependencies: Callable[[], Iterable[str]],
+) -> list[reports.Report]:
+    """The reports about one run or several: what they made, what they depend on, and the stamp."""
+    wanted: list[reports.Report] = []
+    if options.outputs is not None:
+        data = "".join(f"{path}\n" for path in paths()).encode("utf-8", "surrogateescape")
+        wanted.append(reports.Report("list of outputs", options.outputs, data))
+    if options.depfile is not None:
+        target = options.depfile_target or options.stamp or ""
+        wanted.append(reports.Report("depfile", options.depfile, depfile(target, dependencies())))
+    if options.stamp is not None:
+        wanted.append(reports.Report("stamp", options.stamp, b""))
+    return wanted
 
 
 def layout_of(options: GenerateOptions) -> Layout:

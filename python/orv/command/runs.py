@@ -7,43 +7,61 @@ from collections.abc import Sequence
 from typing import Any
 
 from orv.command.option import options_of
-from orv.command.options import GenerateOptions, ProjectOptions
+from orv.command.options import GenerateOptions, JobOptions, ProjectOptions
 from orv.errors import Misuse, ProjectError
 
-_SELECTION = options_of(ProjectOptions)
-_OPTIONS = [option for option in options_of(GenerateOptions) if option not in _SELECTION]
+_OF_NO_RUN = [*options_of(ProjectOptions), *options_of(JobOptions)]
+_OPTIONS = [option for option in options_of(GenerateOptions) if option not in _OF_NO_RUN]
 
 
 def requested_runs(given: dict[str, Any]) -> list[GenerateOptions]:
     """The options of each run, complete. Raises Misuse and ProjectError."""
     asked = GenerateOptions(**given)
     if asked.template:
-        return [_own_run(asked)]
-    return _project_runs(asked, given)
+        runs = [_own_run(asked)]
+    else:
+        runs = _project_runs(asked, given)
+    if all(options.for_each is None for options in runs):
+        return runs
+    from orv.command.foreach import runs_for_each
+
+    return [run for options in runs for run in runs_for_each(options)]
 
 
 def require_consistent(runs: Sequence[GenerateOptions]) -> None:
-    """Raise Misuse when two runs write the same report, a depfile has no target, or a run asks for
-    a state file and for none, or to format every file without a formatter."""
-    owners: dict[str, str | None] = {}
+    """Raise Misuse when two runs write the same report, two runs of a pattern the same folder, two
+    folders have the same state file, or the options of a run do not go together."""
+    owners: dict[str, GenerateOptions] = {}
+    wholes = {id(run.whole): run.whole for run in runs if run.whole is not None}
+    for options in [*wholes.values(), *runs]:
+        _require_consistent(options)
+        paths = options.reports if options.whole is None else [options.out, *options.reports]
+        for path in paths:
+            other = owners.setdefault(os.path.realpath(path), options)
+            if other is not options:
+                raise Misuse(f'the runs "{other.label}" and "{options.label}" both write {path}')
+    states: dict[str, GenerateOptions] = {}
     for options in runs:
-        if options.state is not None and options.no_state:
-            raise Misuse("argument --no-state: not allowed with argument --state")
-        if options.format_all and options.format is None:
-            raise Misuse("--format-all needs --format COMMAND")
-        if options.line_directives and options.format is not None:
-            raise Misuse("argument --line-directives: not allowed with argument --format")
-        if options.line_prefix is not None and not options.line_directives:
-            raise Misuse("--line-prefix needs --line-directives")
-        reports = (options.depfile, options.manifest, options.outputs, options.stamp, options.trace)
-        for path in reports:
-            if path is None:
-                continue
-            other = owners.setdefault(os.path.realpath(path), options.run_name)
-            if other != options.run_name:
-                raise Misuse(f'the runs "{other}" and "{options.run_name}" both write {path}')
-        if options.depfile is not None and not (options.stamp or options.depfile_target):
-            raise Misuse("--depfile needs a target: --stamp FILE or --depfile-target NAME")
+        if options.state is not None:
+            other = states.setdefault(os.path.realpath(options.state), options)
+            if os.path.realpath(other.out) != os.path.realpath(options.out):
+                raise Misuse(
+                    f'the runs "{other.label}" and "{options.label}" write different folders; both'
+                    f" have the state file {options.state}"
+                )
+
+
+def _require_consistent(options: GenerateOptions) -> None:
+    if options.state is not None and options.no_state:
+        raise Misuse("argument --no-state: not allowed with argument --state")
+    if options.format_all and options.format is None:
+        raise Misuse("--format-all needs --format COMMAND")
+    if options.line_directives and options.format is not None:
+        raise Misuse("argument --line-directives: not allowed with argument --format")
+    if options.line_prefix is not None and not options.line_directives:
+        raise Misuse("--line-prefix needs --line-directives")
+    if options.depfile is not None and not (options.stamp or options.depfile_target):
+        raise Misuse("--depfile needs a target: --stamp FILE or --depfile-target NAME")
 
 
 def _own_run(options: GenerateOptions) -> GenerateOptions:

@@ -7,6 +7,7 @@ import os
 import re
 import sys
 from collections.abc import Callable
+from functools import lru_cache
 from typing import NamedTuple
 
 from orv._native import Places, read_model
@@ -43,9 +44,17 @@ class ModelSource(NamedTuple):
         named = _NAMED.fullmatch(argument)
         return cls(named[1], named[2]) if named else cls(None, argument)
 
+    @property
+    def is_input(self) -> bool:
+        """Whether the model comes from standard input."""
+        return _STANDARD_INPUT.fullmatch(self.path) is not None
+
+    def __str__(self) -> str:
+        return self.path if self.name is None else f"{self.name}={self.path}"
+
     def below(self, folder: str) -> ModelSource:
         """The source with a path that is relative to `folder`."""
-        if _STANDARD_INPUT.fullmatch(self.path):
+        if self.is_input:
             return self
         return self._replace(path=os.path.join(folder, self.path))
 
@@ -90,13 +99,11 @@ class Reader:
         if form not in formats:
             known = ", ".join(f"-:{name}" for name in formats)
             raise ModelError(f"the model from standard input is one of {known}")
-        return self._parse(form, sys.stdin.buffer.read(), "<stdin>")
+        return self._parse(form, standard_input(), "<stdin>")
 
     def _read_pattern(self, pattern: str) -> dict[str, object]:
-        paths = sorted(glob.glob(pattern, recursive=True))
-        if not paths:
-            raise ModelError(f"{pattern}: no file has such a name")
-        self.folders += sorted(_folders_of(pattern) - set(self.folders))
+        paths = paths_of(pattern)
+        self.folders += sorted(folders_of(pattern) - set(self.folders))
         models: dict[str, object] = {}
         by_stem: dict[str, str] = {}
         for path in paths:
@@ -117,7 +124,21 @@ class Reader:
         return model
 
 
-def _folders_of(pattern: str) -> set[str]:
+def paths_of(pattern: str) -> list[str]:
+    """The paths that a pattern fits, sorted. Raises ModelError when there is none."""
+    paths = sorted(glob.glob(pattern, recursive=True))
+    if not paths:
+        raise ModelError(f"{pattern}: no file has such a name")
+    return paths
+
+
+@lru_cache(maxsize=1)
+def standard_input() -> bytes:
+    """What is on standard input. All runs of a process get the same."""
+    return sys.stdin.buffer.read()
+
+
+def folders_of(pattern: str) -> set[str]:
     """The folders that are looked in: one of them changes when another file would be found."""
     folders: set[str] = set()
     head = pattern

@@ -7,7 +7,7 @@ from collections.abc import Callable, Iterable, Sequence
 from contextlib import suppress
 
 from orv import _native
-from orv.errors import OutputError, unexpected
+from orv.errors import Interrupted, OutputError, unexpected
 from orv.files.run import Run
 from orv.output.folder import reason, shown
 from orv.output.plan import PlannedFile, State
@@ -46,7 +46,7 @@ class Writer:
         except KeyboardInterrupt:
             # The interruption may have come just after the file took its place.
             done = position + any(map(self._is_written, waiting[position : position + 1]))
-            raise OutputError("interrupted while writing\n" + self._states(waiting, done)) from None
+            raise Interrupted("interrupted while writing\n" + self._states(waiting, done)) from None
 
     def clean(self, files: Sequence[PlannedFile], more: Iterable[str] = ()) -> None:
         """Remove what runs that were killed left behind, in every folder of a file.

@@ -1,0 +1,1 @@
+"""Doing many runs: in which order, and in which processes."""
