@@ -54,7 +54,7 @@ def test_wrong_arguments_are_refused(wrong: Any) -> None:
         (repository.section_text, (0, wrong)),
         (repository.fill_custom, (0, "c", wrong)),
         (printer.section, (wrong, "a.c")),
-        (printer.function, (wrong, "a.c")),
+        (printer.function, (wrong, "a.c", "")),
         (printer.outside, (wrong,)),
         (printer.leave, (wrong,)),
     ]

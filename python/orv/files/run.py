@@ -4,14 +4,12 @@ from __future__ import annotations
 
 from collections.abc import Callable
 
-from jinja2 import Template
-
 from orv import _native
 from orv.errors import Located, Messages, OrvError, TemplateError
 from orv.files.customsections import CustomSections, Placement
 from orv.files.regions import KnownRegions, Regions
 from orv.files.table import FileTable
-from orv.positions import here, position_of
+from orv.positions import here
 
 
 class Run:
@@ -76,9 +74,8 @@ class Run:
         for file in self.custom.filled_files():
             self.repository.place_custom_sections(file)
 
-    def _report_repeated(self, file: int, name: str, template: Template, line: int) -> None:
+    def _report_repeated(self, file: int, name: str, first: str) -> None:
         """Warn about a function that the running template adds a second time."""
-        first = position_of(template, line)
         self.messages.warn(
             f'the file {self.files.label(file)} has a function "{name}" already, added at {first}',
             here(),

@@ -60,6 +60,8 @@ class TemplateCode(CodeGenerator):
         self.writeline("statements = environment.statements")
         self.writeline("printer = environment.printer")
         self.writeline("write = printer.write")
+        self.writeline("entry = environment.entry")
+        self.writeline("concatenate = environment.concatenate")
         self.writeline("concat = printer.leave")
         self.writeline("cond_expr_undefined = Undefined")
         self.writeline("if 0: yield None")
@@ -134,11 +136,17 @@ class TemplateCode(CodeGenerator):
         if frame.eval_ctx.volatile or frame.eval_ctx.autoescape:
             super().visit_Concat(node, frame)
             return
-        self._call_operation("environment.concatenate", node.nodes, frame)
+        self._call_operation("concatenate", node.nodes, frame)
 
     def visit_Add(self, node: nodes.BinExpr, frame: Frame) -> None:  # type: ignore[override]
         """Compile `+`, whose result is bounded."""
         self._call_operation("environment.add", [node.left, node.right], frame)
+
+    def visit_Getattr(self, node: nodes.Getattr, frame: Frame) -> None:
+        """Compile `a.b`."""
+        self.write("entry(")
+        self.visit(node.node, frame)
+        self.write(f", {node.attr!r})")
 
     # Calls
 

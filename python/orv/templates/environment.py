@@ -21,7 +21,7 @@ from markupsafe import Markup
 from orv import _native, positions
 from orv.errors import Located, OrvError, did_you_mean
 from orv.files.run import Run
-from orv.models.element import ENTRIES, Element
+from orv.models.element import Element
 from orv.templates.sandbox import filters, formatting, sizes
 from orv.templates.sandbox.access import is_allowed
 from orv.templates.bytecode import CompiledTemplates
@@ -43,9 +43,6 @@ if not jinja2.__version__.startswith(_JINJA2):
     raise ImportError(f"orv needs Jinja2 {_JINJA2}x; the version found is {jinja2.__version__}")
 
 EXTENSIONS: tuple[type[Extension], ...] = (PackagingTags, do, loopcontrols)
-
-# What a loop tells about itself: all of it harmless.
-_LOOP_ATTRIBUTES = frozenset(name for name in dir(LoopContext) if not name.startswith("_"))
 
 # What a date tells about the machine and not about the model.
 _CLOCK = frozenset(["astimezone", "fromtimestamp", "now", "timestamp", "today", "utcnow"])
@@ -146,6 +143,8 @@ class Environment(SandboxedEnvironment):
         self.add, self.concatenate = _native.operations(
             text_of, sizes.refuse_text, sizes.refuse_list
         )
+        # What an element of a model and a loop tell about themselves is harmless.
+        self.entry = _native.entry_reader(self._attribute_or_entry, (Element, LoopContext))
         self.ordered = filters.ordered
         self.filters.update(filters.filters())
         self.globals.update(self.statements.globals())
@@ -187,8 +186,7 @@ class Environment(SandboxedEnvironment):
         """
         kind = type(__obj)
         if kind is Macro:
-            kwargs.pop("_loop_vars", None)
-            kwargs.pop("_block_vars", None)
+            _drop_variables(kwargs)
             __self.printer.print_next()
             return __obj(__context.eval_ctx, *args, **kwargs)
         if kind is BlockReference:
@@ -240,17 +238,7 @@ class Environment(SandboxedEnvironment):
 
     def getattr(self, obj: Any, attribute: str) -> Any:
         """`obj.attribute`; in a model an entry goes before a method of the same name."""
-        kind = type(obj)
-        if kind is dict and attribute in obj:
-            return obj[attribute]
-        if kind is LoopContext and attribute in _LOOP_ATTRIBUTES:
-            return getattr(obj, attribute)
-        if kind is Element and attribute in ENTRIES:
-            return getattr(obj, attribute)
-        value = getattr(obj, attribute, missing)
-        if value is not missing:
-            return self._reached(obj, attribute, value)
-        return self._entry(obj, attribute)
+        return self.entry(obj, attribute)
 
     def getitem(self, obj: Any, argument: Any) -> Any:
         """`obj[argument]`; an attribute of the name when there is no such entry."""
@@ -269,7 +257,10 @@ class Environment(SandboxedEnvironment):
             return self.undefined(obj=obj, name=name)
         return self._reached(obj, name, value)
 
-    def _entry(self, obj: Any, name: str) -> Any:
+    def _attribute_or_entry(self, obj: Any, name: str) -> Any:
+        value = getattr(obj, name, missing)
+        if value is not missing:
+            return self._reached(obj, name, value)
         if isinstance(obj, type):
             return self.undefined(obj=obj, name=name)
         try:
@@ -286,7 +277,7 @@ class Environment(SandboxedEnvironment):
         return value
 
     def call(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
-        """Call what a template calls; its own macros need no examination."""
+        """Call what a template calls; macros and methods of elements need no examination."""
         if type(__obj) is Macro:
             return __context.call(__obj, *args, **kwargs)
         if type(__obj) is BlockReference:
@@ -294,6 +285,9 @@ class Environment(SandboxedEnvironment):
             _run_block(__obj)
             text = __self.printer.leave(entered)
             return Markup(text) if __context.eval_ctx.autoescape else text
+        if type(__obj) is MethodType and type(__obj.__self__) is Element:
+            _drop_variables(kwargs)
+            return __obj(*args, **kwargs)
         return super().call(__context, __obj, *args, **kwargs)
 
     def call_binop(self, context: Context, operator: str, left: Any, right: Any) -> Any:
@@ -308,6 +302,12 @@ _REQUIREMENTS = {
     "*": sizes.require_product, "**": sizes.require_power,
     "%": sizes.require_quotient, "//": sizes.require_quotient,
 }  # fmt: skip
+
+
+def _drop_variables(named: dict[str, Any]) -> None:
+    """Leave out what compiled code passes for those who want a context."""
+    named.pop("_loop_vars", None)
+    named.pop("_block_vars", None)
 
 
 def _run_block(block: BlockReference) -> None:

@@ -18,6 +18,7 @@ from jinja2.parser import Parser
 from orv import _native
 from orv.delimiters import tag as as_tag
 from orv.errors import did_you_mean
+from orv.positions import Position, template_label
 from orv.templates.lexer import TagEnd, TagName
 from orv.templates.parser import complain
 
@@ -46,7 +47,11 @@ class PackagingTags(Extension):
         return [*_require_quotes(tag, name), body]
 
     def _parse_function(self, parser: Parser, tag: Token) -> nodes.Node:
-        return _with_body(parser, tag, [parser.parse_expression(), *_parse_of(parser)])
+        name = parser.parse_expression()
+        target = _parse_of(parser) or [nodes.Const(None, lineno=tag.lineno)]
+        position = Position(template_label(parser.name, parser.filename), tag.lineno)
+        written = nodes.Const(str(position), lineno=tag.lineno)
+        return _with_body(parser, tag, [name, *target, written])
 
     def _parse_fill(self, parser: Parser, tag: Token) -> nodes.Node:
         return _with_body(parser, tag, [parser.parse_expression(), *_parse_of(parser)])

@@ -191,7 +191,14 @@ std::vector<Places::Entry> ModelBuilder::entriesOf(const py::object& source) con
 py::object ModelBuilder::sharedName(std::string_view text, Location location) {
   if (text.size() > longestShared) return makeText(text, location);
   py::object& shared = shared_[hashOf(text) % shared_.size()];
-  if (!shared || !equals(shared.ptr(), text)) shared = makeText(text, location);
+  if (!shared || !equals(shared.ptr(), text)) {
+    shared = makeText(text, location);
+  } else if (PyUnicode_CHECK_INTERNED(shared.ptr()) == 0) {
+    // A name that repeats is one that templates look up: Python finds it by identity then.
+    PyObject* name = shared.release().ptr();
+    PyUnicode_InternInPlace(&name);
+    shared = owned(name);
+  }
   return shared;
 }
 

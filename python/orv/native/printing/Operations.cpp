@@ -86,6 +86,38 @@ PyObject* concat(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return nothing ? PyUnicode_Join(nothing.ptr(), texts.ptr()) : nullptr;
 }
 
+// Whether templates may read the attribute as it is: a public one of a type of which all are.
+bool isPlainAttribute(PyObject* self, PyObject* owner, PyObject* name) {
+  if (!PyUnicode_Check(name) || PyUnicode_GET_LENGTH(name) == 0) return false;
+  PyObject* types = PyTuple_GET_ITEM(self, 1);
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(types); ++i) {
+    if (PyTuple_GET_ITEM(types, i) == reinterpret_cast<PyObject*>(Py_TYPE(owner))) {
+      return PyUnicode_READ_CHAR(name, 0) != '_';
+    }
+  }
+  return false;
+}
+
+// owner.name
+PyObject* entry(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  if (count != 2) {
+    PyErr_SetString(PyExc_TypeError, "entry() takes two arguments");
+    return nullptr;
+  }
+  PyObject* owner = arguments[0];
+  PyObject* name = arguments[1];
+  if (PyDict_CheckExact(owner)) {
+    PyObject* found = PyDict_GetItemWithError(owner, name);
+    if (found != nullptr) return Py_NewRef(found);
+  } else if (isPlainAttribute(self, owner, name)) {
+    PyObject* found = PyObject_GetAttr(owner, name);
+    if (found != nullptr || PyErr_ExceptionMatches(PyExc_AttributeError) == 0) return found;
+    PyErr_Clear();
+  }
+  if (PyErr_Occurred() != nullptr) return nullptr;
+  return PyObject_Vectorcall(PyTuple_GET_ITEM(self, 0), arguments, 2, nullptr);
+}
+
 PyMethodDef method(const char* name, PyObject* (*call)(PyObject*, Arguments, Py_ssize_t)) {
   return {name, reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(call)), METH_FASTCALL,
           nullptr};
@@ -93,15 +125,21 @@ PyMethodDef method(const char* name, PyObject* (*call)(PyObject*, Arguments, Py_
 
 PyMethodDef addMethod = method("add", &add);
 PyMethodDef concatMethod = method("concat", &concat);
+PyMethodDef entryMethod = method("entry", &entry);
+
+py::object function(PyMethodDef& definition, const py::tuple& bound) {
+  auto made = py::reinterpret_steal<py::object>(PyCFunction_New(&definition, bound.ptr()));
+  if (!made) throw py::error_already_set();
+  return made;
+}
 
 py::tuple operations(const py::object& text, const py::object& tooLong, const py::object& tooMany) {
   const py::tuple bound = py::make_tuple(text, tooLong, tooMany);
-  const auto function = [&bound](PyMethodDef& definition) {
-    auto made = py::reinterpret_steal<py::object>(PyCFunction_New(&definition, bound.ptr()));
-    if (!made) throw py::error_already_set();
-    return made;
-  };
-  return py::make_tuple(function(addMethod), function(concatMethod));
+  return py::make_tuple(function(addMethod, bound), function(concatMethod, bound));
+}
+
+py::object entryReader(const py::function& find, const py::tuple& plain) {
+  return function(entryMethod, py::make_tuple(find, plain));
 }
 
 // Calls `refuse` for each value, however deep, that is no text, number, truth value, none, list or
@@ -150,6 +188,7 @@ void bindOperations(py::module_& module) {
   module.attr("LONGEST_TEXT") = longestText;
   module.attr("MOST_ELEMENTS") = mostElements;
   module.def("operations", &operations);
+  module.def("entry_reader", &entryReader);
   module.def("require_plain", [](const py::object& value, const py::function& refuse) {
     PlainCheck(refuse).require(value.ptr());
   });

@@ -244,8 +244,9 @@ void Printer::commit(Body& body) {
 }
 
 void Printer::noteFunction(const Body& body) {
-  const auto [known, isNew] =
-      functions_.try_emplace(std::to_string(body.file) + ' ' + body.name, body.tag);
+  const auto file = static_cast<std::size_t>(body.file);
+  if (file >= functions_.size()) functions_.resize(file + 1);
+  const auto [known, isNew] = functions_[file].try_emplace(body.name, body.tag);
   if (!isNew) repeated_(body, known->second);
 }
 

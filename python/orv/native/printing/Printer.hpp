@@ -131,8 +131,8 @@ class Printer {
 
   std::shared_ptr<PackagedFiles> files_;
   RepeatListener repeated_;
-  // The tags of functions, by file and name.
-  std::unordered_map<std::string, std::size_t> functions_;
+  // The tags of functions, by file and name; as long as the last file that has any.
+  std::vector<std::unordered_map<std::string, std::size_t>> functions_;
   // The first `depth_` are open; the others are kept for their memory.
   std::vector<Body> bodies_;
   std::size_t depth_ = 0;

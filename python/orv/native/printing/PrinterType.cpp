@@ -24,39 +24,27 @@ namespace {
 
 namespace py = pybind11;
 
-// Where tags are, as numbers: lines of the compiled code of templates.
+// Where tags are, as numbers.
 class TagTable {
  public:
-  // The line of the code that runs.
-  std::size_t here() {
-    PyFrameObject* frame = PyEval_GetFrame();
-    const auto line = static_cast<std::size_t>(frame == nullptr ? 0 : PyFrame_GetLineNumber(frame));
-    PyObject* globals = PyEval_GetGlobals();
-    PyObject* found = globals == nullptr ? nullptr : PyDict_GetItemWithError(globals, name_.ptr());
-    return position(found == nullptr ? Py_None : found) << 32 | line;
+  // The number of a position, the same for the same object.
+  std::size_t numberOf(PyObject* position) {
+    std::size_t after = positions_.size();
+    while (after != 0 && positions_[after - 1].ptr() != position) --after;
+    if (after != 0) return after - 1;
+    positions_.push_back(py::reinterpret_borrow<py::object>(position));
+    return positions_.size() - 1;
   }
+  const py::object& position(std::size_t number) const { return positions_[number]; }
 
-  // None when no template was running.
-  const py::object& templateOf(std::size_t tag) const { return templates_[tag >> 32]; }
-  static std::size_t lineOf(std::size_t tag) { return tag & UINT32_MAX; }
-
-  int visitTemplates(visitproc visit, void* arg) const {
-    for (const py::object& known : templates_) Py_VISIT(known.ptr());
+  int visitPositions(visitproc visit, void* arg) const {
+    for (const py::object& known : positions_) Py_VISIT(known.ptr());
     return 0;
   }
-  void clear() { templates_.clear(); }
+  void clear() { positions_.clear(); }
 
  private:
-  std::size_t position(PyObject* wanted) {
-    std::size_t after = templates_.size();
-    while (after != 0 && templates_[after - 1].ptr() != wanted) --after;
-    if (after != 0) return after - 1;
-    templates_.push_back(py::reinterpret_borrow<py::object>(wanted));
-    return templates_.size() - 1;
-  }
-
-  py::str name_{"__jinja_template__"};
-  std::vector<py::object> templates_;
+  std::vector<py::object> positions_;
 };
 
 struct PrinterObject {
@@ -330,10 +318,10 @@ PyObject* section(PyObject* self, Arguments arguments, Py_ssize_t count) {
 
 PyObject* function(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
-    requireCount("function", count, 1, 2);
+    requireCount("function", count, 3, 3);
     const int file = targetOf(objectOf(self), arguments, count, 1);
     printerOf(self).openFunction(file, textArgument(arguments[0], "a function's name"),
-                                 objectOf(self).tags->here());
+                                 objectOf(self).tags->numberOf(arguments[2]));
     return none();
   });
 }
@@ -341,8 +329,7 @@ PyObject* function(PyObject* self, Arguments arguments, Py_ssize_t count) {
 // Tells the template side of a function whose name another one of its file has.
 void reportRepeated(const PrinterObject& self, const Body& function, std::size_t first) {
   if (self.repeated == nullptr) return;
-  py::handle(self.repeated)(function.file, toPython(function.name), self.tags->templateOf(first),
-                            TagTable::lineOf(first));
+  py::handle(self.repeated)(function.file, toPython(function.name), self.tags->position(first));
 }
 
 PyObject* fill(PyObject* self, Arguments arguments, Py_ssize_t count) {
@@ -561,7 +548,7 @@ int traverse(PyObject* self, visitproc visit, void* arg) {
   Py_VISIT(object.refuse);
   Py_VISIT(object.find);
   Py_VISIT(object.repeated);
-  return object.tags == nullptr ? 0 : object.tags->visitTemplates(visit, arg);
+  return object.tags == nullptr ? 0 : object.tags->visitPositions(visit, arg);
 }
 
 int clear(PyObject* self) {

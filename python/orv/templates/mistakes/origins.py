@@ -21,6 +21,9 @@ _MOST = 3
 # What the compiled code of a loop puts around its list.
 _OF_LOOPS = ("LoopContext", "environment.ordered")
 
+# What it calls to look up an entry.
+_LOOK_UPS = ("entry", "environment.getitem")
+
 _LOCAL = re.compile(r"l_\d+_\w+")
 
 
@@ -126,9 +129,9 @@ def _value(node: ast.AST, scope: _Scope) -> _Value | None:
 
 def _parts(node: ast.AST) -> list[ast.expr] | None:
     """Owner and key of an expression that looks up an entry."""
-    if not isinstance(node, ast.Call) or not isinstance(node.func, ast.Attribute):
-        return None
-    return node.args if node.func.attr in ("getattr", "getitem") and len(node.args) == 2 else None
+    if isinstance(node, ast.Call) and ast.unparse(node.func) in _LOOK_UPS:
+        return node.args
+    return None
 
 
 def _element(name: str, value: Any, scope: _Scope) -> _Value | None:
