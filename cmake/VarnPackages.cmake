@@ -114,5 +114,6 @@ varn_debian_python_package(orv devel
   "The command orv renders Jinja2 templates with models in JSON, YAML, TOML, CSV or\n\
 XML and puts what they print into named sections of C files."
   SAME_VERSION libvarn-filepackaging1 python3-orbel
-  DEPENDS ${python_depends} "python3-jinja2 (>= 3.1)" python3-jsonschema python3-tqdm)
+  DEPENDS ${python_depends} "python3-jinja2 (>= 3.1)" python3-jsonschema python3-tqdm
+  RECOMMENDS python3-pygments)
 include(CPack)

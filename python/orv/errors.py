@@ -69,6 +69,8 @@ class Messages:
     ) -> None:
         self._listener = listener
         self.strict = strict
+        # All that was warned about.
+        self.warnings: list[str] = []
         # Takes what templates show to their author.
         self.debug = debug
 
@@ -76,7 +78,8 @@ class Messages:
         """Report `text`, about what is at `place` (None: the caller finds the place)."""
         if self.strict:
             raise OrvError(text) if place is None else Located(f"{place}: {text}")
-        self._listener(text if place is None else f"{place}: {text}")
+        self.warnings.append(text if place is None else f"{place}: {text}")
+        self._listener(self.warnings[-1])
 
 
 class Located(OrvError):

@@ -15,7 +15,7 @@ from orv.output import reports
 # What the runs of a pattern write together unless each has its own.
 _COMMON = ("depfile", "outputs", "stamp")
 
-_OWN = ("out", "state", "manifest", "trace")
+_OWN = ("out", "state", "manifest", "report", "trace")
 
 
 def runs_for_each(options: GenerateOptions) -> list[GenerateOptions]:
@@ -34,7 +34,7 @@ def runs_for_each(options: GenerateOptions) -> list[GenerateOptions]:
     for name in _COMMON:
         if mark in (getattr(options, name) or ""):
             setattr(whole, name, None)
-    whole.manifest = whole.trace = None
+    whole.manifest = whole.report = whole.trace = None
     return [_run(options, whole, path, mark) for path in paths_of(source.path)]
 
 

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import time
 from collections.abc import Callable, Iterator, Mapping
 from contextlib import ExitStack, contextmanager
 from typing import Any
@@ -71,8 +72,10 @@ class _Rendering:
             say(f"run {options.label}", options)
         with _dependencies(options) as self._dependencies:
             extensions = load_extensions(options.extend)
-            warn_new = _messages(options, self._said).warn
-            self._model = build_model(options.model, options.set, warn_new, options.schema)
+            self._messages = _messages(options, self._said)
+            self._model = build_model(
+                options.model, options.set, self._messages.warn, options.schema
+            )
             self._values = extensions.prepare(self._model.values)
         self._read: list[str] = []
         self._templates = [
@@ -90,6 +93,7 @@ class _Rendering:
         options = self._options
         with _dependencies(options) as dependencies:
             run = self._render(_messages(options, self._said), texts_of, dependencies)
+        run.messages.warnings[:0] = self._messages.warnings
         run.dependencies = [*self._dependencies, *dependencies]
         sources = [*self._read, *self._model.files, *self._model.folders, *options.script]
         if options.project is not None:
@@ -102,13 +106,15 @@ class _Rendering:
         with progress("rendering", None, options.quiet) as step:
             run = render(
                 self._templates, self._values, messages, step, self._language, self._model.places,
-                self._budget, known, options.is_traced,
+                self._budget, known, options.is_traced, options.report is not None,
             )  # fmt: skip
         for script in options.script:
             from orv.scripts import run_script
 
             say(f"running {script}", options)
+            started = time.perf_counter()
             run_script(script, run, self._values)
+            run.script_seconds[script] = time.perf_counter() - started
         if options.strict:
             python = [*options.script, *self._dependencies, *dependencies]
             python = [path for path in python if path.endswith(".py")]

@@ -20,6 +20,7 @@ from orv.errors import Misuse, OrvError, did_you_mean
 _REQUIRED = {
     "jinja2": "python3-jinja2",
     "jsonschema": "python3-jsonschema",
+    "pygments": "python3-pygments",
     "tqdm": "python3-tqdm",
 }
 

@@ -191,6 +191,10 @@ class OutputOptions(OutputFolderOptions):
         file("FILE.json"),
         "write where each byte of the files comes from, for `orv where` and others",
     )
+    report: str | None = value(
+        file("FILE.html"),
+        "write a page that shows the files, where each line comes from, and what took time",
+    )
     check: bool = flag("write nothing; end with 1 when a file differs", exclusive="mode")
     dry_run: bool = flag("write nothing; list what would be written", exclusive="mode")
     diff: bool = flag("write nothing; show what would change")
@@ -348,7 +352,9 @@ class GenerateOptions(
     @property
     def reports(self) -> list[str]:
         """The paths of the reports."""
-        paths = (self.depfile, self.manifest, self.outputs, self.stamp, self.trace)
+        paths = (
+            self.depfile, self.manifest, self.outputs, self.report, self.stamp, self.trace
+        )  # fmt: skip
         return [path for path in paths if path is not None]
 
     def ends_well(self, differs: bool) -> bool:
@@ -358,7 +364,7 @@ class GenerateOptions(
     @property
     def is_traced(self) -> bool:
         """Whether the run has to know where its text comes from."""
-        return self.trace is not None or self.line_directives
+        return bool(self.trace is not None or self.report is not None or self.line_directives)
 
     @property
     def writes(self) -> bool:

@@ -134,14 +134,28 @@ class Outputs:
 
             data = manifest(self._run, self._files)
             wanted.append(reports.Report("manifest", options.manifest, data))
-        if options.trace is not None:
-            from orv.output.tracefile import trace_file
-
-            data = trace_file(self._run, self._files, options.out)
-            wanted.append(reports.Report("trace", options.trace, data))
+        wanted += self._origins()
         return wanted + common_reports(
             options, lambda: shown_paths(self._files), self._dependencies
         )
+
+    def _origins(self) -> list[reports.Report]:
+        """The trace and the report, which is made of it."""
+        options = self._options
+        wanted: list[reports.Report] = []
+        if options.trace is None and options.report is None:
+            return wanted
+        from orv.output.tracefile import encoded, trace_document
+
+        trace = trace_document(self._run, self._files, options.out)
+        if options.trace is not None:
+            wanted.append(reports.Report("trace", options.trace, encoded(trace)))
+        if options.report is not None:
+            from orv.report.page import report_page
+
+            page = report_page(self._run, self._files, trace)
+            wanted.append(reports.Report("report", options.report, page))
+        return wanted
 
     def _dependencies(self) -> list[str]:
         """What the run read and what it says it depends on, without its own outputs."""

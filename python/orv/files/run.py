@@ -17,7 +17,8 @@ class Run:
 
     The parts do the work: `files` declares and selects, `printer` takes text, `custom` knows the
     custom sections, `regions` the user regions, with what is `known` of them, `trace` where text
-    comes from, in a run that is traced. `step` is called each time a template opens a file.
+    comes from, in a run that is traced, and how long templates run, in one that is `timed`. `step`
+    is called each time a template opens a file.
     """
 
     def __init__(
@@ -29,6 +30,7 @@ class Run:
         known: KnownRegions = KnownRegions(),
         traced: bool = False,
         places: _native.Places | None = None,
+        timed: bool = False,
     ) -> None:
         self.messages = messages
         # Files that templates, scripts and extensions say the outputs depend on.
@@ -36,6 +38,10 @@ class Run:
         self.step = step
         self.repository = _native.Repository()
         self.trace = self.repository.start_trace() if traced else None
+        if timed and self.trace is not None:
+            self.trace.start_clock()
+        # How long each script ran.
+        self.script_seconds: dict[str, float] = {}
         # Where the values of the model were written, as far as that is known.
         self.places = places or _native.Places()
         self.files = FileTable(self.repository, messages)

@@ -3,7 +3,8 @@
 from __future__ import annotations
 
 import json
-from collections.abc import Iterable
+from collections.abc import Iterable, Mapping
+from typing import Any
 
 from orv import _native
 from orv.files.run import Run
@@ -14,6 +15,16 @@ VERSION = 1
 
 
 def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
+    """The bytes of the trace file; see trace_document()."""
+    return encoded(trace_document(run, files, folder))
+
+
+def encoded(document: Mapping[str, Any]) -> bytes:
+    """The trace file that holds a trace."""
+    return json.dumps(document, separators=(",", ":")).encode() + b"\n"
+
+
+def trace_document(run: Run, files: Iterable[PlannedFile], folder: str) -> dict[str, Any]:
     """The trace of a run that was traced, with the files that are not empty, in their order.
 
     `folder` is the output folder as the user named it.
@@ -22,7 +33,7 @@ def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
     trace = run.trace
     # Before the tables: a formatter's lines are sites of their own.
     entries = [_entry(trace, file, file.composed) for file in files if file.composed is not None]
-    document = {
+    return {
         "format": FORMAT,
         "version": VERSION,
         "folder": folder,
@@ -30,8 +41,6 @@ def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
         **trace.tables(run.places),
         "files": entries,
     }
-    text = json.dumps(document, separators=(",", ":"))
-    return text.encode() + b"\n"
 
 
 def _entry(

@@ -85,15 +85,17 @@ def render(
     budget: Budget = Budget(),
     known: KnownRegions = KnownRegions(),
     traced: bool = False,
+    timed: bool = False,
 ) -> Run:
     """Render the templates, one after the other, with the variables of `model`; finish the run.
 
     `step` is called each time a template opens a file; `places` knows where the model's values were
     written; `budget` bounds what the templates use, `known` is what is known of user regions. A run
-    that is `traced` knows where its text comes from. Raises TemplateError, whose text begins with
+    that is `traced` knows where its text comes from, and how long each template ran if it is `timed`.
+    Raises TemplateError, whose text begins with
     the line at fault.
     """
-    run = Run(messages, text_of, refuse_outside, step, known, traced, places)
+    run = Run(messages, text_of, refuse_outside, step, known, traced, places, timed)
     if budget.text:
         run.printer.bound(budget.text)
     with written_with(language.delimiters):

@@ -30,11 +30,13 @@ class Sites:
         self._sites: dict[tuple[str, int], int] = {}
         self._labels: dict[tuple[str, str], int] = {}
 
-    def site(self, template: str, position: int, kind: str, line: int) -> int:
-        """The number of a site; sites that are asked for in a row have consecutive numbers."""
+    def site(self, template: str, position: int, kind: str, line: int, lines: int) -> int:
+        """The number of a site of so many lines; sites that are asked for in a row have consecutive
+        numbers.
+        """
         key = (template, position)
         if key not in self._sites:
-            self._sites[key] = self.trace.add_site(kind, template, line)
+            self._sites[key] = self.trace.add_site(kind, template, line, lines)
         return self._sites[key]
 
     def label(self, kind: str, name: str) -> int:
@@ -89,11 +91,14 @@ class TracedCode(TemplateCode):
         self.write(f", {self._site('value', node.lineno if node is not None else 0)})")
 
     def _end_group(self, group: list[nodes.Expr]) -> None:
-        sites = [
-            self._site("text" if isinstance(child, nodes.TemplateData) else "value", child.lineno)
-            for child in group
-        ]
+        sites = [self._site_of(child) for child in group]
         self.write(f", {sites[0]})")
+
+    def _site_of(self, child: nodes.Expr) -> int:
+        if not isinstance(child, nodes.TemplateData):
+            return self._site("value", child.lineno)
+        lines = child.data.removesuffix("\n").count("\n") + 1
+        return self._site("text", child.lineno, lines)
 
     def _begin_printed_call(self, node: nodes.Call) -> None:
         self.write(f"environment.call_traced({self._site('tag', node.lineno)}, context, ")
@@ -178,6 +183,6 @@ class TracedCode(TemplateCode):
         label = self._sites.label(kind, known)
         return f"printer.enter_link({self._site('tag', node.lineno)}, {label})"
 
-    def _site(self, kind: str, line: int) -> int:
+    def _site(self, kind: str, line: int, lines: int = 1) -> int:
         self._count += 1
-        return self._sites.site(self._label, self._count, kind, line)
+        return self._sites.site(self._label, self._count, kind, line, lines)

@@ -257,6 +257,7 @@ PyObject* writeTraced(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("write_traced", count, 1, PY_SSIZE_T_MAX);
     auto site = static_cast<std::uint32_t>(numberArgument(arguments[count - 1]));
+    traceOf(self).ran(site);
     for (Py_ssize_t i = 0; i + 1 < count; ++i) {
       Body& body = object.printer->top();
       const std::size_t before = body.text.size();
@@ -278,10 +279,11 @@ PyObject* writeTraced(PyObject* self, Arguments arguments, Py_ssize_t count) {
 PyObject* enterLink(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("enter_link", count, 2, 2);
+    const auto site = static_cast<std::uint32_t>(numberArgument(arguments[0]));
+    traceOf(self).ran(site);
     Links& links = traceOf(self).links();
     const std::size_t depth = links.depth();
-    links.enter(static_cast<std::uint32_t>(numberArgument(arguments[0])),
-                static_cast<std::uint32_t>(numberArgument(arguments[1])));
+    links.enter(site, static_cast<std::uint32_t>(numberArgument(arguments[1])));
     return PyLong_FromSize_t(depth);
   });
 }
@@ -291,10 +293,11 @@ PyObject* enterLink(PyObject* self, Arguments arguments, Py_ssize_t count) {
 PyObject* enterLoop(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("enter_loop", count, 4, 4);
+    const auto site = static_cast<std::uint32_t>(numberArgument(arguments[0]));
+    traceOf(self).ran(site);
     Links& links = traceOf(self).links();
     const std::size_t depth = links.depth();
-    links.enterLoop(static_cast<std::uint32_t>(numberArgument(arguments[0])),
-                    py::reinterpret_borrow<py::object>(arguments[1]),
+    links.enterLoop(site, py::reinterpret_borrow<py::object>(arguments[1]),
                     py::reinterpret_borrow<py::object>(arguments[2]), numberArgument(arguments[3]));
     return PyLong_FromSize_t(depth);
   });
@@ -302,7 +305,7 @@ PyObject* enterLoop(PyObject* self, Arguments arguments, Py_ssize_t count) {
 
 PyObject* leaveLink(PyObject* self, PyObject* depth) {
   return guarded([&] {
-    traceOf(self).links().leaveTo(static_cast<std::size_t>(numberArgument(depth)));
+    traceOf(self).leaveTo(static_cast<std::size_t>(numberArgument(depth)));
     return none();
   });
 }

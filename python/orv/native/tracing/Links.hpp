@@ -69,6 +69,8 @@ class Links {
   // A loop has an element at hand, at a position of what it iterates over, or -1.
   void enterLoop(std::uint32_t site, pybind11::object element, pybind11::object iterated,
                  std::int64_t position);
+  // Where the link that was entered at `depth` was asked for.
+  std::uint32_t siteAt(std::size_t depth) const { return frames_[depth].site; }
   // Leaves everything above `depth`.
   void leaveTo(std::size_t depth);
 

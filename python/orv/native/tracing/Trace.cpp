@@ -47,6 +47,11 @@ std::uint32_t Trace::addSite(Site site) {
   return static_cast<std::uint32_t>(sites_.size() - 1);
 }
 
+void Trace::leaveTo(std::size_t depth) {
+  if (depth < links_.depth()) times_.returned(sites_[links_.siteAt(depth)].file);
+  links_.leaveTo(depth);
+}
+
 void Trace::declare(int file, Varn::VarnFileSectionKind section, const std::string& name) {
   const auto custom = customSections_.try_emplace({file, name}).first;
   std::vector<CustomSections::iterator>& known = declared_[{file, section}];

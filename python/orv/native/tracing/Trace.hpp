@@ -16,6 +16,7 @@
 
 #include "python/orv/native/tracing/Links.hpp"
 #include "python/orv/native/tracing/Ranges.hpp"
+#include "python/orv/native/tracing/Times.hpp"
 
 namespace orv {
 
@@ -72,6 +73,8 @@ class Trace {
     Kind kind;
     std::uint32_t file;  // in strings()
     std::uint32_t line;  // 0: no line of its own
+    // How many lines of the template it has something on.
+    std::uint32_t lines = 1;
   };
 
   Trace();
@@ -86,6 +89,14 @@ class Trace {
   static Origin ownOrigin(Kind kind) { return {static_cast<std::uint32_t>(kind), 0}; }
 
   Links& links() { return links_; }
+  const Links& links() const { return links_; }
+  // Leaves all links above `depth`.
+  void leaveTo(std::size_t depth);
+  Times& times() { return times_; }
+  // The template of the site has run until now, in a run whose templates are timed.
+  void ran(std::uint32_t site) {
+    if (site < sites_.size()) times_.ran(sites_[site].file);
+  }
   Strings& strings() { return strings_; }
   const Strings& strings() const { return strings_; }
   const std::vector<Site>& sites() const { return sites_; }
@@ -139,6 +150,7 @@ class Trace {
 
   Strings strings_;
   Links links_;
+  Times times_;
   std::vector<Site> sites_;
   std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> lineSites_;
   std::map<SectionKey, TracedText> sections_;

@@ -1,11 +1,14 @@
+#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "python/orv/native/Bindings.hpp"
 #include "python/orv/native/Bytes.hpp"
 #include "python/orv/native/Text.hpp"
 #include "python/orv/native/tracing/Deltas.hpp"
+#include "python/orv/native/tracing/LineUses.hpp"
 #include "python/orv/native/tracing/ModelPaths.hpp"
 #include "python/orv/native/tracing/Trace.hpp"
 
@@ -69,6 +72,26 @@ py::dict tablesOf(Trace& trace, const Places& places) {
   return tables;
 }
 
+// How long each template ran, by its name.
+py::dict secondsOf(Trace& trace) {
+  py::dict seconds;
+  for (const auto& [file, time] : trace.times().all()) {
+    seconds[toPython(*trace.strings().all()[file])] = std::chrono::duration<double>(time).count();
+  }
+  return seconds;
+}
+
+// The table of a LineUses, for the table of ranges and the bytes of each file.
+std::string lineUses(const Trace& trace, const py::iterable& files) {
+  LineUses uses(trace);
+  for (const py::handle file : files) {
+    const auto pair = file.cast<py::tuple>();
+    const auto ranges = pair[0].cast<std::string_view>();
+    uses.add(ranges, Bytes(pair[1]).view());
+  }
+  return uses.table();
+}
+
 // The ends of the lines of a text, as a table.
 std::string lineEnds(const py::object& data) {
   const Bytes bytes(data);
@@ -97,10 +120,14 @@ py::list columns(const py::str& text, std::size_t fields) {
 
 void bindTrace(py::module_& module, RepositoryClass& repository) {
   py::class_<Trace, std::shared_ptr<Trace>>(module, "Trace")
-      .def("add_site",
-           [](Trace& trace, const std::string& kind, const py::str& file, std::uint32_t line) {
-             return trace.addSite({kindOf(kind), trace.strings().number(bytesOf(file)), line});
-           })
+      .def(
+          "add_site",
+          [](Trace& trace, const std::string& kind, const py::str& file, std::uint32_t line,
+             std::uint32_t lines) {
+            const std::uint32_t label = trace.strings().number(bytesOf(file));
+            return trace.addSite({kindOf(kind), label, line, lines});
+          },
+          py::arg("kind"), py::arg("file"), py::arg("line"), py::arg("lines") = 1)
       .def("add_label",
            [](Trace& trace, const py::str& kind, const py::str& name) {
              Strings& strings = trace.strings();
@@ -110,7 +137,10 @@ void bindTrace(py::module_& module, RepositoryClass& repository) {
       .def("ask", [](Trace& trace, int file, const py::str& header,
                      std::uint32_t site) { trace.ask(file, bytesOf(header), site); })
       .def_property_readonly("depth", [](Trace& trace) { return trace.links().depth(); })
-      .def("leave_to", [](Trace& trace, std::size_t depth) { trace.links().leaveTo(depth); })
+      .def("leave_to", &Trace::leaveTo)
+      .def("start_clock", [](Trace& trace) { trace.times().start(); })
+      .def_property_readonly("seconds", &secondsOf)
+      .def("line_uses", &lineUses)
       .def("tables", &tablesOf);
   repository
       .def("start_trace",
