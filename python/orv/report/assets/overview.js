@@ -130,7 +130,7 @@ class Overview {
     const list = new VirtualList("Warnings");
     list.set({
       count: warnings.length,
-      fill: (row, i) => row.append(element("span", { title: warnings[i] }, warnings[i])),
+      fill: (row, i) => row.append(element("span", { class: "grow", title: warnings[i] }, warnings[i])),
       choose: (i) => this.follow(warnings[i]),
     });
     return [element("h2", {}, "Warnings"), list.element];

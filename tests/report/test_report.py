@@ -1,0 +1,190 @@
+"""The page of a report, in a real browser: what it shows, and that nothing in it is run."""
+
+from __future__ import annotations
+
+import json
+import shutil
+import subprocess
+import sys
+from collections.abc import Callable, Iterator
+from pathlib import Path
+
+import pytest
+
+pytest.importorskip("selenium", reason="needs python3-selenium: scripts/setup browser")
+
+from selenium.common.exceptions import (
+    ElementNotInteractableException,
+    StaleElementReferenceException,
+)
+from selenium.webdriver import Chrome, ChromeOptions, Keys
+from selenium.webdriver.chrome.service import Service
+from selenium.webdriver.common.by import By
+from selenium.webdriver.support.ui import WebDriverWait
+
+EXAMPLE = Path(__file__).parents[2] / "examples" / "gl"
+REGISTRY = Path("/usr/share/khronos-api/gl.xml")
+# What would run if any of it became a part of the page.
+HOSTILE = (
+    '</script><script>document.title="run"</script><img src=x onerror="document.title=1">'
+    "]]>--><svg/onload=document.title=2>'\"&lt;\u2028{{ javascript:alert(1) }}"
+)
+
+
+def generate(folder: Path, *arguments: str | Path) -> str:
+    """The address of the report of a run."""
+    page = folder / "report.html"
+    command = [sys.executable, "-m", "orv", "generate", *arguments, "--report", page,
+               "--out", folder / "out", "--no-state", "--quiet"]  # fmt: skip
+    subprocess.run(command, check=True, cwd=folder)
+    return page.as_uri()
+
+
+@pytest.fixture(scope="module")
+def browser() -> Iterator[Chrome]:
+    """A browser without a window."""
+    program, driver = shutil.which("chromium"), shutil.which("chromedriver")
+    if program is None or driver is None:
+        pytest.skip("needs chromium and chromium-driver: scripts/setup browser")
+    options = ChromeOptions()
+    options.binary_location = program
+    for argument in ("headless=new", "no-sandbox", "disable-dev-shm-usage", "disable-gpu",
+                     "window-size=1400,900"):  # fmt: skip
+        options.add_argument(f"--{argument}")
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    chrome = Chrome(options=options, service=Service(driver))
+    yield chrome
+    chrome.quit()
+
+
+class Page:
+    """A report in the browser. Lists are named by the beginning of their labels."""
+
+    def __init__(self, browser: Chrome, address: str) -> None:
+        self.browser = browser
+        self._address = address
+        self.open("#")
+
+    def open(self, state: str) -> None:
+        """Load the page anew, in the state that an address tells."""
+        self.browser.get("about:blank")
+        self.browser.get(self._address + state)
+
+    def rows(self, label: str) -> list[str]:
+        """The rows of a list that are in view."""
+        script = """return [...document.querySelectorAll(`[aria-label^="${arguments[0]}"] .row`)]
+                           .map((row) => row.textContent)"""
+        found: list[str] = self.browser.execute_script(script, label)
+        return found
+
+    def texts(self, selector: str) -> list[str]:
+        """The texts of all elements of a selector."""
+        return [found.text for found in self.browser.find_elements(By.CSS_SELECTOR, selector)]
+
+    def row(self, label: str, text: str) -> None:
+        """Click the row of a list that has a text."""
+        found = f'//*[starts-with(@aria-label, "{label}")]//*[@role="option"][contains(., "{text}")]/*[1]'
+
+        def click() -> bool:
+            rows = self.browser.find_elements(By.XPATH, found)
+            for row in rows[:1]:
+                row.click()
+            return bool(rows)
+
+        self.wait(click)
+
+    def wait(self, condition: Callable[[], object]) -> None:
+        """Wait until a condition holds; the page may make elements anew meanwhile."""
+        ignored = [ElementNotInteractableException, StaleElementReferenceException]
+        WebDriverWait(self.browser, 10, ignored_exceptions=ignored).until(lambda _: condition())
+
+    def shows(self, label: str, *texts: str) -> None:
+        """Wait until rows in view of a list have these texts."""
+        self.wait(lambda: all(any(t in row for row in self.rows(label)) for t in texts))
+
+    def press(self, *keys: str) -> None:
+        """Press keys where the focus is."""
+        self.browser.switch_to.active_element.send_keys(*keys)
+
+    def is_clean(self) -> bool:
+        """Whether the browser has found nothing to complain about."""
+        return not self.browser.get_log("browser")
+
+
+def test_example(browser: Chrome, tmp_path: Path) -> None:
+    if not REGISTRY.exists():
+        pytest.skip("needs khronos-api")
+    address = generate(tmp_path, EXAMPLE / "loader.c.j2", "--extend", EXAMPLE / "selection.py",
+                       "--model", REGISTRY, "--set", "version=1.1",
+                       "--script", EXAMPLE / "banner.py")  # fmt: skip
+    page = Page(browser, address)
+    page.shows("Files", "gl_loader.c", "gl_version_1_1.h")
+    assert "5\nfiles" in "\n".join(page.texts(".facts > div"))
+    page.shows("Templates and scripts", "banner.py", "commands.j2")
+
+    # From a line of a file to its template and model, and back to all that the line printed.
+    page.row("Files", "gl_version_1_1.h")
+    page.shows("Includes", '"gl_types.h"files.j2:')
+    made = (tmp_path / "out" / "gl_version_1_1.h").read_text().splitlines()
+    line = made.index("#define glBindTexture glloader_glBindTexture") + 1
+    page.open(f"#file=gl_version_1_1.h&line={line - 1}")
+    page.row("Lines", "#define glBindTexture")
+    page.wait(lambda: "registry/commands/command[" in "".join(page.texts(".chain")))
+    assert page.texts(".pieces code")[:2] == ["#define ", "glBindTexture"]
+    page.row("Lines of the template", "#define {{ name }}")
+    printed = [line for line in made if line.startswith("#define gl")]
+    page.wait(lambda: page.texts(".steps span")[0].startswith(f"{len(printed)} lines of "))
+    page.shows("Files with what", f"gl_version_1_1.h×{len(printed)}", "gl_version_1_0.h")
+    page.row("Files with what", "gl_version_1_0.h")
+    page.wait(lambda: "#file=gl_version_1_0.h&line=" in browser.current_url)
+
+    # The address holds it all; the keyboard reaches it all.
+    page.open("#file=gl_loader.c&line=3")
+    page.wait(lambda: page.texts(".origin h2") == ["gl_loader.c:3"])
+    page.press("/")
+    page.press("look_up_GL_VERSION_1_1", Keys.ENTER)
+    page.shows("What was found", "function look_up_GL_VERSION_1_1", "look_up_GL_VERSION_1_1(")
+    page.press(Keys.ARROW_DOWN, Keys.ENTER)
+    page.shows("Outline", "look_up_GL_VERSION_1_1function")
+    assert page.is_clean()
+
+
+def test_coverage_and_warnings(browser: Chrome, tmp_path: Path) -> None:
+    (tmp_path / "a.j2").write_text(
+        '{% file "a.c" %}{% section "Enums" %}\n{% if false %}\none\ntwo {{ x }}\n\n{% endif %}\n'
+        '{% for i in range(3) %}\nint a{{ i }};\n{% endfor %}{% endsection %}{% do warn("look here") %}'
+        "{% endfile %}"
+    )
+    page = Page(browser, generate(tmp_path, "a.j2"))
+    page.row("Warnings", "look here")
+    page.shows("Lines of the template", "3neverone", "4nevertwo {{ x }}", "8×3int a{{ i }};")
+    assert page.texts(".never .count") == ["never", "never"]
+    assert page.is_clean()
+
+
+def test_hostile_run(browser: Chrome, tmp_path: Path) -> None:
+    (tmp_path / "m.json").write_text(json.dumps({"rows": {HOSTILE: HOSTILE}}))
+    name = HOSTILE.replace("/", "").replace("\u2028", "")
+    (tmp_path / f"{name}.j2").write_text(
+        '{% file name %}{% section "Enums" %}{% for key, row in rows.items() %}\n'
+        f"{{% raw %}}{HOSTILE}{{% endraw %}}\n{{{{ row }}}}\n{{% endfor %}}{{% endsection %}}"
+        "{% endfile %}{% do warn(rows|first) %}"
+    )
+    address = generate(tmp_path, f"{name}.j2", "--model", "m.json", "--set", f"name={name}.c")
+    page = Page(browser, address)
+    for label, text in {"Warnings": "onerror", "Files": "onerror", "Lines": "onload"}.items():
+        page.row(label, text)
+    page.wait(lambda: len(page.texts(".pieces li")) > 0)
+    page.press("/")
+    page.press("document.title", Keys.ENTER)
+    page.shows("What was found", "onload")
+    assert browser.title.startswith("Report of ")
+    assert browser.find_elements(By.CSS_SELECTOR, "img, svg") == []
+    # The page allows no other script, and no script has tried to run.
+    assert page.is_clean()
+    browser.execute_script(
+        "document.body.append(Object.assign(document.createElement('div'), {innerHTML: arguments[0]}))",
+        HOSTILE,
+    )
+    page.wait(lambda: not page.is_clean())
+    assert browser.title.startswith("Report of ")
