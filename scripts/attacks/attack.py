@@ -11,10 +11,13 @@ import tempfile
 import time
 from pathlib import Path
 
+import allocations
 import calls
 import disk
 
-ATTACKS = {attack.__name__: attack for attack in [*disk.ATTACKS, *calls.ATTACKS]}
+ATTACKS = {
+    attack.__name__: attack for attack in [*disk.ATTACKS, *allocations.ATTACKS, *calls.ATTACKS]
+}
 # A finding is said this often; the rest is counted.
 _SAID = 3
 

@@ -28,7 +28,7 @@ from orv.command import outputs
 from orv.command.main import main
 
 # A library that counts calls, and what arms it; see faults.cpp.
-_LAYER = ctypes.CDLL(None)
+LAYER = ctypes.CDLL(None)
 
 FILES = 12
 TEMPLATE = """\
@@ -52,6 +52,9 @@ ERRORS = [
     errno.EFBIG,
     errno.EBUSY,
 ]
+
+# Killed, or ended by a fault of the interpreter; see allocations.cpp.
+_ENDED = (-signal.SIGKILL, 86)
 
 Action = Callable[[], None]
 
@@ -88,7 +91,7 @@ class Running:
             said = stream.read().decode(errors="replace")
         _, status = os.waitpid(self._process, 0)
         outcome = Outcome(os.waitstatus_to_exitcode(status), said)
-        if "Traceback" in said or outcome.code not in (0, 1, -signal.SIGKILL):
+        if "Traceback" in said or outcome.code not in (0, 1, *_ENDED):
             raise Found(f"the run ended with {outcome.code}: {said[-2000:]}")
         if outcome.code == 1 and not said.startswith(("error: ", "warning: ", "t.j2:")):
             raise Found(f"the run failed without a message: {said!r}")
@@ -103,8 +106,9 @@ def _run_in_child(folder: Path, x: str, prepare: Action, said: int) -> None:
         os.dup2(said, 2)
         sys.stdout = open(1, "w", closefd=False)
         sys.stderr = open(2, "w", buffering=1, closefd=False)
+        arguments = ["generate", "t.j2", "--out", "out", "--set", f'x="{x}"', "--quiet"]
         prepare()
-        code = main(["generate", "t.j2", "--out", "out", "--set", f'x="{x}"', "--quiet"])
+        code = main(arguments)
     except SystemExit as ended:
         code = ended.code if isinstance(ended.code, int) else 70
     except BaseException:
@@ -177,7 +181,7 @@ def _remove(path: Path) -> None:
 
 
 def _arm(call: int, *how: object) -> None:
-    _LAYER.faults_arm(ctypes.c_long(call), *how)
+    LAYER.faults_arm(ctypes.c_long(call), *how)
 
 
 def arm(call: int, lasts: bool = False, error: int = 0, sent: int = 0) -> Action:
@@ -206,7 +210,7 @@ def _calls_until_opened(folder: Path) -> int:
 
         def open_folder(*arguments: Any) -> Any:
             opened = opening(*arguments)
-            (folder / "opened").write_text(str(_LAYER.faults_calls()))
+            (folder / "opened").write_text(str(LAYER.faults_calls()))
             return opened
 
         vars(outputs)["open_folder"] = open_folder
@@ -262,12 +266,16 @@ _calls: dict[Path, int] = {}
 
 
 def _call(folder: Path, case: int) -> int:
-    """Each call of a run, in an order that soon comes to all its parts."""
+    """Each call of a run, in turn."""
     if folder not in _calls:
         _calls[folder] = calls_of_a_run(folder)
-    total = _calls[folder]
+    return spread(case, _calls[folder]) + 1
+
+
+def spread(case: int, total: int) -> int:
+    """Each number below `total` as cases go on, soon some of all parts."""
     stride = next(step for step in range(total * 5 // 8, 2 * total) if math.gcd(step, total) == 1)
-    return case * stride % total + 1
+    return case * stride % total
 
 
 def file_size_limit(folder: Path, _: int, chance: random.Random) -> None:

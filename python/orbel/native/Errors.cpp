@@ -25,7 +25,9 @@ void setHostError(const HostException& error, const char* module, const char* na
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     arguments[i] = argumentOf(error.arguments()[i]);
   }
-  const py::object type = py::module_::import(module).attr(name);
+  // Interned, as Python's cache of look-ups keeps each name object that it has seen.
+  const py::object attribute = checked(PyUnicode_InternFromString(name));
+  const py::object type = py::getattr(py::module_::import(module), attribute);
   const py::object raised =
       type(checked(newText(error.message())), checked(newText(identifier)), arguments);
   PyErr_SetObject(type.ptr(), raised.ptr());
@@ -53,7 +55,8 @@ void setPythonError() noexcept {
   } catch (const std::bad_alloc&) {
     PyErr_NoMemory();
   } catch (const std::exception& error) {
-    PyErr_SetString(PyExc_RuntimeError, error.what());
+    // pybind11 throws this beside the MemoryError that a failed allocation has set.
+    if (PyErr_Occurred() == nullptr) PyErr_SetString(PyExc_RuntimeError, error.what());
   } catch (...) {
     PyErr_SetString(PyExc_RuntimeError, "a host object raised something that is no exception");
   }

@@ -1,13 +1,18 @@
 #include <Python.h>
+#include <memory>
+#include <new>
 #include <string>
 #include <structmember.h>
 
 #include <boost/container/small_vector.hpp>
 #include <pybind11/pybind11.h>
 
+#include <orbel/ObjectSystem.hpp>
+
 #include "python/orbel/native/Documentation.hpp"
 #include "python/orbel/native/Errors.hpp"
 #include "python/orbel/native/FromPython.hpp"
+#include "python/orbel/native/HostClass.hpp"
 #include "python/orbel/native/Members.hpp"
 #include "python/orbel/native/Object.hpp"
 #include "python/orbel/native/Text.hpp"
@@ -19,13 +24,15 @@ namespace {
 struct MethodObject {
   PyObject_HEAD vectorcallfunc vectorcall;
   const Method* method;
+  bool makesObjects;     // whether the result is an object
+  bool isResultDefined;  // whether the class of that object has been asked for
 };
 
 PyTypeObject* theMethodType = nullptr;
 
-const Method& methodOf(PyObject* object) {
-  return *reinterpret_cast<MethodObject*>(object)->method;
-}
+MethodObject& self(PyObject* object) { return *reinterpret_cast<MethodObject*>(object); }
+
+const Method& methodOf(PyObject* object) { return *self(object).method; }
 
 Object& requireObject(const Method& method, PyObject* const* arguments, std::size_t count) {
   Object* object = count == 0 ? nullptr : asObject(arguments[0]);
@@ -35,6 +42,33 @@ Object& requireObject(const Method& method, PyObject* const* arguments, std::siz
                                      (count == 0 ? "nothing" : Py_TYPE(arguments[0])->tp_name));
   }
   return *object;
+}
+
+// Makes the class of the results, which takes most of the memory that showing the first one does.
+void defineResult(MethodObject& callable) {
+  const ClassInfo* info = ObjectSystem::instance().findClass(callable.method->signature().result());
+  if (info != nullptr) typeOf(*info);
+  callable.isResultDefined = true;
+}
+
+// The result of a call that may have made an object. The call has taken effect, so that a lack of
+// memory must not keep the object from the script: what showing it takes is allocated before.
+PyObject* invokeMaking(MethodObject& callable, Arguments arguments, Object& object) {
+  constexpr std::size_t enough = 1000;
+  if (!callable.isResultDefined) defineResult(callable);
+  std::unique_ptr<void, decltype(&PyMem_RawFree)> reserve(PyMem_RawMalloc(enough), &PyMem_RawFree);
+  if (!reserve) throw std::bad_alloc();
+  const Value result = callable.method->invoke(arguments);
+  PyObject* shown = nullptr;
+  try {
+    shown = toPython(result, &object);
+  } catch (const std::bad_alloc&) {
+    PyErr_NoMemory();
+  }
+  if (shown != nullptr || PyErr_ExceptionMatches(PyExc_MemoryError) == 0) return shown;
+  PyErr_Clear();
+  reserve.reset();
+  return toPython(result, &object);
 }
 
 PyObject* call(PyObject* callable, PyObject* const* arguments, std::size_t flaggedCount,
@@ -52,7 +86,9 @@ PyObject* call(PyObject* callable, PyObject* const* arguments, std::size_t flagg
     for (std::size_t i = 1; i < count; ++i) {
       values.push_back(fromPython(arguments[i], Place(method, i)));
     }
-    return toPython(method.invoke({values.data(), values.size()}), &object);
+    const Arguments all(values.data(), values.size());
+    if (self(callable).makesObjects) return invokeMaking(self(callable), all, object);
+    return toPython(method.invoke(all), &object);
   });
 }
 
@@ -107,6 +143,7 @@ pybind11::object newMethod(const Method& method) {
   auto* object = reinterpret_cast<MethodObject*>(made.ptr());
   object->vectorcall = call;
   object->method = &method;
+  object->makesObjects = typeKind(method.signature().result()) == TypeKind::object;
   return made;
 }
 

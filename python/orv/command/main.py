@@ -42,6 +42,7 @@ def main(arguments: Sequence[str] | None = None) -> int:
 
 def _main(arguments: Sequence[str] | None) -> int:
     _prepare_streams()
+    sys.unraisablehook = _report_unraisable
     try:
         try:
             return _run(sys.argv[1:] if arguments is None else list(arguments))
@@ -124,6 +125,12 @@ def _prepare_streams() -> None:
     for stream in (sys.stdout, sys.stderr):
         if isinstance(stream, io.TextIOWrapper):
             stream.reconfigure(encoding="utf-8", errors="surrogateescape")
+
+
+def _report_unraisable(raised: sys.UnraisableHookArgs) -> None:
+    """Leave out that there was no memory to close a generator: the run goes on, and is whole."""
+    if not issubclass(raised.exc_type, MemoryError):
+        sys.__unraisablehook__(raised)
 
 
 def _give_up_streams() -> None:
