@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -15,9 +16,9 @@ namespace {
 using orbel::ClassInfo;
 
 // One module for the whole program: a module starts at most once in a process.
-orbel::Module& module() {
-  static const auto loaded = orbel::Module::load("varn_filepackaging");
-  return *loaded;
+std::shared_ptr<orbel::Module>& module() {
+  static auto loaded = orbel::Module::load("varn_filepackaging");
+  return loaded;
 }
 
 orbel::PackageInterface& package() {
@@ -63,11 +64,19 @@ TEST(ExposedClasses, AreThoseOfTheList) {
 }
 
 TEST(Module, ExportsWhatTheHostLooksFor) {
-  EXPECT_EQ(module().version(), VARN_EXPECTED_VERSION);
-  EXPECT_THAT(module().buildDate(), testing::MatchesRegex("[A-Z][a-z]{2} [ 1-3][0-9] [0-9]{4}"));
-  EXPECT_EQ(module().relativePath(), "bin\\win64\\varn_filepackaging.so");
-  ASSERT_NE(module().functions().entries, nullptr);
-  EXPECT_EQ(module().functions().entries[0].name, nullptr);
+  EXPECT_EQ(module()->version(), VARN_EXPECTED_VERSION);
+  EXPECT_THAT(module()->buildDate(), testing::MatchesRegex("[A-Z][a-z]{2} [ 1-3][0-9] [0-9]{4}"));
+  EXPECT_EQ(module()->relativePath(), "bin\\win64\\varn_filepackaging.so");
+  ASSERT_NE(module()->functions().entries, nullptr);
+  EXPECT_EQ(module()->functions().entries[0].name, nullptr);
+}
+
+// The last one, as a module starts once.
+TEST(Module, TakesItsPackageAway) {
+  package();
+  module().reset();
+  EXPECT_EQ(nullptr,
+            orbel::ObjectSystem::instance().publicClient().findPackage(orbel::Name("Varn")));
 }
 
 }  // namespace

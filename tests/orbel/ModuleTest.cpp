@@ -36,8 +36,8 @@ TEST(Module, SaysWhatIsMissing) {
   EXPECT_EQ(raisedText([] { Module::load(ORBEL_PARTIAL_MODULE); }),
             "Orbel:ModuleIncomplete: The file \"" ORBEL_PARTIAL_MODULE
             "\" is not a module: it does not export OrbelTerminate_orbel_partial, "
-            "QueryOrbelFcnTable_orbel_partial, orbel_partial_version, orbel_partial_build_date, "
-            "orbel_partial_relative_path.");
+            "QueryOrbelFcnTable_orbel_partial (it gives no table), orbel_partial_version, "
+            "orbel_partial_build_date, orbel_partial_relative_path.");
   const std::pair<std::string, std::string> rows[] = {
       {ORBEL_NO_LIBRARY, "ModuleTest.cpp\" cannot be loaded: "},
       {"no_such_module", "no_such_module\" cannot be loaded: "},

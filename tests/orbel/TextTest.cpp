@@ -56,6 +56,7 @@ TEST(Text, CharacterArraysReadBackInEitherWidth) {
   EXPECT_EQ(narrow.toText16(), wide.toText16());
   EXPECT_EQ(narrow.toText(), wide.toText());
   EXPECT_EQ(narrow, wide);
+  EXPECT_FALSE(narrow == orbel::CharacterArray("a")) << "other text of the same width";
 }
 
 }  // namespace

@@ -88,7 +88,7 @@ class RandomNames {
   std::size_t below(std::size_t end) { return random_() % end; }
   std::string name() {
     static const Names pieces = {
-        "a", "b.h", "<", ">", "\"", "\n", " ", "<a>", "\n#include \"a\"\n"};
+        "a", "b.h", "<", ">", "\"", "\n", " ", "<a>", "\n#include \"a\"\n", "\n#include aa\"\n"};
     std::string text;
     for (std::size_t i = below(4); i > 0; --i) text += pieces[below(pieces.size())];
     return below(12) == 0 ? text + "\0x"s : text;
