@@ -108,15 +108,22 @@ class Body {
     return [...this.pieces(this.beginOf(line), this.lineEnds[line - 1])];
   }
 
-  // The lines that a line of a template printed something on.
+  // The lines that a line of a template, or with 0 any line of it, printed something on.
   linesOf(source, at) {
-    const lines = new Set();
-    for (const piece of this.pieces()) {
-      if (piece.site.file !== source || (at && piece.line !== at)) continue;
-      const last = this.lineAt(piece.end - 1);
-      for (let line = piece.on; line <= last; ++line) lines.add(line);
-    }
-    return [...lines];
+    const sites = this.run.trace.sites.map((_, number) => this.run.site(number));
+    const lines = [];
+    let begin = 0;
+    let first = 1;
+    this.ends.forEach((end, i) => {
+      const site = sites[this.sites[i]];
+      while (this.lineEnds[first - 1] <= begin) ++first;
+      for (let line = first; site.file === source && begin < end; begin = this.lineEnds[line++ - 1]) {
+        const from = site.line + (site.kind === "text" ? line - first : 0);
+        if ((!at || from === at) && lines.at(-1) !== line) lines.push(line);
+      }
+      begin = end;
+    });
+    return lines;
   }
 }
 

@@ -51,7 +51,7 @@ class FileView {
     this.lines.set({
       count: body.lineEnds.length,
       fill: (row, i) => this.fill(row, i + 1, isC),
-      choose: (i) => this.page.go({ file: file.path, line: i + 1 }),
+      choose: (i, isMove) => this.page.go({ file: file.path, line: i + 1 }, isMove),
     });
     this.setOutline(file);
     this.setIncludes(file);

@@ -18,7 +18,7 @@ const ROW = 20;
 const HIGHEST = 8_000_000;
 
 // A list box. `fill(row, index)` makes the contents of a row; `choose(index)` is called for a row
-// that is clicked, for Enter, and if `follows` whenever the selection moves.
+// that is clicked, for Enter, and if `follows` with true when keys move the selection.
 class VirtualList {
   static made = 0;
 
@@ -102,7 +102,7 @@ class VirtualList {
     if (event.altKey || event.ctrlKey || event.metaKey || !this.count) return;
     if (event.key in steps) {
       this.select(this.selected + steps[event.key]);
-      if (this.follows) this.choose(this.selected);
+      if (this.follows) this.choose(this.selected, true);
     } else if (event.key === "Enter" && this.selected >= 0) {
       this.choose(this.selected);
     } else {

@@ -42,9 +42,11 @@ class Page {
     return `#${new URLSearchParams(known)}`;
   }
 
-  go(state) {
+  // Shows a state. The browser's way back leads to the one before unless this one takes its place.
+  go(state, replaces = false) {
     this.movesFocus = !state.file || state.file !== this.state.file;
-    location.hash = this.address(state);
+    if (replaces) location.replace(this.address(state));
+    else location.hash = this.address(state);
   }
 
   // What the address says, as far as the run has it.

@@ -55,7 +55,7 @@ class Overview {
         run.files.filter((file) => file.state === state).length, state,
       ]).filter(([count, state]) => count || state === "new"),
       [run.sources.size, "templates and scripts"],
-      [shownSeconds([...run.seconds.values()].reduce((sum, time) => sum + time, 0)), "for these"],
+      [shownSeconds([...run.seconds.values()].reduce((sum, time) => sum + time, 0)), "spent in them"],
       [run.warnings.length, "warnings"],
     ];
     return element("dl", { class: "facts" }, ...facts.map(([value, name]) =>
