@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import time
 from pathlib import Path
 
 import packaging
@@ -17,7 +18,8 @@ _INSIDE = {
 
 
 def measure(folder: Path, count: int, rounds: int) -> dict[str, Usage]:
-    """The second of two runs of `count` files: with and without a state, and with user regions."""
+    """The second of two runs of `count` files: with and without a state, with user regions, and
+    skipped as nothing has changed."""
     model = folder / f"again-{count}.json"
     model.write_text(json.dumps(packaging.modules(count // 2, 12)))
     commands: dict[str, list[str]] = {}
@@ -32,5 +34,9 @@ def measure(folder: Path, count: int, rounds: int) -> dict[str, Usage]:
     commands["regions"] += ["--run", "again"]
     commands["none"] = [*commands["comments"], "--no-state"]
     commands["comments"] += ["--run", "again"]
+    commands["skipped"] = [word for word in commands["state"] if word != "--always"]
     alternate(list(commands.values()), 1)
+    # What has just changed is looked at twice.
+    time.sleep(2)
+    alternate([commands["skipped"]], 2)
     return dict(zip(commands, alternate(list(commands.values()), rounds), strict=True))

@@ -9,7 +9,8 @@ from pathlib import Path
 from statistics import median
 from typing import NamedTuple
 
-GENERATE = [sys.executable, "-m", "orv", "generate", "--quiet"]
+# A command that always runs.
+GENERATE = [sys.executable, "-m", "orv", "generate", "--quiet", "--always"]
 
 _USAGE_OF = str(Path(__file__).with_name("usage_of.py"))
 

@@ -121,7 +121,8 @@ def compare_sizes(report: Report, rounds: int, folder: Path) -> None:
 
 
 def compare_again(report: Report, rounds: int, folder: Path) -> None:
-    """A run in which nothing changes: what the state file, the depfile and user regions cost."""
+    """A run in which nothing changes: what the state file, the depfile and user regions cost, and
+    what it costs to skip it."""
     for count in (1000, 10_000):
         usage = again.measure(folder, count, rounds)
         goal = 1.05 if count == 1000 else None
@@ -132,6 +133,10 @@ def compare_again(report: Report, rounds: int, folder: Path) -> None:
             note = f"{ours.seconds:.2f} s / {theirs.seconds:.2f} s"
             ratio = ours.seconds / theirs.seconds
             report.add(f"{count} files again, {what}, time", ratio, goal, note=note)
+        ours, theirs = usage["skipped"], usage["state"]
+        note = f"{ours.seconds:.3f} s / {theirs.seconds:.2f} s"
+        ratio = ours.seconds / theirs.seconds
+        report.add(f"{count} files again, skipped / run, time", ratio, 0.25, 0.1, note)
 
 
 def compare_trace(report: Report, rounds: int, folder: Path) -> None:

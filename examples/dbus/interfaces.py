@@ -80,6 +80,7 @@ class Container(NamedTuple):
     parts: list[str]
 
 
+@orv.pure
 @orv.prepare
 def choose(model: orv.Model) -> orv.Model:
     """Add the interfaces in order of their names, and the containers that they need."""
@@ -170,12 +171,14 @@ def containers(signature: str) -> Iterator[Container]:
     yield Container(signature, made_of)
 
 
+@orv.pure
 @orv.filter
 def c_type(signature: str) -> str:
     """The C type of a complete type."""
     return BASIC.get(signature) or f"dbus_{signature.translate(BRACKETS)}"
 
 
+@orv.pure
 @orv.filter
 def declared(name: str, signature: str) -> str:
     """The declaration of a name of this type."""

@@ -73,6 +73,7 @@ class Choice:
         return {n: owner for owner in reversed(self.owners) for n in self.required(owner, tag)}
 
 
+@orv.pure
 @orv.prepare
 def choose(model: orv.Model) -> orv.Model:
     """Add what the templates print."""
@@ -124,6 +125,7 @@ def types(registry: Element, needed: set[str], commands: dict[str, Owner]) -> li
     return [element for name, element in elements if name in needed]
 
 
+@orv.pure
 @orv.filter
 def in_standard_types(element: Element) -> str:
     """The text of a type, with the standard's types for the registry's own."""

@@ -1,7 +1,19 @@
-"""`python3 -m orv`."""
+"""`python3 -m orv`, and what the command `orv` calls."""
 
 import sys
 
-from orv.command import main
+from orv.unchanged import again
 
-sys.exit(main())
+
+def main() -> int:
+    """Run the command line, as far as there is something to do. Returns the exit code."""
+    code = again(sys.argv[1:])
+    if code is None:
+        from orv.command import main as run
+
+        code = run()
+    return code
+
+
+if __name__ == "__main__":
+    sys.exit(main())

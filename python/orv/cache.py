@@ -5,9 +5,7 @@ from __future__ import annotations
 import os
 import stat
 import time
-from contextlib import suppress
 from hashlib import blake2b
-from tempfile import NamedTemporaryFile
 
 # What no run has asked for so long, in seconds, leaves the cache.
 _LONGEST_UNUSED = 30 * 24 * 3600
@@ -43,27 +41,37 @@ class Cache:
 
     def put(self, key: str, data: bytes) -> None:
         """Keep the bytes under the key."""
-        with suppress(OSError):
-            os.makedirs(self._folder, mode=0o700, exist_ok=True)
+        path = os.path.join(self._folder, key)
+        temporary = f"{path}.{os.getpid()}"
+        try:
+            os.makedirs(self._folder, 0o700, exist_ok=True)
             if not self._is_usable():
                 return
-            with NamedTemporaryFile(dir=self._folder, delete=False) as temporary:
-                temporary.write(blake2b(data, digest_size=_DIGEST).digest() + data)
-            os.replace(temporary.name, os.path.join(self._folder, key))
+            with open(
+                os.open(temporary, os.O_WRONLY | os.O_CREAT | os.O_EXCL, 0o600), "wb"
+            ) as file:
+                file.write(blake2b(data, digest_size=_DIGEST).digest() + data)
+            os.replace(temporary, path)
+        except OSError:
+            pass
 
     def forget_unused(self) -> None:
         """Remove what no run has asked for lately."""
         oldest = time.time() - _LONGEST_UNUSED
-        with suppress(OSError):
+        try:
             for entry in os.scandir(self._folder):
                 if entry.stat().st_mtime < oldest:
                     os.unlink(entry)
+        except OSError:
+            pass
 
     def _is_usable(self) -> bool:
-        """Whether the folder is the user's own and closed to others. Checked until it is."""
+        """Whether the folder is the user's own and closed to others; looked at once."""
         if not self._is_private:
-            with suppress(OSError):
+            try:
                 found = os.stat(self._folder)
-                others = stat.S_IWGRP | stat.S_IWOTH
-                self._is_private = found.st_uid == os.geteuid() and not found.st_mode & others
+            except OSError:
+                return False
+            others = stat.S_IWGRP | stat.S_IWOTH
+            self._is_private = found.st_uid == os.geteuid() and not found.st_mode & others
         return self._is_private

@@ -7,6 +7,7 @@ from collections.abc import Iterator
 from contextlib import contextmanager
 from contextvars import ContextVar
 
+from orv import inputs
 from orv.errors import OrvError
 
 _recorded: ContextVar[list[str] | None] = ContextVar("recorded", default=None)
@@ -22,6 +23,7 @@ def depends(file: str | os.PathLike[str]) -> str:
     path = os.fspath(file)
     if not os.path.exists(path):
         raise OrvError(f'depends: there is no file "{path}"')
+    inputs.current().used.add(path)
     files = _recorded.get()
     if files is not None and path not in files:
         files.append(path)

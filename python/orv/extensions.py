@@ -20,11 +20,13 @@ from __future__ import annotations
 
 import os
 import sys
-from collections.abc import Callable, Iterable
+from collections.abc import Callable, Iterable, Iterator
+from contextlib import contextmanager
 from contextvars import ContextVar
 from types import ModuleType
 from typing import Any, TypeVar, overload
 
+from orv import inputs
 from orv.dependencies import depends
 from orv.errors import OrvError, ScriptError
 
@@ -43,6 +45,8 @@ class Extensions:
         self.functions: dict[str, Callable[..., Any]] = {}
         self._preparations: list[Callable[[Model], Model]] = []
         self._count = 0
+        # All functions that the extensions declare.
+        self._declared: list[Callable[..., Any]] = []
 
     def load(self, path: str) -> None:
         """Run the file at `path` as a module of its own. Raises ScriptError with the line."""
@@ -56,10 +60,14 @@ class Extensions:
         with surroundings_kept(path):
             token = _loading.set(self)
             try:
-                with open(path, "rb") as file:
-                    code = compile(file.read(), path, "exec", dont_inherit=True)
+                code = compile(inputs.load(path), path, "exec", dont_inherit=True)
                 depends(path)
-                exec(code, module.__dict__)
+                known = len(self._declared)
+                with vouched_for() as vouched:
+                    exec(code, module.__dict__)
+                declared = {id(function) for function in self._declared[known:]}
+                if not declared or declared - {id(function) for function in vouched}:
+                    inputs.current().is_incomplete = True
             except SystemExit as end:
                 raise ScriptError(f"{path}: the extension ended with {end.code!r}") from end
             except Exception as error:
@@ -77,10 +85,12 @@ class Extensions:
         if name in declared:
             raise OrvError(f'the {kind} "{name}" is declared at {place(declared[name])} already')
         declared[name] = function
+        self._declared.append(function)
 
     def declare_preparation(self, function: Callable[[Model], Model]) -> None:
         """Note a function that prepares the model."""
         self._preparations.append(function)
+        self._declared.append(function)
 
     def prepare(self, model: Model) -> Model:
         """The model after all preparations. Raises ScriptError with the line of the extension."""
@@ -109,6 +119,18 @@ def load_extensions(paths: Iterable[str]) -> Extensions:
 
 
 _loading: ContextVar[Extensions | None] = ContextVar("loading", default=None)
+_vouched: ContextVar[list[Callable[..., Any]]] = ContextVar("vouched")
+
+
+@contextmanager
+def vouched_for() -> Iterator[list[Callable[..., Any]]]:
+    """The functions that are declared to be pure from now on."""
+    functions: list[Callable[..., Any]] = []
+    token = _vouched.set(functions)
+    try:
+        yield functions
+    finally:
+        _vouched.reset(token)
 
 
 @overload
@@ -167,6 +189,18 @@ def prepare(function: Preparation, /) -> Preparation:
     extensions = _loading.get()
     if extensions is not None:
         extensions.declare_preparation(function)
+    return function
+
+
+def pure(function: Function, /) -> Function:
+    """Declare that a function depends on its arguments, and on nothing else that may change.
+
+    Modules that it imports, files that it gives to `depends` and the environment may be read, too.
+    It changes nothing outside of the run and prints nothing. A run is repeated only when something
+    has changed if all functions that its extensions declare are pure, and each of its scripts has
+    one: the function that does its work. What the file does when it is loaded is vouched for, too.
+    """
+    _vouched.get([]).append(function)
     return function
 
 

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import functools
+import glob
 import os
 import sys
 import sysconfig
@@ -11,6 +12,7 @@ from collections.abc import Iterator
 from contextlib import contextmanager
 from types import TracebackType
 
+from orv import inputs
 from orv.dependencies import depends
 from orv.errors import OrvError, ScriptError
 
@@ -29,6 +31,7 @@ def surroundings_kept(path: str) -> Iterator[None]:
         kept = sys.path, sys.stdout, sys.stderr
         folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
         sys.path = [os.path.dirname(os.path.abspath(path)), *sys.path]
+        _note_neighbours(sys.path[0])
         try:
             yield
         finally:
@@ -100,7 +103,18 @@ def shown(path: str) -> str:
 def _forget(names: set[str]) -> None:
     for name in sorted(names):
         file = getattr(sys.modules[name], "__file__", None)
+        if file is not None and os.path.exists(file):
+            inputs.current().used.add(file)
         if file is not None and is_users(file):
             if os.path.exists(file):
                 depends(shown(file))
+                _note_neighbours(os.path.dirname(file))
             del sys.modules[name]
+
+
+def _note_neighbours(folder: str) -> None:
+    """Note the modules of a folder: another one may be what an import finds."""
+    found = inputs.current()
+    for name in ("*.py", "*.so", os.path.join("*", "__init__.py")):
+        pattern = os.path.join(glob.escape(folder), name)
+        found.note(found.patterns, pattern, sorted(glob.glob(pattern)))

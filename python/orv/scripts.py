@@ -6,8 +6,10 @@ import importlib
 import runpy
 from collections.abc import Mapping
 
+from orv import inputs
 from orv.dependencies import depends
 from orv.errors import ScriptError
+from orv.extensions import vouched_for
 from orv.files.run import Run
 from orv.pythonfiles import failure, surroundings_kept
 
@@ -21,7 +23,9 @@ def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
     known = len(run.repository)
     with surroundings_kept(path):
         try:
-            runpy.run_path(path, init_globals=names, run_name="__main__")
+            inputs.load(path)
+            with vouched_for() as vouched:
+                runpy.run_path(path, init_globals=names, run_name="__main__")
         except SystemExit as end:
             if end.code not in (None, 0):
                 raise ScriptError(f"{path}: the script ended with {end.code!r}") from end
@@ -29,6 +33,8 @@ def run_script(path: str, run: Run, model: Mapping[str, object]) -> None:
             raise
         except BaseException as error:
             raise ScriptError(failure(path, error)) from error
+    if not vouched:
+        inputs.current().is_incomplete = True
     for index in range(known, len(run.repository)):
         run.files.adopt(index, path)
     run.repository.adopt_script(path)

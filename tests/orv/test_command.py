@@ -388,7 +388,7 @@ def test_compiled_templates_are_kept(orv: Command, tmp_path: Path) -> None:
             f"{{% file 'a.h' %}}{{% section 'Enums' %}}{text}{{% endsection %}}{{% endfile %}}"
         )
         env = {"XDG_CACHE_HOME": str(tmp_path / "cache")}
-        done = orv("generate", "t.j2", "--out", "out", env=env, t__j2=template)
+        done = orv("generate", "t.j2", "--out", "out", "--always", env=env, t__j2=template)
         assert done.returncode == 0, done.stderr
         return (tmp_path / "out" / "a.h").read_text().strip()
 

@@ -139,13 +139,13 @@ def test_one_run_at_a_time(orv: Command, tmp_path: Path) -> None:
     folder = os.open(tmp_path / "out", os.O_RDONLY)
     fcntl.flock(folder, fcntl.LOCK_SH)
     assert orv(*run, "0", "--check").returncode == 0
-    late = orv(*run, "0")
+    late = orv(*run, "0", "--always")
     assert (late.returncode, late.stderr) == (
         1,
         "error: another run is using out and has not ended in 0 seconds; --lock-timeout=SECONDS"
         " waits longer\n",
     )
-    command = [sys.executable, "-m", "orv", *run, "30"]
+    command = [sys.executable, "-m", "orv", *run, "30", "--always"]
     with subprocess.Popen(command, cwd=tmp_path, stderr=subprocess.PIPE, text=True) as waiting:
         assert waiting.stderr is not None
         said = waiting.stderr.readline()

@@ -7,12 +7,14 @@ import sys
 from collections.abc import Callable, Sequence
 from typing import NamedTuple
 
+from orv import inputs
 from orv.command.console import failure_of
 from orv.command.options import GenerateOptions
 from orv.command.outputs import Outcome
 from orv.errors import Interrupted, OrvError
 from orv.models.sources import standard_input
 from orv.runs.done import Done
+from orv.unchanged import is_recorded
 
 # How many empty files are named.
 _SHOWN = 10
@@ -43,6 +45,7 @@ class _Attempt(NamedTuple):
 
     outcome: Outcome | None
     failure: str = ""
+    found: inputs.Inputs = inputs.Inputs()
 
 
 class _Batch:
@@ -58,7 +61,11 @@ class _Batch:
     def attempt(self, number: int) -> _Attempt:
         """Do a run. What ends all runs is raised: an interruption, and failing standard streams."""
         try:
-            return _Attempt(self._generate(self._runs[number]))
+            with inputs.observed() as found:
+                known = set(sys.modules)
+                outcome = self._generate(self._runs[number])
+                found.note_modules(sys.modules.keys() - known)
+                return _Attempt(outcome, found=found)
         except (Interrupted, OSError, ImportError):
             raise
         except Exception as error:
@@ -75,6 +82,7 @@ class _Batch:
             raise done.error
         elif done.result is not None and done.result.outcome is not None:
             self.outcomes[number] = done.result.outcome
+            inputs.current().add(done.result.found)
         elif done.result is not None:
             self._fail(number, done.result.failure)
 
@@ -115,14 +123,26 @@ class _Batch:
         """Say what all runs came to. Returns the exit code."""
         told = [self.outcomes[number] for number, run in enumerate(self._runs)
                 if number in self.outcomes and not run.quiet and not run.diff]  # fmt: skip
-        if told and not self._failed and not any(outcome.differs for outcome in told):
-            print("up to date")
-        empty = [label for outcome in told for label in outcome.empty]
-        if empty:
-            more = f" and {len(empty) - _SHOWN} more" if len(empty) > _SHOWN else ""
-            print(f"empty, not written: {', '.join(empty[:_SHOWN])}{more}")
+        same = told and not self._failed and not any(outcome.differs for outcome in told)
+        print(_summary(told, bool(same)), end="")
         if self._failed:
             print(f"error: {self._failed} of {len(self._runs)} runs failed", file=sys.stderr)
         differs = any(self._runs[number].check and outcome.differs
                       for number, outcome in self.outcomes.items())  # fmt: skip
-        return int(differs or self._failed > 0)
+        if differs or self._failed:
+            return 1
+        if is_recorded() and not any(run.always_runs for run in self._runs):
+            from orv.command.record import record
+
+            record(inputs.current(), len(self._runs), _summary(told, bool(told)))
+        return 0
+
+
+def _summary(told: Sequence[Outcome], same: bool) -> str:
+    """What is printed at the end of runs whose files are the `same` as before."""
+    text = "up to date\n" if same else ""
+    empty = [label for outcome in told for label in outcome.empty]
+    if empty:
+        more = f" and {len(empty) - _SHOWN} more" if len(empty) > _SHOWN else ""
+        text += f"empty, not written: {', '.join(empty[:_SHOWN])}{more}\n"
+    return text

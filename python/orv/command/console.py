@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import sys
 
+from orv import inputs
 from orv.command.options import MessageOptions
 from orv.errors import PLACE, OrvError, unexpected
 
@@ -17,7 +18,7 @@ def say(text: str, options: MessageOptions) -> None:
 def warn(text: str, options: MessageOptions) -> None:
     """Warn everyone who has not asked for quiet."""
     if not options.quiet:
-        print(warning(text), file=sys.stderr)
+        _tell(warning(text))
 
 
 def failure(text: str) -> str:
@@ -40,4 +41,9 @@ def warning(text: str) -> str:
 
 def debug(text: str) -> None:
     """Show what a template shows to its author, whoever has asked for quiet."""
-    print(f"debug: {text}", file=sys.stderr)
+    _tell(f"debug: {text}")
+
+
+def _tell(line: str) -> None:
+    print(line, file=sys.stderr)
+    inputs.current().said.append(line)

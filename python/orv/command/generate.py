@@ -7,7 +7,7 @@ from collections.abc import Callable, Iterator, Mapping
 from contextlib import ExitStack, contextmanager
 from typing import Any
 
-from orv import _native
+from orv import _native, inputs
 from orv.command.batch import do_runs
 from orv.command.console import debug, say, warn
 from orv.command.options import GenerateOptions
@@ -32,9 +32,10 @@ _MOST_RENDERINGS = 4
 
 def run(given: dict[str, Any]) -> int:
     """The command `orv generate`, with the options that were given."""
-    runs = requested_runs(given)
-    require_consistent(runs)
-    return do_runs(runs, generate)
+    with inputs.observed():
+        runs = requested_runs(given)
+        require_consistent(runs)
+        return do_runs(runs, generate)
 
 
 def generate(options: GenerateOptions) -> Outcome:
@@ -51,6 +52,7 @@ def generate(options: GenerateOptions) -> Outcome:
         known = outputs.region_texts() if run.regions.questions else {}
         if run.regions.is_settled(known):
             return outputs.finish()
+        inputs.current().is_incomplete = True
         texts_of = _known(known)
         # The folder stays locked as long as the object lives.
         del outputs

@@ -198,6 +198,7 @@ class OutputOptions(OutputFolderOptions):
     check: bool = flag("write nothing; end with 1 when a file differs", exclusive="mode")
     dry_run: bool = flag("write nothing; list what would be written", exclusive="mode")
     diff: bool = flag("write nothing; show what would change")
+    always: bool = flag("run even if nothing has changed since the same command ran last")
 
 
 class LayoutOptions(Options):
@@ -348,6 +349,11 @@ class GenerateOptions(
     def written(self) -> list[str]:
         """The files and folders that the run is told to write."""
         return [path for path in (self.out, self.state, *self.reports) if path is not None]
+
+    @property
+    def always_runs(self) -> bool:
+        """Whether the run says or writes something else each time, or is wanted to run."""
+        return self.always or self.verbose or self.report is not None
 
     @property
     def reports(self) -> list[str]:

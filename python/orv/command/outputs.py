@@ -7,6 +7,7 @@ import sys
 from collections.abc import Callable, Iterable, Sequence
 from typing import NamedTuple
 
+from orv import inputs
 from orv.command.console import say, warn
 from orv.command.options import GenerateOptions
 from orv.command.progress import progress
@@ -23,6 +24,7 @@ from orv.output.ownership import Policy, Settlement, require_writable, settle, s
 from orv.output.plan import PlannedFile, State, compare, plan, real_path, shown_paths
 from orv.output.state import FolderState, StateFile
 from orv.output.writer import Writer
+from orv.unchanged import digest_of
 
 
 class Outcome(NamedTuple):
@@ -99,6 +101,7 @@ class Outputs:
         for report in wanted:
             if report.kind != "stamp" or options.ends_well(differs):
                 reports.write(report)
+        self._note(differs)
         empty = [self._empty_label(file) for file in self._files if file.is_empty]
         whole = options.whole
         paths = shown_paths(self._files) if whole is not None and whole.outputs else ()
@@ -123,8 +126,12 @@ class Outputs:
     def _lock(self) -> None:
         """Keep other runs out of the folder; a run that only reads keeps out those that write."""
         text = f"waiting for another run that is using {self._folder.path}"
-        timeout = self._options.lock_timeout
-        lock(self._folder, not self._options.writes, timeout, lambda: warn(text, self._options))
+
+        def waiting() -> None:
+            inputs.current().is_incomplete = True
+            warn(text, self._options)
+
+        lock(self._folder, not self._options.writes, self._options.lock_timeout, waiting)
 
     def _reports(self) -> list[reports.Report]:
         options = self._options
@@ -226,6 +233,25 @@ class Outputs:
         is_new = settled.after != self._known or self._known.was_interrupted
         if self._state is not None and (settled.before.intent or is_new):
             self._state.save(settled.after)
+
+    def _note(self, differs: bool) -> None:
+        """Note what the run made, unless the next one would say or do something else."""
+        found, settled = inputs.current(), self._settled
+        files = [file for file in self._files if not file.is_empty]
+        own = settled.after.runs.get(self._policy.run, {}).keys()
+        if (
+            (differs and not self._options.writes)
+            or any(file.differs and not file.is_written for file in files)
+            or settled.rehomed.moves
+            or settled.rehomed.orphans
+            or own - {file.location for file in files}
+        ):
+            found.is_incomplete = True
+        for file in files:
+            found.made[real_path(self._folder, file.path)] = digest_of(file.buffer)
+        state = None if self._state is None else self._state.real_path
+        is_changed = differs or settled.after != self._known
+        found.ended.append(inputs.Ended(self._options.out, state, is_changed))
 
     def _show_differences(self) -> None:
         from orv.output.differences import difference, removal

@@ -9,6 +9,7 @@ from collections.abc import Mapping, Sequence
 from dataclasses import dataclass
 from typing import Any
 
+from orv import inputs
 from orv.command.option import Option
 from orv.errors import OrvError, ProjectError, did_you_mean
 
@@ -107,6 +108,7 @@ def find_project() -> str | None:
     path = PROJECT_FILE
     folder = os.getcwd()
     while not os.path.isfile(path):
+        inputs.current().absent.add(path)
         parent = os.path.dirname(folder)
         if parent == folder:
             return None
@@ -181,8 +183,7 @@ def _holds(document: Any, keys: Sequence[str]) -> bool:
 
 def _read(path: str) -> str:
     try:
-        with open(path, "rb") as file:
-            return file.read().decode("utf-8-sig")
+        return inputs.load(path).decode("utf-8-sig")
     except OSError as error:
         raise ProjectError(f"{path}: {error.strerror}") from error
     except UnicodeDecodeError as error:

@@ -10,6 +10,7 @@ from collections.abc import Callable
 from functools import lru_cache
 from typing import NamedTuple
 
+from orv import inputs
 from orv._native import Places, read_model
 from orv.errors import ModelError
 
@@ -87,8 +88,7 @@ class Reader:
         if form is None:
             raise ModelError(f"{path}: a model's name ends in {', '.join(_FORMATS)}")
         try:
-            with open(path, "rb") as file:
-                data = file.read()
+            data = inputs.load(path)
         except OSError as error:
             raise ModelError(f"{path}: {error.strerror}") from error
         self.files.append(path)
@@ -99,10 +99,12 @@ class Reader:
         if form not in formats:
             known = ", ".join(f"-:{name}" for name in formats)
             raise ModelError(f"the model from standard input is one of {known}")
+        inputs.current().is_incomplete = True
         return self._parse(form, standard_input(), "<stdin>")
 
     def _read_pattern(self, pattern: str) -> dict[str, object]:
         paths = paths_of(pattern)
+        inputs.current().absent.add(pattern)
         self.folders += sorted(folders_of(pattern) - set(self.folders))
         models: dict[str, object] = {}
         by_stem: dict[str, str] = {}
@@ -129,6 +131,8 @@ def paths_of(pattern: str) -> list[str]:
     paths = sorted(glob.glob(pattern, recursive=True))
     if not paths:
         raise ModelError(f"{pattern}: no file has such a name")
+    found = inputs.current()
+    found.note(found.patterns, pattern, paths)
     return paths
 
 

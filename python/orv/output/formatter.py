@@ -12,6 +12,7 @@ from concurrent.futures import ThreadPoolExecutor
 from contextlib import suppress
 from pathlib import Path
 
+from orv import inputs
 from orv.cache import Cache
 from orv.errors import OutputError
 
@@ -44,6 +45,7 @@ class Formatter:
         """What becomes of each text, given with its path: several run at once."""
         if not texts:
             return []
+        self._note_program()
         with ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
             results = list(pool.map(lambda entry: self._formatted(*entry), texts))
         self._cache.forget_unused()
@@ -52,6 +54,16 @@ class Formatter:
     def style_files(self, paths: Iterable[str]) -> list[str]:
         """The files that the style of these paths comes from."""
         return sorted({found for path in paths for found in self._settings(path)})
+
+    def _note_program(self) -> None:
+        """Make the program an input of the run, and the places where one would be found before it."""
+        word = self._words[0]
+        for folder in [""] if os.path.dirname(word) else os.get_exec_path():
+            path = os.path.join(folder, word)
+            if path == self._program:
+                inputs.current().used.add(path)
+                return
+            inputs.current().absent.add(path)
 
     def _formatted(self, path: str, text: bytes) -> bytes | OutputError:
         key = self._key(path, text)
@@ -109,5 +121,8 @@ class Formatter:
             self._digests[path] = b""
             with suppress(OSError, ValueError):
                 if os.path.isfile(path):
-                    self._digests[path] = hashlib.blake2b(Path(path).read_bytes()).digest()
+                    inputs.current().used.add(path)
+                    self._digests[path] = hashlib.blake2b(inputs.load(path)).digest()
+                else:
+                    inputs.current().absent.add(path)
         return self._digests[path]

@@ -263,10 +263,10 @@ def _format(files: Plan, run: Run, formatter: Formatter, formats_all: bool) -> N
         if not file.is_empty and (formats_all or run.repository.get_attribute(file.index, "Indent"))
     ]
     paths = [real_path(files.folder, file.path) for file in chosen]
+    run.dependencies += formatter.style_files(paths)
     results = formatter.format(
         [(path, bytes(file.buffer)) for path, file in zip(paths, chosen, strict=True)]
     )
-    run.dependencies += formatter.style_files(paths)
     failed = [
         str(_located(run, file.index, result))
         for file, result in zip(chosen, results, strict=True)

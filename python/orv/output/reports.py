@@ -8,9 +8,10 @@ import sys
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 
-from orv import _native
+from orv import _native, inputs
 from orv.errors import OutputError
 from orv.output.folder import open_folder, reason
+from orv.unchanged import digest_of
 
 
 @dataclass
@@ -58,11 +59,14 @@ def write(report: Report) -> None:
     """Write the report: a file is replaced in one step, a device or a pipe is written into."""
     try:
         if report.folder is None:
+            inputs.current().is_incomplete = True
             _write_into(report)
             return
         report.folder.remove_abandoned("")
+        inputs.current().cleaned.add(report.folder.real)
         report.folder.replace(report.location, report.data, None)
         report.folder.sync()
+        inputs.current().reports[report.path] = digest_of(report.data)
     except OSError as error:
         raise OutputError(f"{report.label} cannot be written: {reason(error)}") from error
 

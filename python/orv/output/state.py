@@ -9,10 +9,11 @@ from dataclasses import dataclass, field
 from types import MappingProxyType
 from typing import Any, NamedTuple
 
-from orv import _native
+from orv import _native, inputs
 from orv.errors import OrvError, OutputError
 from orv.output.folder import open_folder, reason, shown
 from orv.output.plan import folders_of
+from orv.unchanged import digest_of
 
 STATE_FILE = ".orv-state.json"
 _KIND = "orv output state"
@@ -93,6 +94,7 @@ class StateFile:
             self._folder = open_folder(directory, durable)
             self._location = os.fsencode(name).decode("utf-8", "surrogateescape")
         self.shown = path or shown(folder, STATE_FILE)
+        self._path = path or self.real_path
 
     @property
     def real_path(self) -> str:
@@ -109,19 +111,30 @@ class StateFile:
             data = self._folder.read(self._location)
         except OSError as error:
             raise OutputError(f"{self.shown} cannot be read: {reason(error)}") from error
+        self._note(data)
         state = FolderState() if data is None else self._parsed(data)
         _recover(state, folder)
         return state
 
     def save(self, state: FolderState) -> None:
         """Write the state in one step. Raises OutputError."""
+        data = _rendered(state)
         try:
             self._folder.create()
             self._folder.remove_abandoned("")
-            self._folder.replace(self._location, _rendered(state), None)
+            self._folder.replace(self._location, data, None)
             self._folder.sync()
         except OSError as error:
             raise OutputError(f"{self.shown} cannot be written: {reason(error)}") from error
+        self._note(data)
+
+    def _note(self, data: bytes | None) -> None:
+        """Note what the disk has now. The state is no input of the run that keeps it."""
+        if data is None:
+            inputs.current().absent.add(self._path)
+        else:
+            inputs.current().absent.discard(self._path)
+            inputs.current().made[self._path] = digest_of(data)
 
     def _parsed(self, data: bytes) -> FolderState:
         again = "or remove it and run with --adopt to write over the files that are there"

@@ -6,7 +6,7 @@ import os
 from collections.abc import Callable, Iterable, Sequence
 from contextlib import suppress
 
-from orv import _native
+from orv import _native, inputs
 from orv.errors import Interrupted, OutputError, unexpected
 from orv.files.run import Run
 from orv.output.folder import reason, shown
@@ -57,6 +57,7 @@ class Writer:
         for folder in sorted({os.path.dirname(location) for location in [*locations, *more]}):
             with suppress(OSError):
                 self._folder.remove_abandoned(folder)
+                inputs.current().cleaned.add(os.path.join(self._folder.real, folder))
 
     def rescue(self, location: str, text: bytes) -> None:
         """Write a file that keeps texts of user regions. Raises OutputError."""

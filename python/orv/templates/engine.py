@@ -7,8 +7,10 @@ from collections.abc import Callable, Iterable, Iterator, Mapping, Sequence
 from contextlib import contextmanager
 from typing import Any, NamedTuple
 
-from jinja2 import BaseLoader, FileSystemLoader, TemplateSyntaxError
+from jinja2 import BaseLoader, TemplateNotFound, TemplateSyntaxError
+from jinja2.loaders import split_template_path
 
+from orv import inputs
 from orv._native import Places
 from orv.delimiters import written_with
 from orv.errors import PLACE, Located, Messages, OrvError, TemplateError
@@ -30,8 +32,6 @@ class RecordingLoader(BaseLoader):
     def __init__(
         self, folders: Sequence[str], files: list[str], main: str, follow_links: bool
     ) -> None:
-        # A byte order mark is not part of the template's text.
-        self._loader = FileSystemLoader(folders, encoding="utf-8-sig")
         self.folders = list(folders)
         self._files = files
         self._main = main
@@ -39,15 +39,27 @@ class RecordingLoader(BaseLoader):
 
     def get_source(self, environment: Any, template: str) -> Any:
         """The source of the template; see jinja2.BaseLoader."""
+        filename = self._find(template)
         try:
-            source, filename, up_to_date = self._loader.get_source(environment, template)
+            # A byte order mark is not part of the template's text.
+            source = inputs.load(filename).decode("utf-8-sig")
         except UnicodeDecodeError as error:
-            raise TemplateError(self._not_utf8(template, error)) from error
+            raise TemplateError(_not_utf8(filename, error)) from error
         if template != self._main and not self._follows_links:
             self._require_inside(template, os.path.realpath(filename))
         if filename not in self._files:
             self._files.append(filename)
-        return source, filename, up_to_date
+        return source, filename, lambda: True
+
+    def _find(self, template: str) -> str:
+        """The path of the template, in the first folder that has one."""
+        pieces = split_template_path(template)
+        for folder in self.folders:
+            path = os.path.join(folder, *pieces)
+            if os.path.isfile(path):
+                return os.path.normpath(path)
+            inputs.current().absent.add(path)
+        raise TemplateNotFound(template)
 
     def _require_inside(self, template: str, path: str) -> None:
         for folder in [os.path.realpath(folder) for folder in self.folders]:
@@ -58,14 +70,13 @@ class RecordingLoader(BaseLoader):
             " --follow-links allows it"
         )
 
-    def _not_utf8(self, template: str, error: UnicodeDecodeError) -> str:
-        line = error.object.count(b"\n", 0, error.start) + 1
-        paths = [os.path.join(folder, template) for folder in self.folders]
-        path = os.path.normpath(next(filter(os.path.isfile, paths), template))
-        return (
-            f"{path}:{line}: the template is not UTF-8, at the byte"
-            f" 0x{error.object[error.start]:02x}; save it as UTF-8"
-        )
+
+def _not_utf8(path: str, error: UnicodeDecodeError) -> str:
+    line = error.object.count(b"\n", 0, error.start) + 1
+    return (
+        f"{path}:{line}: the template is not UTF-8, at the byte"
+        f" 0x{error.object[error.start]:02x}; save it as UTF-8"
+    )
 
 
 class Source(NamedTuple):

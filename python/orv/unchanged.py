@@ -1,0 +1,171 @@
+"""Whether a command would do again what it did the last time.
+
+A record says what a command found and made. While all of that holds, the command would only say
+again what it said. Records are looked at before the engine is loaded: this module imports little.
+"""
+
+from __future__ import annotations
+
+import fcntl
+import marshal
+import os
+import stat
+import sys
+import time
+from hashlib import blake2b
+
+from orv.cache import Cache
+
+TYPE_CHECKING = False
+if TYPE_CHECKING:
+    from collections.abc import Mapping, Sequence
+    from typing import Any
+
+# What tells versions of a file apart: mode, device, inode, size, time of the bytes and of the file.
+Signature = tuple[int, int, int, int, int, int]
+
+# A file as a record knows it: its signature and digest, and where it leads if it is a link.
+Entry = tuple[Signature, bytes, str]
+
+# A file that changed so shortly before it was looked at, in nanoseconds, may have changed once more
+# without another time: some file systems count in steps of two seconds.
+RACY = 2_000_000_000
+
+# What a shell says about itself; nothing that a run does depends on it.
+_SESSION = frozenset([b"_", b"COLUMNS", b"LINES", b"OLDPWD", b"PWD", b"SHLVL", b"TERM"])
+
+# When this command began.
+STARTED = time.time_ns()
+
+_records = Cache("unchanged")
+_key = ""
+
+
+def again(arguments: Sequence[str]) -> int | None:
+    """Do what the command does when nothing has changed. None when it has to run."""
+    global _key
+    if arguments[:1] != ["generate"] or "--always" in arguments:
+        return None
+    try:
+        _key = _identity(arguments)
+        data = _records.get(_key)
+        return None if data is None else _repeat(marshal.loads(data))
+    except OSError:
+        return None
+
+
+def is_recorded() -> bool:
+    """Whether a record of this command would be found again."""
+    return bool(_key)
+
+
+def keep(record: dict[str, Any]) -> None:
+    """Keep the record of this command."""
+    _records.put(_key, marshal.dumps(record))
+    _records.forget_unused()
+
+
+def look(path: str) -> tuple[Signature, bytes]:
+    """The signature of a file and its bytes, which are at least as new. Raises OSError."""
+    with open(path, "rb") as file:
+        signature = signature_of(os.fstat(file.fileno()))
+        return signature, file.read()
+
+
+def signature_of(found: os.stat_result) -> Signature:
+    """What has to be the same of a file for its bytes to be the same."""
+    return (found.st_mode, found.st_dev, found.st_ino, found.st_size,
+            found.st_mtime_ns, found.st_ctime_ns)  # fmt: skip
+
+
+def is_settled(signature: Signature, since: int) -> bool:
+    """Whether a file with this signature has had the same bytes since then, and before."""
+    return signature[5] < since - RACY
+
+
+def digest_of(data: Any) -> bytes:
+    """What has to be the same of two buffers for their bytes to be the same."""
+    return blake2b(data, digest_size=20).digest()
+
+
+def _identity(arguments: Sequence[str]) -> str:
+    """What the record is kept by: the command line and what surrounds it."""
+    environment = sorted(item for item in os.environb.items() if item[0] not in _SESSION)
+    program = __file__, sys.version, sys.flags, sys.path
+    user = os.geteuid(), os.getegid(), os.getgroups()
+    parts = list(arguments), os.getcwd(), environment, program, user
+    return blake2b(repr(parts).encode("utf-8", "surrogateescape"), digest_size=20).hexdigest()
+
+
+def _repeat(record: dict[str, Any]) -> int | None:
+    locks: list[int] = []
+    try:
+        if not _holds(record, locks):
+            return None
+        # Who asks when the reports were written is answered as if they had been written now.
+        for path in record["reports"]:
+            os.utime(path)
+        for stream, text in ((2, record["said"]), (1, record["printed"])):
+            while text:
+                text = text[os.write(stream, text) :]
+        return 0
+    finally:
+        for lock in locks:
+            os.close(lock)
+
+
+def _holds(record: dict[str, Any], locks: list[int]) -> bool:
+    """Whether all is as the record says. Adds the locks that keep it so."""
+    for folder in record["outputs"]:
+        locks.append(os.open(folder, os.O_RDONLY | os.O_DIRECTORY | os.O_CLOEXEC))
+        fcntl.flock(locks[-1], fcntl.LOCK_SH | fcntl.LOCK_NB)
+    return (
+        all(signature_of(os.stat(path)) == known for path, known in record["programs"].items())
+        and all(os.path.realpath(path) == real for path, real in record["folders"].items())
+        and not any(map(os.path.lexists, record["absent"]))
+        and not any(map(_has_temporary, record["cleaned"]))
+        and _are_found(record["patterns"])
+        and all(digest_of(look(path)[1]) == known for path, known in record["reports"].items())
+        and _are_same(record)
+    )
+
+
+def _has_temporary(folder: str) -> bool:
+    """Whether a run that was killed has left something in the folder."""
+    return any(name.startswith(".orv-") and name.endswith(".tmp") for name in os.listdir(folder))
+
+
+def _are_found(patterns: Mapping[str, Sequence[str]]) -> bool:
+    if not patterns:
+        return True
+    from glob import glob
+
+    return all(
+        sorted(glob(pattern, recursive=True)) == known for pattern, known in patterns.items()
+    )
+
+
+def _are_same(record: dict[str, Any]) -> bool:
+    """Whether the files are the same: by their signatures, or by their bytes where these say little.
+
+    Notes the signatures of files whose bytes were looked at.
+    """
+    now = time.time_ns()
+    files: dict[str, Entry] = record["files"]
+    seen: dict[str, Entry] = {}
+    for path, entry in files.items():
+        signature, digest, real = entry
+        found = os.stat(path) if real else os.lstat(path)
+        if real and os.path.realpath(path) != real:
+            return False
+        if signature_of(found) == signature and is_settled(signature, record["since"]):
+            continue
+        if found.st_mode != signature[0] or not stat.S_ISREG(found.st_mode):
+            return False
+        newer, data = look(path)
+        if digest_of(data) != digest:
+            return False
+        seen[path] = (newer, digest, real)
+    if any(is_settled(entry[0], now) for entry in seen.values()):
+        keep(record | {"files": files | seen, "since": now})
+    return True
