@@ -29,6 +29,7 @@ void bindCustomSections(RepositoryClass& repository);
 
 void bindPrinter(pybind11::module_& module);
 void bindOperations(pybind11::module_& module);
+void bindAlarm(pybind11::module_& module);
 void bindComposer(pybind11::module_& module, RepositoryClass& repository);
 void bindModels(pybind11::module_& module);
 void bindOutput(pybind11::module_& module);

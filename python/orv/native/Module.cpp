@@ -16,6 +16,7 @@ PYBIND11_MODULE(_native, module) {
   orv::bindTrace(module, repository);
   orv::bindPrinter(module);
   orv::bindOperations(module);
+  orv::bindAlarm(module);
   orv::bindComposer(module, repository);
   orv::bindModels(module);
   orv::bindRegions(module);

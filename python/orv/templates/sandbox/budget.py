@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 import resource
 import signal
 import threading
@@ -10,12 +11,17 @@ from collections.abc import Iterator
 from contextlib import contextmanager
 from types import FrameType
 
+from orv import positions
+from orv._native import alarm_handled, enforce_alarm
 from orv.errors import OrvError
 
 _MIB = 1 << 20
 
-# A template may catch the error of the deadline, as a fallback of the engine may; it comes again.
+# A fallback of the engine may catch the error of the deadline: it comes again, after seconds.
 _AGAIN = 1.0
+# So many are left waiting by a step of the interpreter, which looks for them between two, before
+# the process ends.
+_MOST_UNHANDLED = 2
 
 
 class Budget:
@@ -60,6 +66,7 @@ class Budget:
             return
         self._deadline = self._deadline or time.monotonic() + self._seconds
         before = signal.signal(signal.SIGALRM, self._end)
+        enforce_alarm(f"error: {self._too_long()}\n".encode(), _MOST_UNHANDLED)
         signal.setitimer(signal.ITIMER_REAL, max(self._deadline - time.monotonic(), 1e-6), _AGAIN)
         try:
             yield
@@ -68,7 +75,14 @@ class Budget:
             signal.signal(signal.SIGALRM, before)
 
     def _end(self, _signal: int, _frame: FrameType | None) -> None:
-        raise OrvError(f"the templates take longer than {self._seconds} s, which --timeout allows")
+        if alarm_handled():
+            text = f"{positions.here()}: {self._too_long()}\n"
+            os.write(2, text.encode(errors="surrogateescape"))
+            os._exit(1)
+        raise OrvError(self._too_long())
+
+    def _too_long(self) -> str:
+        return f"the templates take longer than {self._seconds} s, which --timeout allows"
 
 
 def _data_size() -> int:
