@@ -18,6 +18,7 @@ from pathlib import Path
 import again
 import jobs
 import packaging
+import pages
 import tables
 from processes import GENERATE, Usage, alternate
 
@@ -149,6 +150,18 @@ def compare_trace(report: Report, rounds: int, folder: Path) -> None:
     report.add_usage("a million rows, with a trace / without", ours, theirs, 1.6, 2)
 
 
+def compare_pages(report: Report, rounds: int, folder: Path) -> None:
+    """Opening the report of a large run, if there is a browser."""
+    try:
+        opened = pages.measure(pages.make(folder), rounds)
+    except ImportError:
+        print("opening a report: needs scripts/setup browser")
+        return
+    note = f"{opened.seconds:.2f} s, {opened.megabytes:.0f} MB of heap"
+    report.add("report of 2,000 files, opening / 2 s", opened.seconds / 2, 1, note=note)
+    report.add("report of 2,000 files, heap / 100 MB", opened.megabytes / 100, 1)
+
+
 def compare_jobs(report: Report, rounds: int, folder: Path) -> None:
     """Two hundred runs, two at once against one after the other."""
     command = jobs.command(folder, 200)
@@ -172,7 +185,7 @@ def compare_engines(report: Report, rounds: int) -> None:
 
 
 def main() -> int:
-    groups = ("tables", "loaders", "start", "growth", "again", "trace", "jobs", "engine")
+    groups = ("tables", "loaders", "start", "growth", "again", "trace", "pages", "jobs", "engine")
     parser = argparse.ArgumentParser()
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("group", nargs="*", choices=(*groups, []))
@@ -196,6 +209,8 @@ def main() -> int:
                 compare_jobs(report, min(rounds, 5), folder)
             elif group == "trace":
                 compare_trace(report, min(rounds, 3), folder)
+            elif group == "pages":
+                compare_pages(report, rounds, folder)
             else:
                 compare_engines(report, rounds)
     return 1 if report.missed else 0

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import re
 import shutil
 import subprocess
 import sys
@@ -29,6 +30,24 @@ HOSTILE = (
     '</script><script>document.title="run"</script><img src=x onerror="document.title=1">'
     "]]>--><svg/onload=document.title=2>'\"&lt;\u2028{{ javascript:alert(1) }}"
 )
+
+# Lines that print nothing, though they could: 3, 4 and 6.
+PARTS = """\
+{% file "a.c" %}{% section "Enums" %}
+{% if false %}
+one
+two
+
+{{ x }}
+{% endif %}
+{% macro m() %}
+m
+{% endmacro %}
+{{ m() }}
+{% for i in range(3) %}
+int a{{ i }};
+{% endfor %}{% endsection %}{% do warn("look here") %}{% endfile %}
+"""
 
 
 def generate(folder: Path, *arguments: str | Path) -> str:
@@ -120,21 +139,33 @@ def test_example(browser: Chrome, tmp_path: Path) -> None:
     page = Page(browser, address)
     page.shows("Files", "gl_loader.c", "gl_version_1_1.h")
     assert "5\nfiles" in "\n".join(page.texts(".facts > div"))
-    page.shows("Templates and scripts", "banner.py", "commands.j2")
+    for name in ("banner.py", "commands.j2"):
+        (row,) = [row for row in page.rows("Templates and scripts") if name in row]
+        assert re.search(r"[\d.]*[1-9][\d.]* ms$", row)
 
     # From a line of a file to its template and model, and back to all that the line printed.
+    out = tmp_path / "out"
+    made = {path.name: path.read_text().splitlines() for path in out.glob("gl_version_*.h")}
+    lines = made["gl_version_1_1.h"]
     page.row("Files", "gl_version_1_1.h")
-    page.shows("Includes", '"gl_types.h"files.j2:')
-    made = (tmp_path / "out" / "gl_version_1_1.h").read_text().splitlines()
-    line = made.index("#define glBindTexture glloader_glBindTexture") + 1
+    include = lines.index('#include "gl_types.h"') + 1
+    page.row("Includes", "files.j2:")
+    page.wait(lambda: browser.current_url.endswith(f"line={include}"))
+    line = lines.index("#define glBindTexture glloader_glBindTexture") + 1
     page.open(f"#file=gl_version_1_1.h&line={line - 1}")
     page.row("Lines", "#define glBindTexture")
-    page.wait(lambda: "registry/commands/command[" in "".join(page.texts(".chain")))
-    assert page.texts(".pieces code")[:2] == ["#define ", "glBindTexture"]
+    page.wait(lambda: page.texts(".pieces code")[:2] == ["#define ", "glBindTexture"])
+    chain = " ".join(page.texts(".chain li"))
+    assert re.match(
+        r"in section Defines for registry/commands/command\[.*include commands.j2", chain
+    )
     page.row("Lines of the template", "#define {{ name }}")
-    printed = [line for line in made if line.startswith("#define gl")]
-    page.wait(lambda: page.texts(".steps span")[0].startswith(f"{len(printed)} lines of "))
-    page.shows("Files with what", f"gl_version_1_1.h×{len(printed)}", "gl_version_1_0.h")
+    counts = {name: sum("#define gl" in line for line in text) for name, text in made.items()}
+    page.shows("Files with what", *(f"{name}×{count}" for name, count in counts.items()))
+    total = f"Line 21 printed on {sum(counts.values())} lines of 2 files"
+    assert total in page.texts("#aside h2")
+    lit = f"{counts['gl_version_1_1.h']} lines of "
+    assert page.texts(".steps span")[0].startswith(lit)
     page.row("Files with what", "gl_version_1_0.h")
     page.wait(lambda: "#file=gl_version_1_0.h&line=" in browser.current_url)
 
@@ -150,15 +181,11 @@ def test_example(browser: Chrome, tmp_path: Path) -> None:
 
 
 def test_coverage_and_warnings(browser: Chrome, tmp_path: Path) -> None:
-    (tmp_path / "a.j2").write_text(
-        '{% file "a.c" %}{% section "Enums" %}\n{% if false %}\none\ntwo {{ x }}\n\n{% endif %}\n'
-        '{% for i in range(3) %}\nint a{{ i }};\n{% endfor %}{% endsection %}{% do warn("look here") %}'
-        "{% endfile %}"
-    )
+    (tmp_path / "a.j2").write_text(PARTS)
     page = Page(browser, generate(tmp_path, "a.j2"))
     page.row("Warnings", "look here")
-    page.shows("Lines of the template", "3neverone", "4nevertwo {{ x }}", "8×3int a{{ i }};")
-    assert page.texts(".never .count") == ["never", "never"]
+    page.shows("Lines of the template", "3neverone", "4nevertwo", "9×1m", "13×3int a{{ i }};")
+    assert page.texts(".never .count") == ["never"] * 3
     assert page.is_clean()
 
 

@@ -103,13 +103,15 @@ class FileView {
     const isInclude = this.run.trace.sites.map((site) => site[0] === kind);
     const found = [...this.body.sites.keys()].filter((i) => isInclude[this.body.sites[i]]);
     const begins = found.map((i) => (i ? this.body.ends[i - 1] : 0));
+    // The first has the blank line before it.
+    const lines = found.map((i) => this.body.lineAt(this.body.ends[i] - 1));
     this.includes.set({
       count: found.length,
       fill: (row, i) => row.append(
         element("span", { class: "grow" }, this.body.text(begins[i], this.body.ends[found[i]]).trim()),
         element("span", { class: "path" }, this.asker(this.run.site(this.body.sites[found[i]]))),
       ),
-      choose: (i) => this.page.go({ file: file.path, line: this.body.lineAt(begins[i]) }),
+      choose: (i) => this.page.go({ file: file.path, line: lines[i] }),
     });
   }
 
