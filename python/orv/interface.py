@@ -43,6 +43,14 @@ Models can be read from files, and options are given as a project file has them:
 #define LIMIT_MS 20
 <BLANKLINE>
 
+A run that is traced knows where each byte of its files comes from; see orv.trace:
+
+>>> import orv.trace
+>>> run = orv.render("count.j2", {"name": "visits", "start": 1}, traced=True)
+>>> trace = orv.trace.trace_of(orv.plan(run, "generated"), run)
+>>> [(piece.site.kind, piece.line) for piece in trace.files["visits.c"].on_line(1)][:2]
+[('text', 4), ('value', 4)]
+
 A mistake is an error that says where it is:
 
 >>> try:
@@ -64,6 +72,7 @@ from collections.abc import Callable, Mapping
 from typing import TypeVar
 
 from orv.command.option import Options, options_of
+from orv.command.outputs import layout_of
 from orv.command.options import LayoutOptions, LintOptions, ModelOptions
 from orv.command.project import option_value
 from orv.delimiters import DELIMITERS
@@ -74,7 +83,6 @@ from orv.models.model import Model, build_model
 from orv.output import plan as planning
 from orv.output.folder import lock, make_folder, open_folder
 from orv.output.guards import check_guards
-from orv.output.layout import Layout
 from orv.output.ownership import Policy, require_writable, settle_without_state
 from orv.output.plan import Plan
 from orv.output.writer import Writer
@@ -103,12 +111,14 @@ def render(
     *,
     warn: Callable[[str], None] = ignore,
     strict: bool = False,
+    traced: bool = False,
     **options: object,
 ) -> Run:
     """Render a template into the files of a new run.
 
     Its variables are the entries of `model`, or those of a model that was read. Other templates are
-    looked for beside it. `warn` gets the text of each warning; when `strict`, warnings are errors.
+    looked for beside it. `warn` gets the text of each warning; when `strict`, warnings are errors. When
+    `traced`, the run knows where its text comes from.
     The options are those of `orv generate` about templates, with the values that a project file
     has: `templates`, `delimiters`, `extend`. Raises TemplateError, and ScriptError for an extension.
     """
@@ -118,19 +128,23 @@ def render(
     places = model.places if isinstance(model, Model) else None
     values = extensions.prepare(dict(model.values if isinstance(model, Model) else model))
     language = Language(extensions, given.delimiters or DELIMITERS)
-    return engine.render([source], values, Messages(warn, strict), None, language, places)
+    return engine.render(
+        [source], values, Messages(warn, strict), None, language, places, traced=traced
+    )
 
 
 def plan(run: Run, out: str | os.PathLike[str], **options: object) -> Plan:
     """Compare the files of a run with what is below the folder `out`, which need not exist.
 
     The options are those of `orv generate` about layout, with the values that a project file has:
-    `blank_lines`, `guard`, `format`, `format_all`. Changes nothing. Raises OutputError, with the file
-    and where it was declared, when a file cannot go where it belongs.
+    `blank_lines`, `guard`, `format`, `format_all`, and, for a run that was traced,
+    `line_directives` and `line_prefix`. Changes nothing. Raises OutputError, with the file and where
+    it was declared, when a file cannot go where it belongs.
     """
     given = _given(LayoutOptions, options)
-    layout = Layout(given.blank_lines, given.format, given.format_all, given.guard)
-    files = planning.plan(run, open_folder(os.fspath(out)), layout)
+    if given.line_directives and run.trace is None:
+        raise OrvError("line_directives: the run was not traced; traced=True of orv.render does so")
+    files = planning.plan(run, open_folder(os.fspath(out)), layout_of(given))
     check_guards(files, run)
     return files
 

@@ -25,7 +25,9 @@ from typing import Any, NamedTuple
 
 from orv import _native
 from orv.errors import OrvError
-from orv.output.tracefile import FORMAT, VERSION
+from orv.files.run import Run
+from orv.output.plan import Plan
+from orv.output.tracefile import FORMAT, VERSION, trace_file
 
 
 class TraceError(OrvError):
@@ -248,6 +250,17 @@ def parse(data: bytes, files: Mapping[str, bytes] | None = None) -> Trace:
         return trace
     except (KeyError, TypeError) as error:
         raise TraceError(f"the trace file is damaged: {error}") from error
+
+
+def trace_of(files: Plan, run: Run) -> Trace:
+    """The trace of a run that `orv.render` has rendered with `traced=True`, and `orv.plan` planned.
+
+    Raises TraceError when the run was not traced.
+    """
+    if run.trace is None:
+        raise TraceError("the run was not traced; traced=True of orv.render does so")
+    document = trace_file(run, files, files.folder.path)
+    return parse(document, {file.path: file.data for file in files})
 
 
 def _columns(table: str, fields: int) -> list[Sequence[int]]:

@@ -102,4 +102,4 @@ def test_example(example: Example, tmp_path: Path) -> None:
 
 def test_interface(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.chdir(tmp_path)
-    assert doctest.testmod(interface) == (0, 15)
+    assert doctest.testmod(interface) == (0, 19)

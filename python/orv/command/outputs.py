@@ -9,7 +9,7 @@ from typing import NamedTuple
 
 from orv import inputs
 from orv.command.console import say, warn
-from orv.command.options import GenerateOptions
+from orv.command.options import GenerateOptions, LayoutOptions
 from orv.command.progress import progress
 from orv.errors import OrvError, OutputError, unexpected
 from orv.files.run import Run
@@ -331,7 +331,7 @@ def common_reports(
     return wanted
 
 
-def layout_of(options: GenerateOptions) -> Layout:
+def layout_of(options: LayoutOptions) -> Layout:
     """How the run's files are laid out."""
     lines = (options.line_prefix or "") if options.line_directives else None
     return Layout(options.blank_lines, options.format, options.format_all, options.guard, lines)

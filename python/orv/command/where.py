@@ -13,7 +13,7 @@ from orv import _native
 from orv.command.options import LinePlace, WhereOptions
 from orv.command.runs import requested_runs
 from orv.errors import Misuse, OrvError
-from orv.trace import Link, Piece, Site, Trace, TracedFile, parse, read
+from orv.trace import Link, Piece, Site, Trace, TracedFile, read, trace_of
 
 _BOLD, _DIM, _CYAN, _PLAIN = "\033[1m", "\033[2m", "\033[36m", "\033[0m"
 _LONGEST = 100
@@ -58,12 +58,11 @@ def _rendered(options: Any) -> Trace:
     from orv.command.outputs import layout_of
     from orv.output.folder import open_folder
     from orv.output.plan import plan
-    from orv.output.tracefile import trace_file
 
     options.trace = ""
     rendered, _ = render_run(options)
     files = plan(rendered, open_folder(options.out), layout_of(options))
-    return parse(trace_file(rendered, files, options.out), {f.path: f.data for f in files})
+    return trace_of(files, rendered)
 
 
 def _find(path: str, traces: Sequence[Trace]) -> Found:
