@@ -17,10 +17,6 @@ from typing import Any
 import orbel
 from disk import LAYER, Found, Project, spread
 
-# See allocations.cpp. A value is set without an allocation.
-_ALLOCATIONS = ctypes.c_long.in_dll(LAYER, "faults_allocations")
-_EXHAUSTED = ctypes.c_long.in_dll(LAYER, "faults_exhausted")
-_BLOCKS = ctypes.c_long.in_dll(LAYER, "faults_blocks")
 # Of a run; the interpreter itself may hang without memory.
 _MOST_SECONDS = 5
 
@@ -45,6 +41,12 @@ CALLS: list[Call] = [
 ]
 
 
+@functools.cache
+def _number(name: str) -> ctypes.c_long:
+    """A variable of allocations.cpp. Its value is set without an allocation."""
+    return ctypes.c_long.in_dll(LAYER, name)
+
+
 def _repository(varn: Any, name: str) -> Any:
     repository = varn.VarnFileRepository()
     file = repository.createGenericFile("a.c")
@@ -66,13 +68,14 @@ def _state(repository: Any) -> str:
 
 def _passes(call: Call, repository: Any, allocations: int, exhausted: bool) -> bool:
     """Whether the call does without the allocation; errors of the call itself do."""
-    _EXHAUSTED.value = exhausted
-    _ALLOCATIONS.value = allocations
+    armed = _number("faults_allocations")
+    _number("faults_exhausted").value = exhausted
+    armed.value = allocations
     try:
         try:
             call(repository)
         finally:
-            _ALLOCATIONS.value = -1
+            armed.value = -1
     # The interpreter itself loses some of its errors.
     except (MemoryError, SystemError):
         return False
@@ -98,7 +101,7 @@ def _check_call(varn: Any, call: Call, name: str, exhausted: bool) -> None:
                 raise Found(f"call {CALLS.index(call)}, allocation {allocations}: half done")
             del repository
             gc.collect()
-            blocks[i] = _BLOCKS.value
+            blocks[i] = _number("faults_blocks").value
         if all(more > less for less, more in zip(blocks, blocks[1:])):
             raise Found(f"call {CALLS.index(call)}, allocation {allocations}: leaks {list(blocks)}")
         failed += not passes
@@ -108,6 +111,8 @@ def _check_call(varn: Any, call: Call, name: str, exhausted: bool) -> None:
 
 def memory_of_scripts(_: Path, case: int, chance: random.Random) -> None:
     varn = orbel.load("varn_filepackaging")
+    # What is there already is left out of the collections.
+    gc.freeze()
     name = "n" * chance.randrange(1, 5000)
     _check_call(varn, CALLS[case % len(CALLS)], name, case // len(CALLS) % 2 == 1)
 
@@ -126,8 +131,9 @@ def _run_out(folder: Path, case: int, exhausted: bool) -> None:
     def arm() -> None:
         LAYER.faults_watch_crashes()
         resource.setrlimit(resource.RLIMIT_CPU, (_MOST_SECONDS, _MOST_SECONDS))
-        _EXHAUSTED.value = exhausted
-        _ALLOCATIONS.value = allocations
+        armed = _number("faults_allocations")
+        _number("faults_exhausted").value = exhausted
+        armed.value = allocations
 
     project = Project(folder)
     project.check(project.run("new", arm))
@@ -141,11 +147,11 @@ def _allocations_of_a_run(folder: Path) -> int:
         leave = os._exit
 
         def leave_note(code: int) -> None:
-            (folder / "allocations").write_text(str(many - _ALLOCATIONS.value))
+            (folder / "allocations").write_text(str(many - _number("faults_allocations").value))
             leave(code)
 
         vars(os)["_exit"] = leave_note
-        _ALLOCATIONS.value = many
+        _number("faults_allocations").value = many
 
     Project(folder).run("new", note_at_the_end)
     return int((folder / "allocations").read_text())
