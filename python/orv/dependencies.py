@@ -22,6 +22,7 @@ def depends(file: str | os.PathLike[str]) -> str:
     """
     path = os.fspath(file)
     if not os.path.exists(path):
+        inputs.current().absent.add(path)
         raise OrvError(f'depends: there is no file "{path}"')
     inputs.current().used.add(path)
     files = _recorded.get()

@@ -116,6 +116,10 @@ def test_reports_of_all_runs_of_a_pattern(orv: Command, models: None, tmp_path: 
 
 
 MISTAKES = {
+    ("m=models/*.json", "gen/{m}", "--report", "r.html", "--scheduler", "tcp://localhost:1"):
+        "argument --report: not allowed with argument --scheduler",
+    ("m=models/*.json", "gen/{m}", "--scheduler", "here"):
+        "argument --scheduler: expected tcp://HOST:PORT or tls://HOST:PORT, got 'here'",
     ("m=models/*.xml", "gen/{m}"): "error: models/*.xml: no file has such a name",
     ("m=models/*.json", "gen"): "argument --for-each: expected {m} in --out, got 'gen'",
     ("models/*.json", "gen/{m}"):

@@ -29,7 +29,9 @@ def do_runs(runs: Sequence[GenerateOptions], generate: Generate) -> int:
     """
     batch = _Batch(runs, generate)
     jobs = min(runs[0].jobs or len(os.sched_getaffinity(0)), len(runs))
-    if len(runs) == 1:
+    if runs[0].scheduler is not None:
+        batch.do_elsewhere(runs[0].scheduler)
+    elif len(runs) == 1:
         batch.outcomes[0] = generate(runs[0])
     elif jobs == 1:
         for number in range(len(runs)):
@@ -40,12 +42,26 @@ def do_runs(runs: Sequence[GenerateOptions], generate: Generate) -> int:
     return batch.end()
 
 
-class _Attempt(NamedTuple):
+class Attempt(NamedTuple):
     """What came of a run that was one of several; `failure` is the message of its error, or ""."""
 
     outcome: Outcome | None
     failure: str = ""
     found: inputs.Inputs = inputs.Inputs()
+
+
+def attempt(do: Callable[[], Outcome | None]) -> Attempt:
+    """Do a run. What ends all runs is raised: an interruption, and failing standard streams."""
+    try:
+        with inputs.observed() as found:
+            known = set(sys.modules)
+            outcome = do()
+            found.note_modules(sys.modules.keys() - known)
+            return Attempt(outcome, found=found)
+    except (Interrupted, OSError, ImportError):
+        raise
+    except Exception as error:
+        return Attempt(None, failure_of(error))
 
 
 class _Batch:
@@ -58,20 +74,11 @@ class _Batch:
         self._failed = 0
         self._interrupted: list[str] = []
 
-    def attempt(self, number: int) -> _Attempt:
-        """Do a run. What ends all runs is raised: an interruption, and failing standard streams."""
-        try:
-            with inputs.observed() as found:
-                known = set(sys.modules)
-                outcome = self._generate(self._runs[number])
-                found.note_modules(sys.modules.keys() - known)
-                return _Attempt(outcome, found=found)
-        except (Interrupted, OSError, ImportError):
-            raise
-        except Exception as error:
-            return _Attempt(None, failure_of(error))
+    def attempt(self, number: int) -> Attempt:
+        """Do a run."""
+        return attempt(lambda: self._generate(self._runs[number]))
 
-    def report(self, number: int, done: Done[_Attempt]) -> None:
+    def report(self, number: int, done: Done[Attempt]) -> None:
         """Say what came of a run."""
         done.printed.show()
         if isinstance(done.error, Interrupted):
@@ -88,7 +95,8 @@ class _Batch:
 
     def _fail(self, number: int, text: str) -> None:
         self._failed += 1
-        print(f'{text}\n    in the run "{self._runs[number].label}"', file=sys.stderr)
+        where = f'\n    in the run "{self._runs[number].label}"' if len(self._runs) > 1 else ""
+        print(text + where, file=sys.stderr)
 
     def do_at_once(self, jobs: int) -> None:
         """Do all runs, several at once. Those that touch the same files keep their order."""
@@ -105,6 +113,12 @@ class _Batch:
             if self._interrupted:
                 raise Interrupted("\n".join(self._interrupted)) from None
             raise
+
+    def do_elsewhere(self, scheduler: str) -> None:
+        """Have all runs rendered by the workers of a scheduler; format and write here."""
+        from orv.command.remote import RemoteRuns
+
+        RemoteRuns(self._runs, self.report).do(scheduler)
 
     def write_common_reports(self) -> None:
         """Write what the runs of a pattern report together, unless one of them failed."""
@@ -125,7 +139,7 @@ class _Batch:
                 if number in self.outcomes and not run.quiet and not run.diff]  # fmt: skip
         same = told and not self._failed and not any(outcome.differs for outcome in told)
         print(_summary(told, bool(same)), end="")
-        if self._failed:
+        if self._failed and len(self._runs) > 1:
             print(f"error: {self._failed} of {len(self._runs)} runs failed", file=sys.stderr)
         differs = any(self._runs[number].check and outcome.differs
                       for number, outcome in self.outcomes.items())  # fmt: skip

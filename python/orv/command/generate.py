@@ -3,9 +3,9 @@
 from __future__ import annotations
 
 import time
-from collections.abc import Callable, Iterator, Mapping
+from collections.abc import Callable, Iterator, Mapping, Sequence
 from contextlib import ExitStack, contextmanager
-from typing import Any
+from typing import TYPE_CHECKING, Any
 
 from orv import _native, inputs
 from orv.command.batch import do_runs
@@ -26,8 +26,11 @@ from orv.templates.sandbox.budget import Budget
 from orv.templates.engine import mentioned_names, render, source_beside
 from orv.templates.library import Language
 
+if TYPE_CHECKING:
+    from orv.output.snapshot import Composed
+
 # How often a run is rendered at most until what templates were told of user regions is true.
-_MOST_RENDERINGS = 4
+MOST_RENDERINGS = 4
 
 
 def run(given: dict[str, Any]) -> int:
@@ -44,27 +47,43 @@ def generate(options: GenerateOptions) -> Outcome:
     What templates ask of user regions may depend on all that is rendered. So it is rendered again
     when they were told something else than what comes out.
     """
-    rendering = _Rendering(options)
-    texts_of = _on_disk(options)
-    for _ in range(_MOST_RENDERINGS):
+    rendering = Rendering(options)
+    texts_of = on_disk(options)
+    for _ in range(MOST_RENDERINGS):
         run, sources = rendering.run(texts_of)
-        outputs = Outputs(run, sources, options)
-        known = outputs.region_texts() if run.regions.questions else {}
-        if run.regions.is_settled(known):
-            return outputs.finish()
+        ended = conclude(run, sources, options)
+        if isinstance(ended, Outcome):
+            return ended
         inputs.current().is_incomplete = True
-        texts_of = _known(known)
-        # The folder stays locked as long as the object lives.
-        del outputs
+        known = ended
+        texts_of = known_texts(known)
     raise unsettled(run.regions.questions, known)
+
+
+def conclude(
+    run: Run, sources: Sequence[str], options: GenerateOptions, composed: Composed | None = None
+) -> Outcome | dict[str, dict[str, bytes]]:
+    """Write or compare what was rendered; see Outputs.
+
+    When templates, or the trace, know other texts of user regions than those that come out, nothing
+    is written. Then this gives the texts that come out, by the labels of the files.
+    """
+    # The folder stays locked as long as the object lives.
+    outputs = Outputs(run, sources, options, composed)
+    assumed = None if composed is None else composed.texts
+    is_asked = bool(run.regions.questions) or assumed is not None
+    known = outputs.region_texts() if is_asked else {}
+    if run.regions.is_settled(known) and assumed in (None, known):
+        return outputs.finish()
+    return known
 
 
 def render_run(options: GenerateOptions) -> tuple[Run, list[str]]:
     """Render and run the scripts. Returns the run and the paths of what it has read."""
-    return _Rendering(options).run(_on_disk(options))
+    return Rendering(options).run(on_disk(options))
 
 
-class _Rendering:
+class Rendering:
     """What a run renders. It is read once and can be rendered again."""
 
     def __init__(self, options: GenerateOptions) -> None:
@@ -74,7 +93,7 @@ class _Rendering:
             say(f"run {options.label}", options)
         with _dependencies(options) as self._dependencies:
             extensions = load_extensions(options.extend)
-            self._messages = _messages(options, self._said)
+            self._messages = messages_of(options, self._said)
             self._model = build_model(
                 options.model, options.set, self._messages.warn, options.schema
             )
@@ -94,7 +113,7 @@ class _Rendering:
         """
         options = self._options
         with _dependencies(options) as dependencies:
-            run = self._render(_messages(options, self._said), texts_of, dependencies)
+            run = self._render(messages_of(options, self._said), texts_of, dependencies)
         run.messages.warnings[:0] = self._messages.warnings
         run.dependencies = [*self._dependencies, *dependencies]
         sources = [*self._read, *self._model.files, *self._model.folders, *options.script]
@@ -141,7 +160,7 @@ def _dependencies(options: GenerateOptions) -> Iterator[list[str]]:
         yield dependencies
 
 
-def _messages(options: GenerateOptions, said: list[str]) -> Messages:
+def messages_of(options: GenerateOptions, said: list[str]) -> Messages:
     before = set(said)
 
     def new(tell: Callable[[str], None]) -> Callable[[str], None]:
@@ -155,7 +174,7 @@ def _messages(options: GenerateOptions, said: list[str]) -> Messages:
     return Messages(new(lambda text: warn(text, options)), options.strict, new(debug))
 
 
-def _on_disk(options: GenerateOptions) -> TextsOf:
+def on_disk(options: GenerateOptions) -> TextsOf:
     """The texts of user regions that the output folder has."""
     folder: list[_native.OutputFolder] = []
 
@@ -167,6 +186,6 @@ def _on_disk(options: GenerateOptions) -> TextsOf:
     return texts
 
 
-def _known(known: Mapping[str, Texts]) -> TextsOf:
+def known_texts(known: Mapping[str, Texts]) -> TextsOf:
     """The texts of user regions by the labels of their files."""
     return lambda label, path, markers: known.get(label, {})

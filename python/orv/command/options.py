@@ -82,8 +82,15 @@ def _markers(argument: str) -> str:
     return _native.Markers(argument).pattern
 
 
+def _scheduler(argument: str) -> str:
+    if not re.fullmatch(r"(tcp|tls)://[^/]+:\d+", argument):
+        raise ValueError(f"expected tcp://HOST:PORT or tls://HOST:PORT, got {argument!r}")
+    return argument
+
+
 DELIMITERS = ValueType("'<% %> << >> <# #>'", _delimiters)
 MARKERS = ValueType("'BEGIN {id} ... END {id}'", _markers)
+SCHEDULER = ValueType("tcp://HOST:PORT", _scheduler)
 SETTING = ValueType("KEY=VALUE", _setting)
 
 
@@ -308,6 +315,9 @@ class JobOptions(Options):
 
     jobs: int | None = value(
         number("N", 1), "do up to N runs at once; as many as there are cores by default"
+    )
+    scheduler: str | None = value(
+        SCHEDULER, "have the runs done by the workers of this Dask scheduler"
     )
 
 

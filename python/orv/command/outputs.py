@@ -5,7 +5,7 @@ from __future__ import annotations
 import os
 import sys
 from collections.abc import Callable, Iterable, Sequence
-from typing import NamedTuple
+from typing import TYPE_CHECKING, NamedTuple
 
 from orv import inputs
 from orv.command.console import say, warn
@@ -26,6 +26,9 @@ from orv.output.state import FolderState, StateFile
 from orv.output.writer import Writer
 from orv.unchanged import digest_of
 
+if TYPE_CHECKING:
+    from orv.output.snapshot import Composed
+
 
 class Outcome(NamedTuple):
     """What a run came to: whether a file differed from the disk, and the files without text.
@@ -43,11 +46,19 @@ class Outputs:
     """The files and reports of one run.
 
     Making this object locks the output folder and plans; it stays locked while the object lives.
-    `sources` are the paths of what the run has read.
+    `sources` are the paths of what the run has read; `composed` is given of a run that another
+    process rendered.
     """
 
-    def __init__(self, run: Run, sources: Sequence[str], options: GenerateOptions) -> None:
+    def __init__(
+        self,
+        run: Run,
+        sources: Sequence[str],
+        options: GenerateOptions,
+        composed: Composed | None = None,
+    ) -> None:
         self._run = run
+        self._composed = composed
         self._sources = sources
         self._options = options
         # Whether the files are on the disk, and what remains is the state and the reports.
@@ -62,7 +73,8 @@ class Outputs:
             options.run_name or "", options.edited, options.stale, options.adopt, options.orphans
         )
         self._load()
-        self._files = plan(run, self._folder, layout_of(options), self._known.markers())
+        files = None if composed is None else composed.files
+        self._files = plan(run, self._folder, layout_of(options), self._known.markers(), files)
         require_expected(self._files, options.expect)
         check_guards(self._files, run)
         self._settle()
@@ -139,9 +151,13 @@ class Outputs:
         if options.manifest is not None:
             from orv.output.manifest import manifest
 
-            data = manifest(self._run, self._files)
+            described = () if self._composed is None else self._composed.descriptions
+            data = manifest(self._run, self._files, described)
             wanted.append(reports.Report("manifest", options.manifest, data))
-        wanted += self._origins()
+        if self._composed is None:
+            wanted += self._origins()
+        elif options.trace is not None:
+            wanted.append(reports.Report("trace", options.trace, self._composed.trace))
         return wanted + common_reports(
             options, lambda: shown_paths(self._files), self._dependencies
         )

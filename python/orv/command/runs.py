@@ -60,6 +60,10 @@ def _require_consistent(options: GenerateOptions) -> None:
         raise Misuse("argument --line-directives: not allowed with argument --format")
     if options.line_prefix is not None and not options.line_directives:
         raise Misuse("--line-prefix needs --line-directives")
+    if options.scheduler is not None and options.report is not None:
+        raise Misuse("argument --report: not allowed with argument --scheduler")
+    if options.scheduler is not None and options.trace is not None and options.format is not None:
+        raise Misuse("argument --trace: not allowed with arguments --scheduler and --format")
     if options.depfile is not None and not (options.stamp or options.depfile_target):
         raise Misuse("--depfile needs a target: --stamp FILE or --depfile-target NAME")
 

@@ -37,10 +37,16 @@ Texts = Mapping[str, bytes]
 TextsOf = Callable[[str, str, _native.Markers], Texts]
 
 
+class Placed(NamedTuple):
+    """A place that is known already; see Mark."""
+
+    position: Position
+
+
 class _Declared(NamedTuple):
     """A region as a template declares it."""
 
-    mark: Mark
+    mark: Mark | Placed
     # Whether the region is in a custom section, which may come to be in another file.
     is_filled: bool
 
@@ -104,6 +110,16 @@ class Regions:
             self._of_file[file] = self.markers(file)
         declared[id] = _Declared(mark(), is_filled)
         return self._of_file[file].lines(id)
+
+    def positions(self, file: int) -> dict[str, Position]:
+        """Where the regions of a file are declared."""
+        declared = self._declared.get(file, {})
+        return {id: region.mark.position for id, region in declared.items()}
+
+    def restore(self, file: int, positions: Mapping[str, Position]) -> None:
+        """Declare the regions of a file of a run that was rendered elsewhere."""
+        known = {id: _Declared(Placed(position), False) for id, position in positions.items()}
+        self._declared[file] = known
 
     def position(self, file: int, id: str) -> Position | None:
         """Where a region is declared, if it is known."""

@@ -130,6 +130,11 @@ class FileTable:
         """What is known of a file; nothing for one that a script made."""
         return self._records.get(file)
 
+    def restore(self, file: int, record: FileRecord | None) -> None:
+        """Take over what is known of a file of a run that was rendered elsewhere."""
+        if record is not None:
+            self._records[file] = record
+
     def label(self, file: int) -> str:
         """The file's name as messages show it."""
         name = self.repository.get_attribute(file, "Name")

@@ -8,6 +8,7 @@ import re
 import sys
 from collections.abc import Callable
 from functools import lru_cache
+from io import BytesIO, TextIOWrapper
 from typing import NamedTuple
 
 from orv import inputs
@@ -140,6 +141,12 @@ def paths_of(pattern: str) -> list[str]:
 def standard_input() -> bytes:
     """What is on standard input. All runs of a process get the same."""
     return sys.stdin.buffer.read()
+
+
+def provide_input(data: bytes) -> None:
+    """Take `data` as what is on standard input."""
+    sys.stdin = TextIOWrapper(BytesIO(data))
+    standard_input.cache_clear()
 
 
 def folders_of(pattern: str) -> set[str]:

@@ -156,14 +156,27 @@ def plan(
     folder: _native.OutputFolder,
     layout: Layout = Layout(),
     old_markers: Mapping[str, str] = MappingProxyType({}),
+    composed: Sequence[PlannedFile] | None = None,
 ) -> Plan:
     """Work out what has to be written, in the order of the repository. Changes nothing.
+
+    `composed` is what compose() gives, if that is known already.
 
     `old_markers` has the markers of files on the disk that may have others, by location. Paths that
     differ only in letter case are warned about. Raises OutputError, with the file and where it was
     declared, when a file cannot go where it belongs.
     """
     planned = Plan(folder, old_markers)
+    planned += compose(run, folder, layout) if composed is None else composed
+    if layout.formatter is not None:
+        _format(planned, run, layout.formatter, layout.formats_all)
+    compare(planned, run)
+    return planned
+
+
+def compose(run: Run, folder: _native.OutputFolder, layout: Layout) -> list[PlannedFile]:
+    """Compose the files, in the order of the repository. Reads nothing of the folder."""
+    planned: list[PlannedFile] = []
     folded: dict[str, PlannedFile] = {}
     for index in range(len(run.repository)):
         if run.repository.get_attribute(index, "IsEmpty"):
@@ -176,9 +189,6 @@ def plan(
         planned.append(file)
         _report_clash(file, folded.setdefault(file.path.casefold(), file), run)
     run.regions.verify({file.index: file.regions for file in planned if not file.is_empty})
-    if layout.formatter is not None:
-        _format(planned, run, layout.formatter, layout.formats_all)
-    compare(planned, run)
     return planned
 
 

@@ -1,6 +1,11 @@
+#include <cstdlib>
 #include <map>
+#include <new>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include <pybind11/stl.h>
 
@@ -61,6 +66,34 @@ py::object guardOf(const ComposedFile& file) {
   return toPython(file.guard().macro());
 }
 
+// What unpickled() takes: the bytes, the number and size of each section, and the guard.
+py::tuple pickled(const ComposedFile& file) {
+  py::list sections;
+  for (const ComposedFile::Section& section : file.sections()) {
+    sections.append(py::make_tuple(section.number, section.size));
+  }
+  return py::make_tuple(py::bytes(file.bytes().data(), file.bytes().size()), sections,
+                        file.guard().exists(), file.guard().macro());
+}
+
+// The file without its origins.
+ComposedFile unpickled(const py::tuple& state) {
+  const Bytes bytes(state[0]);
+  const std::string_view text = bytes.view();
+  std::vector<ComposedFile::Section> sections;
+  for (const py::handle section : state[1]) {
+    const auto [number, size] = section.cast<std::pair<int, std::size_t>>();
+    sections.push_back({number, size});
+  }
+  Guard guard;
+  const auto macro = state[3].cast<std::string>();
+  if (state[2].cast<bool>()) guard = macro.empty() ? Guard::pragma() : Guard::ofMacro(macro);
+  char* characters = static_cast<char*>(std::malloc(text.size() + 1));
+  if (characters == nullptr) throw std::bad_alloc();
+  text.copy(characters, text.size());
+  return ComposedFile(characters, text.size(), std::move(sections), std::move(guard), {});
+}
+
 // The table of ranges, and the spans.
 py::tuple tracedTables(const TracedText& traced) {
   constexpr const char* kinds[] = {"section", "function", "custom section", "user region"};
@@ -98,6 +131,7 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
       .def_property_readonly("sections", &sectionSizes)
       .def_property_readonly("guard", &guardOf)
       .def("traced", &traced)
+      .def(py::pickle(&pickled, &unpickled))
       .def("with_line_directives", [](const ComposedFile& file, const Trace& trace,
                                       const py::function& name, const py::str& own) {
         const auto nameOf = [&](const std::string& template_) {
