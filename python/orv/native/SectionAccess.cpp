@@ -1,5 +1,10 @@
 #include "python/orv/native/SectionAccess.hpp"
 
+#include <utility>
+
+#include <boost/make_shared.hpp>
+
+#include <varn/StringFileSectionFragment.hpp>
 #include <varn/VarnFile.hpp>
 
 #include "python/orv/native/SectionNames.hpp"
@@ -10,6 +15,9 @@ namespace {
 
 using Varn::VarnFileSectionKind;
 
+// From this size on, copying a text costs more than a fragment of its own.
+constexpr std::size_t largeText = std::size_t{1} << 16;
+
 bool hasBridgeName(VarnFileSectionKind kind) { return kind != Varn::FORWARD_DECLS_SECTION; }
 
 const std::string& bridgeName(VarnFileSectionKind kind) {
@@ -18,11 +26,15 @@ const std::string& bridgeName(VarnFileSectionKind kind) {
 
 }  // namespace
 
-void addSectionText(PackagedFiles& files, int file, VarnFileSectionKind kind, const char* text) {
-  if (hasBridgeName(kind)) {
-    files.bridge().addSectionContent(file, bridgeName(kind), text);
+void addSectionText(PackagedFiles& files, int file, VarnFileSectionKind kind, std::string& text) {
+  if (!hasBridgeName(kind)) {
+    files.file(file).getFileSection(kind).addContent_cstr(text.c_str());
+  } else if (text.size() < largeText) {
+    files.bridge().addSectionContent(file, bridgeName(kind), text.c_str());
   } else {
-    files.file(file).getFileSection(kind).addContent_cstr(text);
+    auto fragment = boost::make_shared<Varn::StringFileSectionFragment>(std::move(text));
+    files.bridge().addSectionContent(file, bridgeName(kind), std::move(fragment));
+    text.clear();
   }
 }
 

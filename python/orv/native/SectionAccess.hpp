@@ -14,9 +14,10 @@ namespace orv {
 // have no name there, are reached through the file instead. All throw the library's diagnostic for
 // an unknown file.
 
-// Appends `text`, up to its first NUL, as one fragment.
+// Appends `text`, which has no NUL, as one fragment. A large one is not copied: it becomes the
+// fragment's, and `text` is empty.
 void addSectionText(PackagedFiles& files, int file, Varn::VarnFileSectionKind kind,
-                    const char* text);
+                    std::string& text);
 
 // Attaches the custom section `name`, without NUL, to a section.
 void declareCustomSection(PackagedFiles& files, int file, Varn::VarnFileSectionKind kind,

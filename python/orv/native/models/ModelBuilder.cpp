@@ -11,9 +11,10 @@ namespace {
 
 namespace py = pybind11;
 
-// The longest name that is worth a look whether it is there already, and the most digits that fit a
-// machine's integer.
-constexpr std::size_t longestShared = 32;
+// The longest texts that are worth a look whether they are there already, and the most digits that
+// fit a machine's integer.
+constexpr std::size_t longestName = 32;
+constexpr std::size_t longestValue = 16;
 constexpr std::size_t mostDigits = 18;
 
 // The most names given twice that are collected.
@@ -74,12 +75,12 @@ py::object ModelBuilder::end() {
 }
 
 void ModelBuilder::key(std::string_view name, Location location) {
-  open_.back().key = sharedName(name, location);
+  open_.back().key = shared(names_, longestName, name, location);
   open_.back().keyLocation = location;
 }
 
 void ModelBuilder::text(std::string_view text, Location location) {
-  value(makeText(text, location), location);
+  value(shared(texts_, longestValue, text, location), location);
 }
 
 void ModelBuilder::integer(std::string_view digits, Location location, int base) {
@@ -188,18 +189,19 @@ std::vector<Places::Entry> ModelBuilder::entriesOf(const py::object& source) con
   return entries;
 }
 
-py::object ModelBuilder::sharedName(std::string_view text, Location location) {
-  if (text.size() > longestShared) return makeText(text, location);
-  py::object& shared = shared_[hashOf(text) % shared_.size()];
-  if (!shared || !equals(shared.ptr(), text)) {
-    shared = makeText(text, location);
-  } else if (PyUnicode_CHECK_INTERNED(shared.ptr()) == 0) {
-    // A name that repeats is one that templates look up: Python finds it by identity then.
-    PyObject* name = shared.release().ptr();
-    PyUnicode_InternInPlace(&name);
-    shared = owned(name);
+py::object ModelBuilder::shared(Texts& texts, std::size_t longest, std::string_view text,
+                                Location location) {
+  if (text.size() > longest) return makeText(text, location);
+  py::object& known = texts[hashOf(text) % texts.size()];
+  if (!known || !equals(known.ptr(), text)) {
+    known = makeText(text, location);
+  } else if (PyUnicode_CHECK_INTERNED(known.ptr()) == 0) {
+    // Python finds and compares by identity what templates and models have in common.
+    PyObject* made = known.release().ptr();
+    PyUnicode_InternInPlace(&made);
+    known = owned(made);
   }
-  return shared;
+  return known;
 }
 
 }  // namespace orv

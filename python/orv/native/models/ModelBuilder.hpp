@@ -75,8 +75,11 @@ class ModelBuilder {
 
   void begin(PyObject* container, Location location);
   void noteRepeated(const Open& open);
-  // The text of a name, mostly the same object for the same short ASCII name.
-  pybind11::object sharedName(std::string_view text, Location location);
+  using Texts = std::array<pybind11::object, 1024>;
+
+  // The text, mostly the same object for the same ASCII text that is no longer than `longest`.
+  static pybind11::object shared(Texts& texts, std::size_t longest, std::string_view text,
+                                 Location location);
   std::vector<Places::Entry> entriesOf(const pybind11::object& source) const;
 
   Places* places_;
@@ -86,7 +89,9 @@ class ModelBuilder {
   std::vector<Open> open_;
   // Of the entries of all that is open.
   std::vector<Places::Entry> entries_;
-  std::array<pybind11::object, 1024> shared_;
+  // What was made last, by hash. Names are by themselves: there are few of them.
+  Texts names_;
+  Texts texts_;
 };
 
 }  // namespace orv

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -117,7 +118,8 @@ class Places {
   Place entryPlace(const Record& record, std::uint32_t position) const;
 
   std::vector<std::string> files_;
-  std::vector<Record> records_;
+  // Many: they are not to be copied when there are more.
+  std::deque<Record> records_;
   // Open addressing, by the container's address: one past the index of a record, or 0. Holds the
   // first records only, until somebody asks for one.
   mutable std::vector<std::uint32_t> slots_;

@@ -70,12 +70,14 @@ std::string_view sourceText(std::string_view data) {
 
 Location LineCounter::at(std::size_t offset) {
   if (offset < offset_) *this = LineCounter(text_);
-  // The steps are short: a call for each costs more than the look at its characters.
-  for (; offset_ < offset; ++offset_) {
-    if (text_[offset_] != '\n') continue;
+  const std::string_view passed = text_.substr(0, offset);
+  while (true) {
+    offset_ = passed.find('\n', offset_);
+    if (offset_ == std::string_view::npos) break;
     ++line_;
-    lineBegin_ = offset_ + 1;
+    lineBegin_ = ++offset_;
   }
+  offset_ = offset;
   return {line_, static_cast<std::uint32_t>(offset - lineBegin_ + 1)};
 }
 

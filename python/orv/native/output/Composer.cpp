@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <new>
 #include <string>
 
 #include <pybind11/pybind11.h>
+#include <sys/types.h>
 
 #include <varn/IncludesSection.hpp>
 
@@ -64,16 +67,18 @@ bool endsWith(std::string_view text, std::string_view ending) {
   return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
 }
 
-// A stream that writes to memory.
+// A stream that writes to memory. Large texts grow without being copied, unlike those of
+// open_memstream().
 class MemoryStream {
  public:
-  MemoryStream() : stream_(open_memstream(&characters_, &size_)) {
+  MemoryStream() : stream_(fopencookie(this, "w", {nullptr, &append, nullptr, nullptr})) {
     if (stream_ == nullptr) throw std::bad_alloc();
+    static_cast<void>(std::setvbuf(stream_, nullptr, _IONBF, 0));
   }
   MemoryStream(const MemoryStream&) = delete;
   MemoryStream& operator=(const MemoryStream&) = delete;
   ~MemoryStream() {
-    if (stream_ != nullptr) std::fclose(stream_);
+    std::fclose(stream_);
     std::free(characters_);
   }
 
@@ -83,18 +88,37 @@ class MemoryStream {
   }
   // Everything written so far, valid until more is written.
   std::string_view written() {
-    if (std::fflush(stream_) != 0) throw std::bad_alloc();
+    if (std::ferror(stream_) != 0) throw std::bad_alloc();
     return {characters_, size_};
   }
   ComposedFile finish(std::vector<ComposedFile::Section> sections, Guard guard, TracedText traced) {
-    if (std::fclose(std::exchange(stream_, nullptr)) != 0) throw std::bad_alloc();
-    return {std::exchange(characters_, nullptr), size_, std::move(sections), std::move(guard),
+    const std::size_t size = written().size();
+    reserve(size);
+    return {std::exchange(characters_, nullptr), size, std::move(sections), std::move(guard),
             std::move(traced)};
   }
 
  private:
+  // What fopencookie() calls: the number of characters, or 0 for want of memory.
+  static ssize_t append(void* cookie, const char* text, std::size_t size) {
+    auto& self = *static_cast<MemoryStream*>(cookie);
+    const std::size_t whole = self.size_ + size;
+    if (whole > self.capacity_ && !self.reserve(std::max(whole, 2 * self.capacity_))) return 0;
+    std::memcpy(self.characters_ + self.size_, text, size);
+    self.size_ = whole;
+    return static_cast<ssize_t>(size);
+  }
+  bool reserve(std::size_t capacity) {
+    void* moved = std::realloc(characters_, std::max<std::size_t>(capacity, 1));
+    if (moved == nullptr) return false;
+    characters_ = static_cast<char*>(moved);
+    capacity_ = capacity;
+    return true;
+  }
+
   char* characters_ = nullptr;
   std::size_t size_ = 0;
+  std::size_t capacity_ = 0;
   FILE* stream_;
 };
 

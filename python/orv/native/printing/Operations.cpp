@@ -2,7 +2,12 @@
 // of values that become text. Compiled templates call the operators, so that they are plain
 // functions of the interpreter.
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstring>
+#include <iterator>
+#include <system_error>
 
 #include "python/orv/native/Bindings.hpp"
 
@@ -70,8 +75,36 @@ PyObject* operandText(PyObject* self, PyObject* value) {
   return PyObject_CallOneArg(textOf(self), value);
 }
 
-// left ~ right ~ ...
-PyObject* concat(PyObject* self, Arguments arguments, Py_ssize_t count) {
+// A short ASCII text that is made of texts and integers.
+class ShortText {
+ public:
+  // False, and the text is of no use, for anything else.
+  bool append(PyObject* value) {
+    if (PyUnicode_CheckExact(value) && PyUnicode_IS_COMPACT_ASCII(value)) {
+      const auto length = static_cast<std::size_t>(PyUnicode_GET_LENGTH(value));
+      if (length > sizeof characters_ - size_) return false;
+      std::memcpy(characters_ + size_, PyUnicode_DATA(value), length);
+      size_ += length;
+      return true;
+    }
+    int overflow = PyLong_CheckExact(value) ? 0 : 1;
+    const long number = overflow == 0 ? PyLong_AsLongAndOverflow(value, &overflow) : 0;
+    if (overflow != 0) return false;
+    const auto [end, error] = std::to_chars(characters_ + size_, std::end(characters_), number);
+    size_ = static_cast<std::size_t>(end - characters_);
+    return error == std::errc();
+  }
+  PyObject* get() const {
+    return PyUnicode_FromStringAndSize(characters_, static_cast<Py_ssize_t>(size_));
+  }
+
+ private:
+  char characters_[256];
+  std::size_t size_ = 0;
+};
+
+// The texts of operands of ~ in one.
+PyObject* joined(PyObject* self, Arguments arguments, Py_ssize_t count) {
   const auto texts = py::reinterpret_steal<py::object>(PyTuple_New(count));
   if (!texts) return nullptr;
   Py_ssize_t length = 0;
@@ -84,6 +117,14 @@ PyObject* concat(PyObject* self, Arguments arguments, Py_ssize_t count) {
   }
   const auto nothing = py::reinterpret_steal<py::object>(PyUnicode_New(0, 0));
   return nothing ? PyUnicode_Join(nothing.ptr(), texts.ptr()) : nullptr;
+}
+
+// left ~ right ~ ...
+PyObject* concat(PyObject* self, Arguments arguments, Py_ssize_t count) {
+  ShortText text;
+  const bool isShort = std::all_of(arguments, arguments + count,
+                                   [&](PyObject* value) { return text.append(value); });
+  return isShort ? text.get() : joined(self, arguments, count);
 }
 
 // Whether templates may read the attribute as it is: a public one of a type of which all are.

@@ -250,7 +250,7 @@ void Printer::noteFunction(const Body& body) {
   if (!isNew) repeated_(body, known->second);
 }
 
-void Printer::add(const Body& body) {
+void Printer::add(Body& body) {
   if (files_->trace) {
     if (body.kind == Body::Kind::function) {
       const Span whole{Span::Kind::function, body.name, 0, body.text.size()};
@@ -259,7 +259,7 @@ void Printer::add(const Body& body) {
     files_->trace->add(body.file, body.section, body.traced);
   }
   if (body.kind == Body::Kind::section) {
-    addSectionText(*files_, body.file, body.section, body.text.c_str());
+    addSectionText(*files_, body.file, body.section, body.text);
     return;
   }
   // The bridge has no operation for functions.

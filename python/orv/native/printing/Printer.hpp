@@ -127,7 +127,7 @@ class Printer {
   void appendIndented(std::string_view text, const Indentation& indentation, RangeReader& ranges);
   void commit(Body& body);
   void noteFunction(const Body& body);
-  void add(const Body& body);
+  void add(Body& body);
 
   std::shared_ptr<PackagedFiles> files_;
   RepeatListener repeated_;
