@@ -66,6 +66,8 @@ void bindRegions(py::module_& module) {
                                    toPython(markers.ending(written)));
            })
       .def("find", &find);
+  module.def("byte_hash",
+             [](const py::object& data) { return py::bytes(byteHash(Bytes(data).view())); });
   module.def("frame_hash", [](const py::object& data, const std::vector<Region>& regions) {
     return frameHash(Bytes(data).view(), regions);
   });

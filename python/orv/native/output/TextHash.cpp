@@ -39,4 +39,10 @@ std::string textHash(std::string_view text) {
   return hash.digest();
 }
 
+std::string byteHash(std::string_view bytes) {
+  XXH128_canonical_t canonical;
+  XXH128_canonicalFromHash(&canonical, XXH3_128bits(bytes.data(), bytes.size()));
+  return {reinterpret_cast<const char*>(canonical.digest), sizeof canonical.digest};
+}
+
 }  // namespace orv

@@ -28,6 +28,9 @@ class TextHash {
 
 std::string textHash(std::string_view text);
 
+// XXH3 with 128 bits, of the bytes as they are.
+std::string byteHash(std::string_view bytes);
+
 }  // namespace orv
 
 #endif
