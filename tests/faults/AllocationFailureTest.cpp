@@ -171,7 +171,7 @@ const Operation operations[] = {
     {"required", [](World& w) { w.bridge.setAttribute(0, "RequiredIncludes", longText); }},
     {"utility list", [](World& w) { w.includes.setUtilityIncludes(longNames); }},
     {"include", [](World& w) { w.includes.addInclude(longText, true); }},
-    {"function", [](World& w) { w.functions.addFunction(longText, longText); }},
+    {"function", [](World& w) { w.functions.addFunction(longText, std::string(5000, 'x')); }},
     {"text", [](World& w) { w.bridge.addSectionContent(0, "Functions", longText); }},
     {"long text",
      [](World& w) { w.bridge.addSectionContent(0, "Functions", std::string(5000, 'x').c_str()); }},
