@@ -1,7 +1,8 @@
 """Runs all attacks side by side and prints what came of them: torture.py MINUTES LAYER FUZZERS.
 
-LAYER is the library of faults.cpp, FUZZERS the folder of the fuzzers. Ends with 1 when anything was
-found; what it was has been printed, and inputs that fuzzers found are in the working folder.
+LAYER is the library of faults.cpp and allocations.cpp, FUZZERS the folder of the fuzzers. Ends with
+1 when anything was found; what it was has been printed, and inputs that fuzzers found are in the
+working folder.
 """
 
 from __future__ import annotations
