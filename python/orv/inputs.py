@@ -34,7 +34,7 @@ class Inputs:
         self.absent: set[str] = set()
         # The files that each pattern finds, sorted.
         self.patterns: dict[str, list[str]] = {}
-        # The digests of what the runs made, and of the reports beside it.
+        # The digests of what the runs made, and the contents of the reports beside it.
         self.made: dict[str, bytes] = {}
         self.reports: dict[str, bytes] = {}
         # The folders that leftovers of killed runs were removed from.

@@ -34,6 +34,9 @@ RACY = 2_000_000_000
 # What a shell says about itself; nothing that a run does depends on it.
 _SESSION = frozenset([b"_", b"COLUMNS", b"LINES", b"OLDPWD", b"PWD", b"SHLVL", b"TERM"])
 
+# The longest report that is not hashed, in bytes.
+_SHORT = 65536
+
 # When this command began.
 STARTED = time.time_ns()
 
@@ -91,6 +94,11 @@ def digest_of(data: Any) -> bytes:
     return _native.byte_hash(data)
 
 
+def contents_of(data: bytes) -> bytes:
+    """The same for reports, which are compared each time: a short one is kept as it is."""
+    return data if len(data) <= _SHORT else digest_of(data)
+
+
 def _identity(arguments: Sequence[str]) -> str:
     """What the record is kept by: the command line and what surrounds it."""
     environment = sorted(item for item in os.environb.items() if item[0] not in _SESSION)
@@ -128,7 +136,7 @@ def _holds(record: dict[str, Any], locks: list[int]) -> bool:
         and not any(map(os.path.lexists, record["absent"]))
         and not any(map(_has_temporary, record["cleaned"]))
         and _are_found(record["patterns"])
-        and all(digest_of(look(path)[1]) == known for path, known in record["reports"].items())
+        and all(contents_of(look(path)[1]) == known for path, known in record["reports"].items())
         and _are_same(record)
     )
 

@@ -11,7 +11,7 @@ from dataclasses import dataclass
 from orv import _native, inputs
 from orv.errors import OutputError
 from orv.output.folder import open_folder, reason
-from orv.unchanged import digest_of
+from orv.unchanged import contents_of
 
 
 @dataclass
@@ -66,7 +66,7 @@ def write(report: Report) -> None:
         inputs.current().cleaned.add(report.folder.real)
         report.folder.replace(report.location, report.data, None)
         report.folder.sync()
-        inputs.current().reports[report.path] = digest_of(report.data)
+        inputs.current().reports[report.path] = contents_of(report.data)
     except OSError as error:
         raise OutputError(f"{report.label} cannot be written: {reason(error)}") from error
 
