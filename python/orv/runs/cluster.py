@@ -6,6 +6,7 @@ import pickle
 from collections import Counter
 from collections.abc import Sequence
 from importlib import import_module
+from logging import CRITICAL, getLogger
 from typing import Any
 from uuid import uuid4
 
@@ -41,6 +42,10 @@ class Cluster:
         # Without this the lines of code that each task comes from are looked up, and sent with it.
         no_code = {"distributed.diagnostics.computations.ignore-modules": [".*"]}
         import_module("dask").config.set(no_code)
+        # What goes wrong is said once, in the words of this program.
+        for name in ("distributed", "distributed.client", "asyncio", "tornado.application"):
+            getLogger(name).setLevel(CRITICAL + 1)
+        self._address = address
         self._topic = f"orv-{uuid4().hex}"
         try:
             # What TLS needs is in the settings of the package.
@@ -87,13 +92,18 @@ class Cluster:
         self._running.add(future)
 
     def receive(self) -> list[tuple[int, Done[Any]]]:
-        """Wait for tasks that were sent together. Gives their numbers, and what became of each."""
+        """Wait for tasks that were sent together. Gives their numbers, and what became of each.
+
+        Raises OrvError when the scheduler has gone.
+        """
         future, result = next(self._running)
         self._under_way -= 1
         numbers = self._numbers[future.key]
         if isinstance(result, list):
             return list(zip(numbers, map(pickle.loads, result), strict=True))
         error = result[1] if isinstance(result, tuple) else result
+        if type(error).__name__ == "CancelledError":
+            raise OrvError(f"the connection to the scheduler {self._address} was lost")
         what = OrvError(f"the run failed on its worker: {type(error).__name__}: {error}")
         return [(number, Done(None, what)) for number in numbers]
 
