@@ -42,8 +42,9 @@ two
 {% endif %}
 {% macro m() %}
 m
+n
 {% endmacro %}
-{{ m() }}
+{{ m() -}}
 {% for i in range(3) %}
 int a{{ i }};
 {% endfor %}{% endsection %}{% do warn("look here") %}{% endfile %}
@@ -102,13 +103,14 @@ class Page:
 
     def row(self, label: str, text: str) -> None:
         """Click the row of a list that has a text."""
-        found = f'//*[starts-with(@aria-label, "{label}")]//*[@role="option"][contains(., "{text}")]/*[1]'
+        rows = f'//*[starts-with(@aria-label, "{label}")]//*[@role="option"]'
+        found = f'{rows}[contains(., "{text}")]/*[1]'
 
         def click() -> bool:
-            rows = self.browser.find_elements(By.XPATH, found)
-            for row in rows[:1]:
-                row.click()
-            return bool(rows)
+            matches = self.browser.find_elements(By.XPATH, found)
+            for match in matches[:1]:
+                match.click()
+            return bool(matches)
 
         self.wait(click)
 
@@ -184,7 +186,8 @@ def test_coverage_and_warnings(browser: Chrome, tmp_path: Path) -> None:
     (tmp_path / "a.j2").write_text(PARTS)
     page = Page(browser, generate(tmp_path, "a.j2"))
     page.row("Warnings", "look here")
-    page.shows("Lines of the template", "3neverone", "4nevertwo", "9×1m", "13×3int a{{ i }};")
+    shown = ["3neverone", "4nevertwo", "9×1m", "10×1n", "14×3int a{{ i }};"]
+    page.shows("Lines of the template", *shown)
     assert page.texts(".never .count") == ["never"] * 3
     assert page.is_clean()
 

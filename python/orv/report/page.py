@@ -57,7 +57,7 @@ def _sources(trace: Mapping[str, Any]) -> dict[str, list[tuple[str, str]]]:
 
 
 def _data(name: str, *parts: Any) -> bytes:
-    """An element with data for the script: the parts one after the other, as zlib compresses them."""
+    """An element with data for the script: the parts one after the other, compressed by zlib."""
     compressor = zlib.compressobj()
     compressed = b"".join([*map(compressor.compress, parts), compressor.flush()])
     element = b'<script type="application/zlib;base64" id="%s">%s</script>\n'

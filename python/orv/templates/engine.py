@@ -102,9 +102,8 @@ def render(
 
     `step` is called each time a template opens a file; `places` knows where the model's values were
     written; `budget` bounds what the templates use, `known` is what is known of user regions. A run
-    that is `traced` knows where its text comes from, and how long each template ran if it is `timed`.
-    Raises TemplateError, whose text begins with
-    the line at fault.
+    that is `traced` knows where its text comes from, and if it is `timed` how long each template
+    ran. Raises TemplateError, whose text begins with the line at fault.
     """
     run = Run(messages, text_of, refuse_outside, step, known, traced, places, timed)
     if budget.text:

@@ -25,27 +25,33 @@ void LineUses::add(std::string_view ranges, std::string_view text) {
   std::size_t line = 1;
   for (std::size_t i = 0; i < columns[0].size(); ++i) {
     const auto end = static_cast<std::size_t>(columns[0][i]);
-    const auto number = static_cast<std::size_t>(columns[1][i]);
-    if (end < begin || end > text.size() || number >= sites.size()) {
+    const auto site = static_cast<std::size_t>(columns[1][i]);
+    if (end < begin || end > text.size() || site >= sites.size()) {
       throw std::invalid_argument("the ranges do not fit the text");
     }
-    const Trace::Site& site = sites[number];
-    std::uint32_t at = site.line;
-    while (begin < end) {
-      if (at != 0) {
-        Use& use = uses[keyOf(site.file, at)];
-        use.count += use.lastLine == line ? 0 : 1;
-        use.lastLine = line;
-      }
-      const std::size_t newline = text.substr(0, end).find('\n', begin);
-      begin = newline == text.npos ? end : newline + 1;
-      if (newline == text.npos) break;
-      ++line;
-      if (site.kind == Trace::Kind::text) ++at;
-    }
+    line = count(sites[site], text.substr(begin, end - begin), line, uses);
+    begin = end;
   }
   flush(uses);
   ++file_;
+}
+
+std::size_t LineUses::count(const Trace::Site& site, std::string_view text, std::size_t line,
+                            Uses& uses) {
+  std::uint32_t at = site.line;
+  while (!text.empty()) {
+    if (at != 0) {
+      Use& use = uses[keyOf(site.file, at)];
+      use.count += use.lastLine == line ? 0 : 1;
+      use.lastLine = line;
+    }
+    const std::size_t newline = text.find('\n');
+    if (newline == text.npos) break;
+    text.remove_prefix(newline + 1);
+    ++line;
+    if (site.kind == Trace::Kind::text) ++at;
+  }
+  return line;
 }
 
 void LineUses::flush(const Uses& uses) {

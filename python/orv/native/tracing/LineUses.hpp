@@ -35,6 +35,9 @@ class LineUses {
   // By template, in the upper half, and line.
   using Uses = std::unordered_map<std::uint64_t, Use>;
 
+  // Counts what a site printed, from `line` on. Returns the line that it ends on.
+  static std::size_t count(const Trace::Site& site, std::string_view text, std::size_t line,
+                           Uses& uses);
   void flush(const Uses& uses);
 
   const Trace& trace_;

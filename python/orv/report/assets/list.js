@@ -10,7 +10,7 @@ function element(tag, attributes = {}, ...children) {
 
 // Pieces of class and text as elements.
 function painted(pieces) {
-  return pieces.map(([kind, text]) => (kind ? element("span", { class: kind }, text) : text));
+  return pieces.map(([kind, text]) => (kind ? element('span', {class: kind}, text) : text));
 }
 
 const ROW = 20;
@@ -22,23 +22,28 @@ const HIGHEST = 8_000_000;
 class VirtualList {
   static made = 0;
 
-  constructor(label, { follows = false, code = false } = {}) {
+  constructor(label, {follows = false, code = false} = {}) {
     this.name = `list-${VirtualList.made++}`;
     this.follows = follows;
-    this.rows = element("div", { class: "rows", role: "presentation" });
-    this.space = element("div", { role: "presentation" }, this.rows);
-    this.element = element("div", {
-      class: code ? "list code" : "list", role: "listbox", tabindex: "0", "aria-label": label,
-    }, this.space);
-    this.element.addEventListener("scroll", () => requestAnimationFrame(() => this.draw()));
-    this.element.addEventListener("keydown", (event) => this.pressed(event));
-    this.element.addEventListener("click", (event) => this.clicked(event));
+    this.rows = element('div', {class: 'rows', role: 'presentation'});
+    this.space = element('div', {role: 'presentation'}, this.rows);
+    this.element = element(
+        'div', {
+          class: code ? 'list code' : 'list',
+          role: 'listbox',
+          tabindex: '0',
+          'aria-label': label,
+        },
+        this.space);
+    this.element.addEventListener('scroll', () => requestAnimationFrame(() => this.draw()));
+    this.element.addEventListener('keydown', (event) => this.pressed(event));
+    this.element.addEventListener('click', (event) => this.clicked(event));
     new ResizeObserver(() => this.set(this)).observe(this.element);
-    this.set({ count: 0, fill: () => {}, choose: () => {} });
+    this.set({count: 0, fill: () => {}, choose: () => {}});
   }
 
-  set({ count, fill, choose, selected = -1 }) {
-    Object.assign(this, { count, fill, choose, selected });
+  set({count, fill, choose, selected = -1}) {
+    Object.assign(this, {count, fill, choose, selected});
     this.space.style.height = `${Math.min(count * ROW, HIGHEST)}px`;
     this.rows.style.height = `${Math.min(count * ROW, this.element.clientHeight)}px`;
     this.draw();
@@ -61,9 +66,13 @@ class VirtualList {
     const last = Math.min(this.count, first + Math.ceil(this.element.clientHeight / ROW) + 1);
     const rows = [];
     for (let index = first; index < last; ++index) {
-      const row = element("div", {
-        class: "row", role: "option", id: `${this.name}-${index}`, "aria-posinset": index + 1,
-        "aria-setsize": this.count, "aria-selected": index === this.selected,
+      const row = element('div', {
+        class: 'row',
+        role: 'option',
+        id: `${this.name}-${index}`,
+        'aria-posinset': index + 1,
+        'aria-setsize': this.count,
+        'aria-selected': index === this.selected,
       });
       row.style.top = `${(index - this.top) * ROW}px`;
       this.fill(row, index);
@@ -71,8 +80,10 @@ class VirtualList {
     }
     this.rows.replaceChildren(...rows);
     const isShown = first <= this.selected && this.selected < last;
-    if (isShown) this.element.setAttribute("aria-activedescendant", `${this.name}-${this.selected}`);
-    else this.element.removeAttribute("aria-activedescendant");
+    if (isShown)
+      this.element.setAttribute('aria-activedescendant', `${this.name}-${this.selected}`);
+    else
+      this.element.removeAttribute('aria-activedescendant');
   }
 
   select(index) {
@@ -98,12 +109,13 @@ class VirtualList {
 
   pressed(event) {
     const page = Math.floor(this.element.clientHeight / ROW) - 1;
-    const steps = { ArrowUp: -1, ArrowDown: 1, PageUp: -page, PageDown: page, Home: -Infinity, End: Infinity };
+    const steps =
+        {ArrowUp: -1, ArrowDown: 1, PageUp: -page, PageDown: page, Home: -Infinity, End: Infinity};
     if (event.altKey || event.ctrlKey || event.metaKey || !this.count) return;
     if (event.key in steps) {
       this.select(this.selected + steps[event.key]);
       if (this.follows) this.choose(this.selected, true);
-    } else if (event.key === "Enter" && this.selected >= 0) {
+    } else if (event.key === 'Enter' && this.selected >= 0) {
       this.choose(this.selected);
     } else {
       return;
@@ -112,9 +124,9 @@ class VirtualList {
   }
 
   clicked(event) {
-    const row = event.target.closest("[role=option]");
+    const row = event.target.closest('[role=option]');
     // Text is being marked, to be copied.
-    if (!row || getSelection().type === "Range") return;
+    if (!row || getSelection().type === 'Range') return;
     this.select(Number(row.id.slice(this.name.length + 1)));
     this.choose(this.selected);
   }

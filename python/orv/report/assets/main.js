@@ -1,14 +1,14 @@
 // The page: what it shows is told by its address, #file=..&line=..&source=..&at=..&search=..
 
-const NUMBERS = ["line", "at"];
+const NUMBERS = ['line', 'at'];
 
 class Page {
   constructor(run) {
     this.run = run;
-    this.nav = document.getElementById("nav");
-    this.main = document.getElementById("main");
-    this.aside = document.getElementById("aside");
-    this.query = document.getElementById("query");
+    this.nav = document.getElementById('nav');
+    this.main = document.getElementById('main');
+    this.aside = document.getElementById('aside');
+    this.query = document.getElementById('query');
     this.overview = new Overview(this);
     this.fileView = new FileView(this);
     this.origin = new OriginView(this);
@@ -16,25 +16,25 @@ class Page {
     this.search = new SearchView(this);
     const title = `Report of ${run.trace.folder}`;
     document.title = title;
-    document.getElementById("title").textContent = title;
+    document.getElementById('title').textContent = title;
     this.listen();
   }
 
   listen() {
-    addEventListener("hashchange", () => this.show());
-    this.query.form.addEventListener("submit", (event) => {
+    addEventListener('hashchange', () => this.show());
+    this.query.form.addEventListener('submit', (event) => {
       event.preventDefault();
-      this.go(this.query.value.trim() ? { search: this.query.value.trim() } : {});
+      this.go(this.query.value.trim() ? {search: this.query.value.trim()} : {});
     });
-    addEventListener("keydown", (event) => {
-      if (event.key !== "/" || event.target === this.query) return;
+    addEventListener('keydown', (event) => {
+      if (event.key !== '/' || event.target === this.query) return;
       event.preventDefault();
       this.query.focus();
     });
   }
 
   say(text) {
-    document.getElementById("status").textContent = text;
+    document.getElementById('status').textContent = text;
   }
 
   address(state) {
@@ -45,8 +45,10 @@ class Page {
   // Shows a state. The browser's way back leads to the one before unless this one takes its place.
   go(state, replaces = false) {
     this.movesFocus = !state.file || state.file !== this.state.file;
-    if (replaces) location.replace(this.address(state));
-    else location.hash = this.address(state);
+    if (replaces)
+      location.replace(this.address(state));
+    else
+      location.hash = this.address(state);
   }
 
   // What the address says, as far as the run has it.
@@ -63,14 +65,16 @@ class Page {
     const state = (this.state = this.read());
     const file = state.file === undefined ? undefined : this.run.fileOf(state.file);
     const source = state.source === undefined ? undefined : this.run.sourceOf(state.source);
-    this.say(state.file !== undefined && !file ? `The run has no file ${state.file}` : "");
+    this.say(state.file !== undefined && !file ? `The run has no file ${state.file}` : '');
     if (state.search === undefined) this.search.stop();
-    if (file) await this.showFile(state, file, source);
-    else this.showOthers(state, source);
+    if (file)
+      await this.showFile(state, file, source);
+    else
+      this.showOthers(state, source);
   }
 
   async showFile(state, file, source) {
-    this.say("Loading");
+    this.say('Loading');
     const body = await this.run.body(file);
     if (this.state !== state) return;
     const line = Math.min(state.line ?? 1, Math.max(1, body.lineEnds.length));
@@ -83,10 +87,11 @@ class Page {
     this.aside.hidden = false;
     this.fileView.show(file, body, line, source?.name, state.at);
     if (shown) {
-      const lit = printed.filter((piece) => piece.site.file === shown.name).map((piece) => piece.line);
+      const lit =
+          printed.filter((piece) => piece.site.file === shown.name).map((piece) => piece.line);
       this.sourceView.show(shown, source ? state.at : seen.line || undefined, lit);
     }
-    this.say("");
+    this.say('');
   }
 
   showOthers(state, source) {
@@ -108,11 +113,11 @@ class Page {
     if (this.main.firstChild !== view.element) {
       this.main.replaceChildren(view.element);
       this.nav.replaceChildren(view.nav ?? this.overview.nav);
-      if (this.movesFocus) view.focus.focus({ preventScroll: true });
+      if (this.movesFocus) view.focus.focus({preventScroll: true});
     }
   }
 }
 
 Run.read().then((run) => new Page(run).show(), (error) => {
-  document.getElementById("status").textContent = `The report cannot be read: ${error.message}`;
+  document.getElementById('status').textContent = `The report cannot be read: ${error.message}`;
 });
