@@ -14,8 +14,7 @@ Value = TypeVar("Value")
 
 
 class Ended(NamedTuple):
-    """A run that has ended: its output folder, the file of its state, if any, and whether it changed
-    them."""
+    """A run that has ended: its output folder, its state file if any, and whether they changed."""
 
     folder: str
     state: str | None
@@ -23,7 +22,10 @@ class Ended(NamedTuple):
 
 
 class Inputs:
-    """What the runs of a command have looked at, and what they made. Paths are as the run uses them."""
+    """What the runs of a command have looked at, and what they made.
+
+    Paths are as the run uses them.
+    """
 
     def __init__(self) -> None:
         # The signatures and digests of files that were read.

@@ -117,10 +117,10 @@ def render(
     """Render a template into the files of a new run.
 
     Its variables are the entries of `model`, or those of a model that was read. Other templates are
-    looked for beside it. `warn` gets the text of each warning; when `strict`, warnings are errors. When
-    `traced`, the run knows where its text comes from.
-    The options are those of `orv generate` about templates, with the values that a project file
-    has: `templates`, `delimiters`, `extend`. Raises TemplateError, and ScriptError for an extension.
+    looked for beside it. `warn` gets the text of each warning; when `strict`, warnings are errors.
+    When `traced`, the run knows where its text comes from. The options are those of `orv generate`
+    about templates, with the values that a project file has: `templates`, `delimiters`, `extend`.
+    Raises TemplateError, and ScriptError for an extension.
     """
     given = _given(LintOptions, options)
     source = engine.source_beside(os.fspath(template), given.templates, [])
@@ -138,8 +138,8 @@ def plan(run: Run, out: str | os.PathLike[str], **options: object) -> Plan:
 
     The options are those of `orv generate` about layout, with the values that a project file has:
     `blank_lines`, `guard`, `format`, `format_all`, and, for a run that was traced,
-    `line_directives` and `line_prefix`. Changes nothing. Raises OutputError, with the file and where
-    it was declared, when a file cannot go where it belongs.
+    `line_directives` and `line_prefix`. Changes nothing. Raises OutputError, with the file and
+    where it was declared, when a file cannot go where it belongs.
     """
     given = _given(LayoutOptions, options)
     if given.line_directives and run.trace is None:

@@ -157,7 +157,7 @@ def _are_found(patterns: Mapping[str, Sequence[str]]) -> bool:
 
 
 def _are_same(record: dict[str, Any]) -> bool:
-    """Whether the files are the same: by their signatures, or by their bytes where these say little.
+    """Whether the files are the same, by their signatures, or by their bytes where these may lie.
 
     Notes the signatures of files whose bytes were looked at.
     """

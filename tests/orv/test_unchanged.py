@@ -1,4 +1,4 @@
-"""A command that has nothing to do: it says so without running, and never when something changed."""
+"""A command that has nothing to do says so without running, and never when something changed."""
 
 from __future__ import annotations
 

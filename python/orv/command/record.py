@@ -79,7 +79,7 @@ def _require_alone(inputs: Inputs) -> None:
 
 
 def _files(inputs: Inputs, places: _Places) -> Iterator[tuple[str, Entry]]:
-    """What the runs read and made. A file cannot be both, and no two paths of what is made are one."""
+    """What the runs read and made: no file is both, and none is made under two paths."""
     read = dict(inputs.read)
     for path in inputs.used - read.keys():
         signature, data = look(path)
