@@ -97,6 +97,19 @@ def test_the_printer_refuses_what_it_cannot_do() -> None:
     assert (bytes(composed)[-2:], composed.sections) == (b"e\n", {"Banner": 39})
 
 
+def test_a_large_text_is_in_its_place() -> None:
+    repository = _native.Repository()
+    repository.create_generic("a.c")
+    printer = _native.Printer(repository, str, print, id, print)
+    texts = ["a\n", "b\n" * 2**17, "c\n", "d\n" * 2**20]
+    for text in texts:
+        printer.section("Enums", "a.c")
+        printer.write(text)
+        printer.close()
+    assert repository.section_text(0, "Enums") == "".join(texts)
+    assert bytes(repository.compose(0)).decode() == "".join(texts)
+
+
 def test_the_repository_lives_as_long_as_its_users() -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")
