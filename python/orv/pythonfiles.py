@@ -31,7 +31,9 @@ def surroundings_kept(path: str) -> Iterator[None]:
         kept = sys.path, sys.stdout, sys.stderr
         folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
         sys.path = [os.path.dirname(os.path.abspath(path)), *sys.path]
-        _note_neighbours(sys.path[0])
+        for searched in map(os.path.abspath, sys.path):
+            if is_users(os.path.join(searched, "module.py")):
+                _note_neighbours(searched)
         try:
             yield
         finally:
@@ -105,6 +107,9 @@ def _forget(names: set[str]) -> None:
         file = getattr(sys.modules[name], "__file__", None)
         if file is not None and os.path.exists(file):
             inputs.current().used.add(file)
+        elif file is not None:
+            # It is in an archive.
+            inputs.current().is_incomplete = True
         if file is not None and is_users(file):
             if os.path.exists(file):
                 depends(shown(file))

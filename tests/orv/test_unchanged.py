@@ -18,6 +18,10 @@ from orv.__main__ import main
 EXTENSION = """\
 import orv, os
 from beside import PREFIX
+try:
+    from optional import PREFIX
+except ImportError:
+    pass
 open(os.environ["CALLS"], "a").write("x")
 @orv.pure
 @orv.filter
@@ -49,6 +53,8 @@ FILES = {
     "e.py": EXTENSION,
     "s.py": SCRIPT,
     "beside.py": 'PREFIX = "p"\n',
+    "searched/first/none.py": "",
+    "searched/second/optional.py": 'PREFIX = "o"\n',
     "f.sh": "cat; cat $1",
     "style": "/* style */\n",
     "named": "",
@@ -95,6 +101,7 @@ CHANGES: list[tuple[Callable[[Path], object], bool]] = [
     (edit("e.py", "PREFIX + name", "name + PREFIX"), False),
     (edit("s.py", "SCRIPT", "script"), False),
     (edit("beside.py", '"p"', '"q"'), False),
+    (write("searched/first/optional.py", 'PREFIX = "f"'), False),
     (edit("style", "style", "STYLE"), False),
     (write("f.sh", "cat; cat $1; echo"), False),
     (write("out/a/.clang-format", ""), False),
@@ -161,6 +168,8 @@ def test_changes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
         pytest.skip("the host's Python package is not built")
     monkeypatch.setenv("CALLS", str(tmp_path / "calls"))
     monkeypatch.setattr(unchanged, "RACY", 50_000_000)
+    for folder in ("second", "first"):
+        monkeypatch.syspath_prepend(tree / "searched" / folder)
     for path, text in FILES.items():
         (tree / path).parent.mkdir(parents=True, exist_ok=True)
         (tree / path).write_text(text)

@@ -82,6 +82,8 @@ def _files(inputs: Inputs, places: _Places) -> Iterator[tuple[str, Entry]]:
     """What the runs read and made: no file is both, and none is made under two paths."""
     read = dict(inputs.read)
     for path in inputs.used - read.keys():
+        # Reading a device or a pipe may have no end.
+        _require(os.path.isfile(path))
         signature, data = look(path)
         _require(is_settled(signature, unchanged.STARTED))
         read[path] = signature, digest_of(data)
