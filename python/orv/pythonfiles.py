@@ -31,9 +31,9 @@ def surroundings_kept(path: str) -> Iterator[None]:
         kept = sys.path, sys.stdout, sys.stderr
         folder = os.open(".", os.O_RDONLY | os.O_DIRECTORY)
         sys.path = [os.path.dirname(os.path.abspath(path)), *sys.path]
-        for searched in map(os.path.abspath, sys.path):
+        for searched in sys.path:
             if is_users(os.path.join(searched, "module.py")):
-                _note_neighbours(searched)
+                _note_neighbours(os.path.abspath(searched))
         try:
             yield
         finally:
