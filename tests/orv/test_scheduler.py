@@ -152,3 +152,9 @@ def test_a_worker_refuses_another_version(project: Path, machines: Machines) -> 
     assert done.returncode == 1 and not (project / "o").exists()
     said = rf"error: the worker tcp://\S+ has orv {re.escape(__version__)}, expected 0\.1\n"
     assert re.fullmatch(said, done.stderr)
+
+
+def test_encryption_needs_certificates(orv: Command, project: Path) -> None:
+    done = orv("generate", "main.j2", "--out", "o", "--scheduler", "tls://127.0.0.1:1")
+    said = "Dask's settings distributed.comm.tls name no certificates"
+    assert done.stderr == f"error: the scheduler tls://127.0.0.1:1 cannot be reached: {said}\n"

@@ -48,8 +48,7 @@ class Cluster:
         self._address = address
         self._topic = f"orv-{uuid4().hex}"
         try:
-            # What TLS needs is in the settings of the package.
-            self._client: Any = distributed.Client(address, timeout=_PATIENCE, set_as_default=False)
+            self._client: Any = _client(distributed, address)
         except (OSError, ValueError) as error:
             raise OrvError(f"the scheduler {address} cannot be reached: {error}") from error
         try:
@@ -116,6 +115,16 @@ class Cluster:
     def close(self) -> None:
         """Drop the tasks that have not ended."""
         self._client.close()
+
+
+def _client(distributed: Any, address: str) -> Any:
+    """A connection to the scheduler. Raises OSError and ValueError."""
+    # What TLS needs is in the settings of the package.
+    security = distributed.Security()
+    encryption = security.get_connection_args("client")["ssl_context"]
+    if address.startswith("tls:") and encryption is None:
+        raise ValueError("Dask's settings distributed.comm.tls name no certificates")
+    return distributed.Client(address, security=security, timeout=_PATIENCE, set_as_default=False)
 
 
 def _perform(
