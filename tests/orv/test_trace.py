@@ -308,8 +308,9 @@ def test_documentation(orv: Command, tmp_path: Path) -> None:
 
 def test_where_renders_again(orv: Command, tmp_path: Path) -> None:
     (tmp_path / "orv.toml").write_text('[run.r]\ntemplate = "a.j2"\nout = "o"\nset = ["n=1"]\n')
-    template = section("int a;\n{{ n }}")
+    template = section("{# \f #}int a;\n{{ n }}")
     assert orv("generate", a__j2=template).returncode == 0
+    assert "    a.j2:2: {{ n }}" in orv("where", "o/a.c:2").stdout
     (found,) = json.loads(orv("where", "o/a.c:2", "--json").stdout)
     assert [(p["text"], p["file"], p["line"]) for p in found["pieces"]] == [
         ("1", "a.j2", 2),
@@ -325,6 +326,10 @@ def test_where_renders_again(orv: Command, tmp_path: Path) -> None:
     assert orv("generate").returncode == 0
     done = orv("where", "o/a.c:7")
     assert (done.returncode, done.stderr) == (1, "o/a.c:7: the file has 2 lines\n")
+    project = tmp_path / "orv.toml"
+    project.write_text(project.read_text() + 'trace = "t.json"\n')
+    assert orv("generate").returncode == 0
+    assert orv("where", "a.c:1", cwd=tmp_path / "o").stdout.startswith("a.c:1: long a;\n")
 
 
 def test_user_regions(orv: Command, tmp_path: Path) -> None:

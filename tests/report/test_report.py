@@ -127,6 +127,10 @@ class Page:
         """Press keys where the focus is."""
         self.browser.switch_to.active_element.send_keys(*keys)
 
+    def focus(self) -> str:
+        """The label of what has the focus."""
+        return self.browser.switch_to.active_element.get_attribute("aria-label") or ""
+
     def is_clean(self) -> bool:
         """Whether the browser has found nothing to complain about."""
         return not self.browser.get_log("browser")
@@ -168,6 +172,7 @@ def test_example(browser: Chrome, tmp_path: Path) -> None:
     assert total in page.texts("#aside h2")
     lit = f"{counts['gl_version_1_1.h']} lines of "
     assert page.texts(".steps span")[0].startswith(lit)
+    assert page.focus().startswith("Lines of the template")
     page.row("Files with what", "gl_version_1_0.h")
     page.wait(lambda: "#file=gl_version_1_0.h&line=" in browser.current_url)
 
@@ -179,6 +184,8 @@ def test_example(browser: Chrome, tmp_path: Path) -> None:
     page.shows("What was found", "function look_up_GL_VERSION_1_1", "look_up_GL_VERSION_1_1(")
     page.press(Keys.ARROW_DOWN, Keys.ENTER)
     page.shows("Outline", "look_up_GL_VERSION_1_1function")
+    browser.back()
+    page.wait(lambda: page.focus() == "What was found" and page.texts("main [aria-selected=true]"))
     assert page.is_clean()
 
 

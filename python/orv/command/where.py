@@ -48,7 +48,10 @@ def _traces(options: WhereOptions) -> Iterator[Trace]:
         return
     for run in requested_runs({"run": options.run, "project": options.project, "quiet": True}):
         if run.trace is not None and os.path.exists(run.trace):
-            yield read(run.trace)
+            trace = read(run.trace)
+            # The trace names the folder as seen from the project's own.
+            trace.folder = run.out
+            yield trace
         else:
             yield _rendered(run)
 
@@ -176,7 +179,8 @@ def _place(entry: dict[str, Any]) -> str:
 def _source(piece: dict[str, Any]) -> str:
     """The template's line, if the template is still there."""
     try:
-        lines = Path(piece["file"]).read_text("utf-8-sig").splitlines()
+        # Not splitlines(): a form feed, for one, ends no line of a template.
+        lines = Path(piece["file"]).read_text("utf-8-sig").split("\n")
         return f': {lines[piece["line"] - 1].strip()[:_LONGEST]}'
     except (OSError, ValueError, IndexError, TypeError):
         return ""

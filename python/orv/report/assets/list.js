@@ -8,6 +8,13 @@ function element(tag, attributes = {}, ...children) {
   return made;
 }
 
+// Gives an element these children. A child put in anew loses focus and scrolling, so those that are
+// there already stay.
+function setChildren(parent, ...children) {
+  const same = children.every((child, i) => child === parent.children[i]);
+  if (!same || parent.children.length !== children.length) parent.replaceChildren(...children);
+}
+
 // Pieces of class and text as elements.
 function painted(pieces) {
   return pieces.map(([kind, text]) => (kind ? element('span', {class: kind}, text) : text));

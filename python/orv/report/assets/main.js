@@ -44,7 +44,6 @@ class Page {
 
   // Shows a state. The browser's way back leads to the one before unless this one takes its place.
   go(state, replaces = false) {
-    this.movesFocus = !state.file || state.file !== this.state.file;
     if (replaces)
       location.replace(this.address(state));
     else
@@ -83,7 +82,7 @@ class Page {
     const printed = this.origin.pieces.filter((piece) => this.run.sources.has(piece.site.file));
     const seen = printed.find((piece) => body.text(piece.begin, piece.end).trim()) ?? printed[0];
     const shown = source ?? this.run.sources.get(seen?.site.file);
-    this.aside.replaceChildren(this.origin.element, ...(shown ? [this.sourceView.element] : []));
+    setChildren(this.aside, this.origin.element, ...(shown ? [this.sourceView.element] : []));
     this.aside.hidden = false;
     this.fileView.show(file, body, line, source?.name, state.at);
     if (shown) {
@@ -104,17 +103,21 @@ class Page {
     }
     this.aside.hidden = !source;
     if (source) {
-      this.aside.replaceChildren(this.sourceView.element);
+      setChildren(this.aside, this.sourceView.element);
       this.sourceView.show(source, state.at, []);
     }
   }
 
+  // Shows a view in place of another, as it was left; the first leaves the focus where it is.
   put(view) {
-    if (this.main.firstChild !== view.element) {
-      this.main.replaceChildren(view.element);
-      this.nav.replaceChildren(view.nav ?? this.overview.nav);
-      if (this.movesFocus) view.focus.focus({preventScroll: true});
-    }
+    const left = this.view;
+    if (left === view) return;
+    if (left) left.scrolled = left.focus.scrollTop;
+    this.view = view;
+    this.main.replaceChildren(view.element);
+    setChildren(this.nav, view.nav ?? this.overview.nav);
+    view.focus.scrollTop = view.scrolled ?? 0;
+    if (left) view.focus.focus({preventScroll: true});
   }
 }
 

@@ -17,8 +17,9 @@ class SearchView {
 
   // Shows what is found, as it is found. A later search ends an earlier one.
   async show(query) {
-    if (this.query === query) return;
+    if (this.query === query) return this.page.say(this.told);
     this.query = query;
+    this.isDone = false;
     const wanted = query.toLowerCase();
     this.found = this.names(wanted);
     for (const source of this.run.sources.values()) this.addLines(source, wanted);
@@ -30,11 +31,13 @@ class SearchView {
       this.addText(file, body, wanted);
       if (number % 50 === 0) this.draw(`, ${number} of ${this.run.files.length} files searched`);
     }
-    this.draw();
+    this.isDone = true;
+    return this.draw();
   }
 
+  // Ends a search; what a whole one found is kept for the way back to it.
   stop() {
-    this.query = undefined;
+    if (!this.isDone) this.query = undefined;
   }
 
   names(wanted) {
@@ -81,7 +84,8 @@ class SearchView {
   draw(progress = '') {
     const found = this.found;
     const more = found.length >= MOST_FOUND ? ' or more' : '';
-    this.page.say(`${found.length}${more} found${progress}`);
+    this.told = `${found.length}${more} found${progress}`;
+    this.page.say(this.told);
     this.list.set({
       count: found.length,
       fill: (row, i) => row.append(

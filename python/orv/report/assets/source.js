@@ -7,6 +7,8 @@ class OriginView {
   }
 
   show(file, body, line) {
+    if (this.file === file && this.line === line) return;
+    Object.assign(this, {file, line});
     this.pieces = line <= body.lineEnds.length ? body.onLine(line) : [];
     const items = [];
     let before = '';
