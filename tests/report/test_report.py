@@ -206,12 +206,16 @@ def test_hostile_run(browser: Chrome, tmp_path: Path) -> None:
         '{% file name %}{% section "Enums" %}{% for key, row in rows.items() %}\n'
         f"{{% raw %}}{HOSTILE}{{% endraw %}}\n{{{{ row }}}}\n{{% endfor %}}{{% endsection %}}"
         "{% endfile %}{% do warn(rows|first) %}"
+        '{% file "wide.c" %}{% section "Enums" %}{% for i in range(100000) %}{{ i }},{% endfor %}'
+        "{% endsection %}{% endfile %}"
     )
     address = generate(tmp_path, f"{name}.j2", "--model", "m.json", "--set", f"name={name}.c")
     page = Page(browser, address)
     for label, text in {"Warnings": "onerror", "Files": "onerror", "Lines": "onload"}.items():
         page.row(label, text)
     page.wait(lambda: len(page.texts(".pieces li")) > 0)
+    page.open("#file=wide.c")
+    page.wait(lambda: page.texts(".origin > p") == ["and 199,501 more pieces"])
     page.press("/")
     page.press("document.title", Keys.ENTER)
     page.shows("What was found", "onload")

@@ -6,6 +6,7 @@ import json
 import os
 import sys
 from collections.abc import Callable, Iterator, Sequence
+from functools import cache
 from pathlib import Path
 from typing import Any, NamedTuple
 
@@ -178,9 +179,15 @@ def _place(entry: dict[str, Any]) -> str:
 
 def _source(piece: dict[str, Any]) -> str:
     """The template's line, if the template is still there."""
+    lines, line = _lines(piece["file"]), piece["line"] or 0
+    return f": {lines[line - 1].strip()[:_LONGEST]}" if 0 < line <= len(lines) else ""
+
+
+@cache
+def _lines(path: str) -> list[str]:
+    """The lines of a template; none if it cannot be read."""
     try:
         # Not splitlines(): a form feed, for one, ends no line of a template.
-        lines = Path(piece["file"]).read_text("utf-8-sig").split("\n")
-        return f': {lines[piece["line"] - 1].strip()[:_LONGEST]}'
-    except (OSError, ValueError, IndexError, TypeError):
-        return ""
+        return Path(path).read_text("utf-8-sig").split("\n")
+    except (OSError, ValueError):
+        return []

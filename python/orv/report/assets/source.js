@@ -1,5 +1,8 @@
 // Beside a file: where a line comes from, and the template with what each of its lines printed.
 
+// The most pieces of a line that are shown; a line of data can have as many as its file has bytes.
+const MOST_PIECES = 500;
+
 class OriginView {
   constructor(page) {
     this.page = page;
@@ -12,7 +15,7 @@ class OriginView {
     this.pieces = line <= body.lineEnds.length ? body.onLine(line) : [];
     const items = [];
     let before = '';
-    for (const piece of this.pieces) {
+    for (const piece of this.pieces.slice(0, MOST_PIECES)) {
       const around = this.around(file, piece);
       const isSame = around.map((item) => item.textContent).join() === before;
       before = around.map((item) => item.textContent).join();
@@ -20,8 +23,10 @@ class OriginView {
           'li', {}, this.piece(body, piece),
           isSame ? '' : element('ul', {class: 'chain'}, ...around)));
     }
+    const more = this.pieces.length - items.length;
     this.element.replaceChildren(
-        element('h2', {}, `${file.path}:${line}`), element('ol', {class: 'pieces'}, ...items));
+        element('h2', {}, `${file.path}:${line}`), element('ol', {class: 'pieces'}, ...items),
+        ...(more ? [element('p', {}, `and ${counted(more, 'more piece')}`)] : []));
   }
 
   piece(body, piece) {
