@@ -327,8 +327,9 @@ def test_where_renders_again(orv: Command, tmp_path: Path) -> None:
     done = orv("where", "o/a.c:7")
     assert (done.returncode, done.stderr) == (1, "o/a.c:7: the file has 2 lines\n")
     project = tmp_path / "orv.toml"
-    project.write_text(project.read_text() + 'trace = "t.json"\n')
-    assert orv("generate").returncode == 0
+    broken = '[run.broken]\ntemplate = "none.j2"\nout = "p"\n'
+    project.write_text(f'{project.read_text()}trace = "t.json"\n{broken}')
+    assert orv("generate", "--run", "r").returncode == 0
     assert orv("where", "a.c:1", cwd=tmp_path / "o").stdout.startswith("a.c:1: long a;\n")
 
 

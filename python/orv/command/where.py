@@ -5,8 +5,9 @@ from __future__ import annotations
 import json
 import os
 import sys
-from collections.abc import Callable, Iterator, Sequence
+from collections.abc import Callable, Iterable, Iterator
 from functools import cache
+from itertools import tee
 from pathlib import Path
 from typing import Any, NamedTuple
 
@@ -33,8 +34,12 @@ def run(given: dict[str, Any]) -> int:
     options = WhereOptions(**given)
     if not options.line:
         raise Misuse("expected FILE:LINE or FILE:LINE:COLUMN")
-    traces = list(_traces(options))
-    answers = [_answer(place, _find(place.path, traces)) for place in options.line]
+    traces = _traces(options)
+    answers = []
+    for place in options.line:
+        # Only as far as needed: a run after the one that makes the file may be slow, or fail.
+        traces, looked_through = tee(traces)
+        answers.append(_answer(place, _find(place.path, looked_through)))
     if options.json:
         print(json.dumps(answers, indent=2))
     else:
@@ -69,7 +74,7 @@ def _rendered(options: Any) -> Trace:
     return trace_of(files, rendered)
 
 
-def _find(path: str, traces: Sequence[Trace]) -> Found:
+def _find(path: str, traces: Iterable[Trace]) -> Found:
     """The file of this path. Raises OrvError when no run makes it or its bytes differ."""
     real = os.path.realpath(path)
     for trace in traces:
