@@ -158,3 +158,16 @@ def test_encryption_needs_certificates(orv: Command, project: Path) -> None:
     done = orv("generate", "main.j2", "--out", "o", "--scheduler", "tls://127.0.0.1:1")
     said = "Dask's settings distributed.comm.tls name no certificates"
     assert done.stderr == f"error: the scheduler tls://127.0.0.1:1 cannot be reached: {said}\n"
+
+
+def test_no_worker_is_left(project: Path, machines: Machines) -> None:
+    run = ("generate", "main.j2", "--extend", "extension.py", "--script", "script.py", "--quiet")
+    each = ("--for-each", "m=models/*.json", "--out", "gen/{m}", "--scheduler", machines.address)
+    command = [sys.executable, "-m", "orv", *run, *each]
+    process = subprocess.Popen(command, cwd=project, stderr=subprocess.PIPE, text=True)
+    while not (project / "gen/0000/n0.c").exists() and process.poll() is None:
+        time.sleep(0.001)
+    for worker in machines.workers:
+        worker.kill()
+    error = process.communicate()[1]
+    assert error == f"error: the scheduler {machines.address} has lost its last worker\n"

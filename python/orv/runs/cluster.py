@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import pickle
 from collections import Counter
-from collections.abc import Sequence
+from collections.abc import Collection, Sequence
 from importlib import import_module
 from logging import CRITICAL, getLogger
 from typing import Any
@@ -21,6 +21,9 @@ _RETRIES = 3
 
 # How many seconds a scheduler has to answer, and to have a worker.
 _PATIENCE = 30
+
+# How many seconds to wait for results before looking whether there are workers.
+_BETWEEN_LOOKS = 0.1
 
 # How often tasks are sent ahead for each thread of a worker, and how many together at most: what a
 # scheduler costs is for each time.
@@ -66,8 +69,7 @@ class Cluster:
 
     def room(self, waiting: int) -> int:
         """How many tasks to send together, of so many that wait; 0 while workers are busy."""
-        workers = self._client.scheduler_info()["workers"].values()
-        threads: int = max(sum(worker["nthreads"] for worker in workers), 1)
+        threads: int = max(sum(worker["nthreads"] for worker in self._workers()), 1)
         if self._under_way >= _AHEAD * threads:
             return 0
         return max(1, min(_TOGETHER, waiting // (_AHEAD * threads)))
@@ -93,8 +95,13 @@ class Cluster:
     def receive(self) -> list[tuple[int, Done[Any]]]:
         """Wait for tasks that were sent together. Gives their numbers, and what became of each.
 
-        Raises OrvError when the scheduler has gone.
+        Raises OrvError when the scheduler or the last worker has gone.
         """
+        while not self._running.has_ready():
+            if not self._workers():
+                raise OrvError(f"the scheduler {self._address} has lost its last worker")
+            with self._running.thread_condition:
+                self._running.thread_condition.wait(_BETWEEN_LOOKS)
         future, result = next(self._running)
         self._under_way -= 1
         numbers = self._numbers[future.key]
@@ -105,6 +112,11 @@ class Cluster:
             raise OrvError(f"the connection to the scheduler {self._address} was lost")
         what = OrvError(f"the run failed on its worker: {type(error).__name__}: {error}")
         return [(number, Done(None, what)) for number in numbers]
+
+    def _workers(self) -> Collection[Any]:
+        """What the scheduler knows of each worker now."""
+        workers: Collection[Any] = self._client.scheduler_info()["workers"].values()
+        return workers
 
     def begun_again(self) -> list[int]:
         """The numbers of the tasks that began more than once, on workers that died or failed."""
