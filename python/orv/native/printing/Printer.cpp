@@ -1,6 +1,7 @@
 #include "python/orv/native/printing/Printer.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -246,8 +247,8 @@ void Printer::commit(Body& body) {
 void Printer::noteFunction(const Body& body) {
   const auto file = static_cast<std::size_t>(body.file);
   if (file >= functions_.size()) functions_.resize(file + 1);
-  const auto [known, isNew] = functions_[file].try_emplace(body.name, body.tag);
-  if (!isNew) repeated_(body, known->second);
+  const std::optional<std::size_t> first = functions_[file].add(body.name, body.tag);
+  if (first) repeated_(body, *first);
 }
 
 void Printer::add(Body& body) {

@@ -8,12 +8,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include <varn/VarnFileSectionKind.hpp>
 
 #include "python/orv/native/PackagedFiles.hpp"
+#include "python/orv/native/printing/FunctionNames.hpp"
 #include "python/orv/native/printing/Indentation.hpp"
 #include "python/orv/native/tracing/Trace.hpp"
 
@@ -131,8 +131,8 @@ class Printer {
 
   std::shared_ptr<PackagedFiles> files_;
   RepeatListener repeated_;
-  // The tags of functions, by file and name; as long as the last file that has any.
-  std::vector<std::unordered_map<std::string, std::size_t>> functions_;
+  // By file; as long as the last file that has any.
+  std::vector<FunctionNames> functions_;
   // The first `depth_` are open; the others are kept for their memory.
   std::vector<Body> bodies_;
   std::size_t depth_ = 0;
