@@ -51,6 +51,8 @@ def generate(options: GenerateOptions) -> Outcome:
     texts_of = on_disk(options)
     for _ in range(MOST_RENDERINGS):
         run, sources = rendering.run(texts_of)
+        if not run.regions.questions:
+            rendering.release()
         ended = conclude(run, sources, options)
         if isinstance(ended, Outcome):
             return ended
@@ -120,6 +122,11 @@ class Rendering:
         if options.project is not None:
             sources.append(options.project)
         return run, sources
+
+    def release(self) -> None:
+        """Free the model of a run that is not rendered again; the files take as much memory."""
+        self._values = {}
+        self._model = self._model._replace(values={}, written={}, places=_native.Places())
 
     def _render(self, messages: Messages, texts_of: TextsOf, dependencies: list[str]) -> Run:
         options = self._options

@@ -42,8 +42,8 @@ class Run:
             self.trace.start_clock()
         # How long each script ran.
         self.script_seconds: dict[str, float] = {}
-        # Where the values of the model were written, as far as that is known.
-        self.places = places or _native.Places()
+        # Where the values of the model were written, in a run that is traced. It keeps the model.
+        self.places = places if traced and places is not None else _native.Places()
         self.files = FileTable(self.repository, messages)
         self.printer = _native.Printer(
             self.repository, text_of, refuse_outside, self.files.find, self._report_repeated
