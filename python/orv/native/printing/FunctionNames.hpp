@@ -11,7 +11,7 @@
 namespace orv {
 
 // The names of a file's functions, each with the number of the tag that added it first. A file can
-// have millions of them: a name costs its text and some 30 bytes, and growing touches memory in
+// have millions of them: a name costs its text and some 40 bytes, and growing touches memory in
 // order.
 class FunctionNames {
  public:
