@@ -96,9 +96,11 @@ def is_users(path: str) -> bool:
     return not packaged and not real.startswith(_STANDARD_LIBRARY)
 
 
-def shown(path: str) -> str:
-    """The path as messages and dependency lists name it: relative when that is the shorter one."""
-    relative = os.path.relpath(path)
+def shown(path: str, folder: str = ".") -> str:
+    """The path as messages and dependency lists name it, seen from a folder: relative when that is
+    the shorter one.
+    """
+    relative = os.path.relpath(path, folder)
     return relative if os.path.isabs(path) and not relative.startswith("..") else path
 
 

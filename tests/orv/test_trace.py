@@ -242,18 +242,36 @@ def test_text_is_on_the_line_that_is_named(name: str) -> None:
 def test_script_and_engine(tmp_path: Path) -> None:
     script = tmp_path / "s.py"
     script.write_text(
+        "import helper, os\n"
+        "os.chdir('/')\n"
         "f = repo.FileList[0]\n"
-        "f.getFileSection('ENUMERATIONS_SECTION').addContent('s\\n')\n"
-        "f.getFileSection('INCLUDES_SECTION').addInclude('s.h', False)\n"
+        "section = f.getFileSection('ENUMERATIONS_SECTION')\n"
+        "for i in range(2):\n"
+        "    section.addContent('s\\n')\n"
+        "list(map(section.addContent, [f'\u20ac\\0']))\n"
+        "helper.add(section)\n"
+        "includes = f.getFileSection('INCLUDES_SECTION')\n"
+        "includes.RequiredIncludes = [*includes.RequiredIncludes, 'q.h']\n"
+        "includes.addInclude('t.h', True)\n"
+        "includes.addContent('/* */')\n"
+        "for name in 't.h', 's.h', 's.h':\n"
+        "    includes.addInclude(name, False)\n"
     )
+    (tmp_path / "helper.py").write_text("def add(section):\n    section.addContent('h')\n")
     templates = '{% file "a.h" DefinedMacro="A" RequiredIncludes=["r.h"] %}{% section "Enums" %}e'
     trace, files = traced(templates + "{% endsection %}{% endfile %}", script=script)
     assert list(pieces(trace, "a.h", files["a.h"])) == [
         "'#ifndef A\\n#define A\\n\\n' guard []",
         "'\\n#include \"r.h\"\\n' include main.j2:1 [Includes]",
-        f"'#include \"s.h\"\\n' script {script}:0 [Includes]",
+        f"'\\n#include \"q.h\"\\n' script {script}:0 [Includes]",
+        f"'#include <t.h>\\n' script {script}:11 [Includes]",
+        f"'/* */' script {script}:12 [Includes]",
+        f"'#include \"s.h\"\\n' script {script}:14 [Includes]",
         "'e' text main.j2:1 [Enums]",
-        f"'s\\n' script {script}:0 [Enums]",
+        f"'s\\ns\\n' script {script}:6 [Enums]",
+        f"'\u20ac' script {script}:7 [Enums]",
+        f"'h' script {tmp_path}/helper.py:2 [Enums]",
+        "'\\n' final newline []",
         "'\\n#endif /* A */\\n' guard []",
     ]
 

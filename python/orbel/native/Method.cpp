@@ -15,6 +15,7 @@
 #include "python/orbel/native/HostClass.hpp"
 #include "python/orbel/native/Members.hpp"
 #include "python/orbel/native/Object.hpp"
+#include "python/orbel/native/Observer.hpp"
 #include "python/orbel/native/Text.hpp"
 #include "python/orbel/native/ToPython.hpp"
 
@@ -29,6 +30,9 @@ struct MethodObject {
 };
 
 PyTypeObject* theMethodType = nullptr;
+
+// Null unless calls are observed.
+Observer* theObserver = nullptr;
 
 MethodObject& self(PyObject* object) { return *reinterpret_cast<MethodObject*>(object); }
 
@@ -88,7 +92,9 @@ PyObject* call(PyObject* callable, PyObject* const* arguments, std::size_t flagg
     }
     const Arguments all(values.data(), values.size());
     if (self(callable).makesObjects) return invokeMaking(self(callable), all, object);
-    return toPython(method.invoke(all), &object);
+    const Value result = method.invoke(all);
+    if (theObserver != nullptr) theObserver->called(method, all);
+    return toPython(result, &object);
   });
 }
 
@@ -136,6 +142,15 @@ PyObject* hostSignature(PyObject* object, void* /*closure*/) {
   });
 }
 
+void observe(const pybind11::object& capsule) {
+  void* observer = nullptr;
+  if (!capsule.is_none()) {
+    observer = PyCapsule_GetPointer(capsule.ptr(), Observer::capsuleName);
+    if (observer == nullptr) raisePending();
+  }
+  theObserver = static_cast<Observer*>(observer);
+}
+
 }  // namespace
 
 pybind11::object newMethod(const Method& method) {
@@ -173,6 +188,7 @@ void addMethodType(pybind11::module_& module) {
                              slots};
   theMethodType = reinterpret_cast<PyTypeObject*>(checked(PyType_FromSpec(&spec)).release().ptr());
   module.attr("Method") = pybind11::handle(reinterpret_cast<PyObject*>(theMethodType));
+  module.def("observe", &observe);
 }
 
 }  // namespace orbel::python

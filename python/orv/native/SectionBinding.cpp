@@ -50,10 +50,11 @@ py::list functionNames(PackagedFiles& files, int index) {
 }
 
 void addInclude(PackagedFiles& files, int index, const py::object& header, bool isSystem) {
-  auto& section = files.file(index).getFileSection(Varn::INCLUDES_SECTION);
+  auto& section = dynamic_cast<Varn::IncludesSection&>(
+      files.file(index).getFileSection(Varn::INCLUDES_SECTION));
   const std::string name = textArgument(header, "a header's name");
-  dynamic_cast<Varn::IncludesSection&>(section).addInclude(name, isSystem);
-  if (files.trace) files.trace->addInclude(index, name, isSystem);
+  section.addInclude(name, isSystem);
+  if (files.trace) files.trace->addInclude(index, section, name, isSystem);
 }
 
 }  // namespace

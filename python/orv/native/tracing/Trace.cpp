@@ -84,11 +84,17 @@ void Trace::ask(int file, const std::string& header, std::uint32_t site) {
   asked_.try_emplace({file, header}, Origin{site, links_.current()});
 }
 
-void Trace::addInclude(int file, const std::string& name, bool isSystem) {
-  if (!added_[file].insert(name).second) return;
+void Trace::addInclude(int file, const Varn::IncludesSection& section, const std::string& name,
+                       bool isSystem) {
   const std::string header = isSystem ? '<' + name + '>' : '"' + name + '"';
-  sections_[{file, Varn::INCLUDES_SECTION}].ranges.append(directive.size() + header.size() + 1,
+  sections_[{file, Varn::INCLUDES_SECTION}].ranges.append(newInclude(section, name),
                                                           asked(file, header));
+}
+
+std::size_t Trace::newInclude(const Varn::IncludesSection& section, const std::string& name) {
+  constexpr std::size_t quotesAndNewline = 3;
+  const bool isNew = added_[&section].insert(name).second;
+  return isNew ? directive.size() + name.size() + quotesAndNewline : 0;
 }
 
 Origin Trace::asked(int file, const std::string& header) const {
@@ -96,7 +102,7 @@ Origin Trace::asked(int file, const std::string& header) const {
   return found == asked_.end() ? script_ : found->second;
 }
 
-void Trace::adopt(PackagedFiles& files, std::uint32_t site) {
+void Trace::adopt(PackagedFiles& files, std::uint32_t site, const Added& added) {
   script_ = {site, 0};
   const auto count = static_cast<int>(files.repository.getFileList().size());
   for (int file = 0; file < count; ++file) {
@@ -106,7 +112,13 @@ void Trace::adopt(PackagedFiles& files, std::uint32_t site) {
       const Varn::FileSection& section = files.file(file).getFileSection(kind);
       // Without the lists of an includes section.
       const std::size_t size = section.Varn::FileSection::getContent().size();
-      if (size != 0) settle(sections_[{file, kind}], size);
+      if (size == 0) continue;
+      TracedText& text = sections_[{file, kind}];
+      const auto known = added.find(&section);
+      if (known != added.end() && text.ranges.size() + known->second.size() == size) {
+        text.ranges.append(known->second);
+      }
+      settle(text, size);
     }
   }
 }

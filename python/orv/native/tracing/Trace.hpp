@@ -124,10 +124,15 @@ class Trace {
   // `site` is about to ask for a header, written as in its include line.
   void ask(int file, const std::string& header, std::uint32_t site);
   // The header is about to be added to the includes of the file, unless it was before.
-  void addInclude(int file, const std::string& name, bool isSystem);
+  void addInclude(int file, const Varn::IncludesSection& section, const std::string& name,
+                  bool isSystem);
+  // The size of the line that adding the header to the section makes: 0 if it was added before.
+  std::size_t newInclude(const Varn::IncludesSection& section, const std::string& name);
 
-  // Everything that sections got without record comes from `site`, a script.
-  void adopt(PackagedFiles& files, std::uint32_t site);
+  // Everything that sections got without record comes from `site`, a script: from the origins that
+  // `added` has for the section, if these are all that is missing.
+  using Added = std::unordered_map<const Varn::FileSection*, Ranges>;
+  void adopt(PackagedFiles& files, std::uint32_t site, const Added& added);
 
   // The text of a section, `size` bytes of it.
   TracedText sectionText(int file, Varn::VarnFileSectionKind section, std::size_t size) const;
@@ -159,7 +164,8 @@ class Trace {
   std::map<SectionKey, std::vector<CustomSections::iterator>> declared_;
   CustomSections::iterator retrieved_;
   std::map<NameKey, Origin> asked_;
-  std::map<int, std::unordered_set<std::string>> added_;
+  // The names of headers by section.
+  std::unordered_map<const Varn::IncludesSection*, std::unordered_set<std::string>> added_;
   // Of the script that ran last.
   Origin script_;
 };

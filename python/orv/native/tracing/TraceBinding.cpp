@@ -10,6 +10,7 @@
 #include "python/orv/native/tracing/Deltas.hpp"
 #include "python/orv/native/tracing/LineUses.hpp"
 #include "python/orv/native/tracing/ModelPaths.hpp"
+#include "python/orv/native/tracing/ScriptLines.hpp"
 #include "python/orv/native/tracing/Trace.hpp"
 
 namespace orv {
@@ -142,17 +143,23 @@ void bindTrace(py::module_& module, RepositoryClass& repository) {
       .def_property_readonly("seconds", &secondsOf)
       .def("line_uses", &lineUses)
       .def("tables", &tablesOf);
+  py::class_<ScriptLines>(module, "ScriptLines")
+      .def(py::init([](Trace& trace, const py::str& script, py::function nameOf) {
+             return std::make_unique<ScriptLines>(trace, bytesOf(script), std::move(nameOf));
+           }),
+           py::keep_alive<1, 2>())
+      .def_property_readonly("observer", [](ScriptLines& lines) {
+        return py::capsule(static_cast<orbel::python::Observer*>(&lines),
+                           orbel::python::Observer::capsuleName);
+      });
   repository
       .def("start_trace",
            [](PackagedFiles& files) {
              files.trace = std::make_shared<Trace>();
              return files.trace;
            })
-      .def("adopt_script", [](PackagedFiles& files, const py::str& script) {
-        if (!files.trace) return;
-        Trace& trace = *files.trace;
-        const std::uint32_t label = trace.strings().number(bytesOf(script));
-        trace.adopt(files, trace.addSite({Trace::Kind::script, label, 0}));
+      .def("adopt_script", [](PackagedFiles& files, const ScriptLines& lines) {
+        files.trace->adopt(files, lines.script(), lines.added());
       });
   py::tuple kinds(std::size(kindNames));
   for (std::size_t i = 0; i < std::size(kindNames); ++i) kinds[i] = kindNames[i];
