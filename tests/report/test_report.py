@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import os
 import re
 import shutil
 import subprocess
@@ -72,7 +73,9 @@ def browser() -> Iterator[Chrome]:
                      "window-size=1400,900"):  # fmt: skip
         options.add_argument(f"--{argument}")
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    chrome = Chrome(options=options, service=Service(driver))
+    # Libraries that are preloaded into the tests are not the browser's.
+    environment = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
+    chrome = Chrome(options=options, service=Service(driver, env=environment))
     yield chrome
     chrome.quit()
 
