@@ -54,12 +54,14 @@ bool isRefusedSum(PyObject* self, PyObject* left, PyObject* right) {
   return refused(isText ? refuseText(self) : refuseList(self), first + second);
 }
 
+bool areTwo(Py_ssize_t count, const char* function) {
+  if (count != 2) PyErr_Format(PyExc_TypeError, "%s() takes two arguments", function);
+  return count == 2;
+}
+
 // left + right
 PyObject* add(PyObject* self, Arguments arguments, Py_ssize_t count) {
-  if (count != 2) {
-    PyErr_SetString(PyExc_TypeError, "add() takes two arguments");
-    return nullptr;
-  }
+  if (!areTwo(count, "add")) return nullptr;
   PyObject* left = arguments[0];
   PyObject* right = arguments[1];
   const bool isNumber = PyLong_CheckExact(left) || PyFloat_CheckExact(left);
@@ -141,10 +143,7 @@ bool isPlainAttribute(PyObject* self, PyObject* owner, PyObject* name) {
 
 // owner.name
 PyObject* entry(PyObject* self, Arguments arguments, Py_ssize_t count) {
-  if (count != 2) {
-    PyErr_SetString(PyExc_TypeError, "entry() takes two arguments");
-    return nullptr;
-  }
+  if (!areTwo(count, "entry")) return nullptr;
   PyObject* owner = arguments[0];
   PyObject* name = arguments[1];
   if (PyDict_CheckExact(owner)) {

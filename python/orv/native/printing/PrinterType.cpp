@@ -9,6 +9,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -29,11 +30,9 @@ class TagTable {
  public:
   // The number of a position, the same for the same object.
   std::size_t numberOf(PyObject* position) {
-    std::size_t after = positions_.size();
-    while (after != 0 && positions_[after - 1].ptr() != position) --after;
-    if (after != 0) return after - 1;
-    positions_.push_back(py::reinterpret_borrow<py::object>(position));
-    return positions_.size() - 1;
+    const auto [known, isNew] = numbers_.try_emplace(position, positions_.size());
+    if (isNew) positions_.push_back(py::reinterpret_borrow<py::object>(position));
+    return known->second;
   }
   const py::object& position(std::size_t number) const { return positions_[number]; }
 
@@ -41,10 +40,14 @@ class TagTable {
     for (const py::object& known : positions_) Py_VISIT(known.ptr());
     return 0;
   }
-  void clear() { positions_.clear(); }
+  void clear() {
+    numbers_.clear();
+    positions_.clear();
+  }
 
  private:
   std::vector<py::object> positions_;
+  std::unordered_map<PyObject*, std::size_t> numbers_;
 };
 
 struct PrinterObject {
