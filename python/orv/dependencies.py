@@ -17,8 +17,8 @@ def depends(file: str | os.PathLike[str]) -> str:
     """Record that what is generated depends on `file`, so that the depfile names it.
 
     For scripts and extensions; templates have it as `depends(FILE)`. Relative paths begin at the
-    working directory. Gives "", and does nothing outside a run. Raises orv.OrvError when there is no
-    such file.
+    working directory. Gives "", and does nothing outside a run. Raises orv.OrvError when there is
+    no such file.
     """
     path = os.fspath(file)
     if not os.path.exists(path):

@@ -11,9 +11,9 @@
         model["size"] = sum(field["size"] for field in model["fields"])
         return model
 
-`orv generate --extend FILE.py` loads the file. An extension is trusted code: it runs with the rights
-of the user, as the program itself does. Outside of `orv` the decorators do nothing, so that an
-extension can be imported and tested like any module.
+`orv generate --extend FILE.py` loads the file. An extension is trusted code: it runs with the
+rights of the user, as the program itself does. Outside of `orv` the decorators do nothing, so that
+an extension can be imported and tested like any module.
 """
 
 from __future__ import annotations

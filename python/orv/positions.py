@@ -105,7 +105,7 @@ def _macro_of(between: list[FrameType]) -> Macro | None:
 
 
 def below_templates(traceback: TracebackType | None) -> TracebackType | None:
-    """What of a traceback lies below the innermost line of a template; None when that is nothing."""
+    """What of a traceback lies below the innermost line of a template; None if nothing does."""
     below = traceback
     while traceback is not None:
         if _template_of(traceback.tb_frame) is not None:

@@ -85,7 +85,7 @@ def words(error: BaseException) -> str:
 
 @functools.lru_cache(maxsize=None)
 def is_users(path: str) -> bool:
-    """Whether a file of Python code is the user's: not the distribution's, and not of this package."""
+    """Whether a file of Python code is the user's: not the distribution's nor this package's."""
     if path.startswith("<"):
         return False
     real = os.path.abspath(path)

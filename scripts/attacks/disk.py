@@ -123,7 +123,7 @@ def nothing() -> None:
 
 
 class Project:
-    """A template, the output folder of a run with the text "old", and a folder of someone else's."""
+    """A template, the output folder of a run with the text "old", and a folder of others."""
 
     def __init__(self, folder: Path) -> None:
         self.folder = folder

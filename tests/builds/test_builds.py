@@ -39,7 +39,12 @@ TOOLS = {
     "CMake with OUTPUTS, Ninja":
         Tool("CMake with OUTPUTS", CMAKE + "Ninja", "cmake --build build", "CMakeLists.txt"),
     "CMake with OUTPUTS, Make":
-        Tool("CMake with OUTPUTS", CMAKE + "'Unix Makefiles'", "cmake --build build", "CMakeLists.txt"),
+        Tool(
+            "CMake with OUTPUTS",
+            CMAKE + "'Unix Makefiles'",
+            "cmake --build build",
+            "CMakeLists.txt",
+        ),
     "Make": Tool("Make", "true", "make"),
     "Ninja": Tool("Ninja", "true", "ninja", "build.ninja"),
     "Ninja with a script": Tool("Ninja with a script", "sh configure.sh", "ninja"),

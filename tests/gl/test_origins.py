@@ -1,4 +1,4 @@
-"""The trace of the OpenGL loader is true: what is changed where it points to changes those bytes."""
+"""The trace of the OpenGL loader is true: a change where it points to changes those bytes."""
 
 from __future__ import annotations
 

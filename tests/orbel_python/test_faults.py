@@ -173,14 +173,15 @@ def test_errors_name_what_was_wrong(varn: Any) -> None:
         ),
         (
             lambda: setattr(file, "SystemsInFile", doubling(60)),
-            "element 1 of the value of Varn.VarnFile.SystemsInFile holds more than 1000000 elements "
-            "in lists within lists",
+            "element 1 of the value of Varn.VarnFile.SystemsInFile holds more than 1000000"
+            " elements in lists within lists",
         ),
         (lambda: setattr(file, "Nme", "b.c"), "'VarnGenericFile' object has no attribute 'Nme'"),
         (lambda: delattr(file, "Type"), "Varn.VarnFile.Type cannot be deleted"),
         (
             lambda: varn.VarnFile.hasSection("x"),
-            "Varn.VarnFile.hasSection needs an object of the class Varn.VarnFile, but was given str",
+            "Varn.VarnFile.hasSection needs an object of the class Varn.VarnFile,"
+            " but was given str",
         ),
         (lambda: varn.VarnGenericFile(name="a"), "Varn.VarnGenericFile takes no keyword arguments"),
         (lambda: varn.Nothing, "the package Varn has no class 'Nothing'"),

@@ -130,7 +130,8 @@ ONE_FILE = '{% file "a.c" %}{% section "Banner" %}x{% endsection %}{% endfile %}
 OVERLAPS = {
     "--stamp s --depfile t.j2": 'the depfile "t.j2" would take the place of "t.j2", which was read',
     "--manifest out/a.c": 'the manifest "out/a.c" would take the place of the file "out/a.c"',
-    "--manifest q --depfile-target t --depfile ./q": 'the depfile "./q" would take the place of the manifest "q"',
+    "--manifest q --depfile-target t --depfile ./q": 'the depfile "./q" would take the place of'
+    ' the manifest "q"',
     "--manifest out/a.c/m": 'the manifest "out/a.c/m" and the file "out/a.c" cannot be below'
     " each other",
     "--stamp out/.orv-state.json": 'the stamp "out/.orv-state.json" would take the place of'
@@ -315,7 +316,8 @@ def test_strict_runs_refuse_settings_that_nothing_reads(orv: Command) -> None:
     done = orv(
         *run, *settings, t__j2=template, p__j2="{% if part is defined %}{% endif %}",
         m__json='{"m": {"a": 1}, "l": []}', s__py='model.get("scripted")\n',
-        e__py="import h\nimport orv\n\n@orv.prepare\ndef f(model):\n    model.get('prepared')\n    return model\n",
+        e__py="import h\nimport orv\n\n@orv.prepare\ndef f(model):\n    model.get('prepared')\n"
+        "    return model\n",
         h__py="NAMES = [\"helped\"]\n",
     )  # fmt: skip
     assert (done.returncode, done.stderr) == (0, "")

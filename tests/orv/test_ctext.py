@@ -16,8 +16,8 @@ from orv.templates import cfilters
 FILTERS = cfilters.filters(lambda _: None)
 
 # What is likely to go wrong, and every character of ASCII.
-PIECES = [*map(chr, range(128)), "??/", "?", "*/", "/*", "\\", "\n", "\\ \n", "\r\n", "//", "*", "/",
-          "7", "é", "\U0001f600", "\u202e", "\u2066", '"', "??'", "\\u00e9", "%d"]  # fmt: skip
+PIECES = [*map(chr, range(128)), "??/", "?", "*/", "/*", "\\", "\n", "\\ \n", "\r\n", "//", "*",
+          "/", "7", "é", "\U0001f600", "\u202e", "\u2066", '"', "??'", "\\u00e9", "%d"]  # fmt: skip
 
 
 def texts(count: int) -> list[str]:

@@ -48,7 +48,7 @@ def reverse(model: orv.Model) -> orv.Model:
 TEMPLATE = """\
 {{ depends("./t.j2") }}{{ debug(fields) }}
 {% file "a.c" %}{% section "Enums" %}
-{% for f in fields %}{{ f | member }} {{ "x" | counted }} {{ 'e' if loop.index is paired }} {% endfor %}
+{% for f in fields %}{{ f|member }} {{ "x"|counted }} {{ 'e' if loop.index is paired }} {% endfor %}
 {{ count(step=5) }}{% endsection %}{% endfile %}
 """
 
@@ -105,7 +105,8 @@ def test_failures(orv: Command, message: str) -> None:
     extension, template = FAILURES[message]
     helpers = "1 / 0\n" if extension == "import h" else "def f(value):\n    return {}[value]\n"
     done = orv("generate", "t.j2", "--extend", "e.py", "--out", "o", t__j2=template,
-               e__py=f"import orv\n\n{extension}\n", h__py=helpers, hh__py="from h import f\n")  # fmt: skip
+               e__py=f"import orv\n\n{extension}\n", h__py=helpers,
+               hh__py="from h import f\n")  # fmt: skip
     assert (done.returncode, done.stderr) == (1, stderr_of(message))
 
 

@@ -94,6 +94,6 @@ def test_links_out_of_the_folders_of_templates(orv: Command, tmp_path: Path) -> 
         outside = "more" not in target
         assert (refused.returncode, followed.returncode) == (int(outside), 0)
         assert refused.stderr == outside * (
-            f'in/main.j2:1: a link takes the template "o.j2" from {tmp_path}/other/o.j2, outside the'
-            " folders of templates; --follow-links allows it\n"
+            f'in/main.j2:1: a link takes the template "o.j2" from {tmp_path}/other/o.j2, outside'
+            " the folders of templates; --follow-links allows it\n"
         )

@@ -55,7 +55,8 @@ def model() -> dict[str, Any]:
         "m": {
             "l": [3, 1, 2], "d": {"a": 1}, "s": {f"a{i}" for i in range(9)}, "b": bytearray(b"ab"),
             "q": deque([1, 2]), "o": OrderedDict(a=1, b=2), "c": Counter("aab"),
-            "a": array("i", [1, 2]), "mixed": {1, "a"}, "opaque": Opaque(), "day": date(2024, 2, 29),
+            "a": array("i", [1, 2]), "mixed": {1, "a"}, "opaque": Opaque(),
+            "day": date(2024, 2, 29),
         },
         "big": BIG, "x": "x", "f": str, "nest": lambda n: nested(n, 2),
         "deep": lambda n: nested(n, 1),

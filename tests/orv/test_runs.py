@@ -1,4 +1,4 @@
-"""Many runs: of a project file, and for each model of a pattern; one after the other and at once."""
+"""Many runs: of a project file, and for each model of a pattern; in turn and at once."""
 
 from __future__ import annotations
 
@@ -64,7 +64,8 @@ def models(tmp_path: Path) -> None:
     (tmp_path / "made.json").write_text('{"name": "old"}')
     (tmp_path / "t.j2").write_text(TEMPLATE)
     (tmp_path / "first.j2").write_text(
-        '{% file "made.json" as text %}{% section "Text" %}{"name": "new"}{% endsection %}{% endfile %}'
+        '{% file "made.json" as text %}{% section "Text" %}{"name": "new"}{% endsection %}'
+        "{% endfile %}"
     )
     (tmp_path / "s.py").write_text(SCRIPT)
     (tmp_path / "orv.toml").write_text(PROJECT)
@@ -84,7 +85,8 @@ def test_several_at_once_do_what_one_after_the_other_does(
     made = snapshot(tmp_path)
     assert (one.returncode, one.stderr.splitlines()[2:5], one.stderr.splitlines()[-2:]) == (
         1,
-        ["t.j2:1: warning: c", "t.j2:1: 'nothing' is undefined", '    in the run "each, m=models/c.json"'],
+        ["t.j2:1: warning: c", "t.j2:1: 'nothing' is undefined",
+         '    in the run "each, m=models/c.json"'],
         ["t.j2:1: warning: new", "error: 1 of 8 runs failed"],
     )  # fmt: skip
     assert {"gen/a/a.c", "gen/e/e.c", "next/old.c", "second/new.c", "a.d"} < made.keys()

@@ -123,7 +123,8 @@ RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
     "loop controls end what they leave": (
         '{% file "a.c" %}{% custom "c" on "Banner" %}{% for i in range(9) %}'
         '{% file i ~ ".c" %}{% section "Enums" %}{{ i }}{% set s %}'
-        "{% for j in [1] %}{% continue %}{% else %}{% if i == 1 %}{% break %}{% endif %}{% endfor %}"
+        "{% for j in [1] %}{% continue %}{% else %}{% if i == 1 %}{% break %}{% endif %}"
+        "{% endfor %}"
         '{% fill "c" of "a.c" %}{{ i }}{% if i == 0 %}{% continue %}{% endif %}{% endfill %}'
         "{% endset %}x{% endsection %}{% endfile %}"
         '{% endfor %}{% set l = [] %}{% do l %}{% section "Enums" %}e{% endsection %}{% endfile %}',
@@ -171,8 +172,8 @@ RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
 
 # Mistakes that no line of text can show; see test_mistakes.py for all others.
 ERRORS = {
-    "main.j2:2: the template is nested too deeply; put inner tags into a macro or a template of their"
-    " own, and parts of a long expression into variables": (
+    "main.j2:2: the template is nested too deeply; put inner tags into a macro or a template of"
+    " their own, and parts of a long expression into variables": (
         "\n" + "{% for i in [1] %}" * 25 + "{% endfor %}" * 25
     ),
     "main.j2:2: the text holds a NUL character, which no file of text can hold": (
@@ -267,8 +268,8 @@ def test_c_linkage_holds_declarations_only() -> None:
     end = "\n#ifdef __cplusplus\n}\n#endif\n"
     for blank_lines, blank in ((False, ""), (True, "\n")):
         assert files_of(text, layout=Layout(blank_lines, guard="pragma")) == {
-            "a.h": f'Banner\n{blank}#pragma once\n\n{"" if blank else chr(10)}#include "r.h"\n{blank}UserTop\n\n{begin}'
-            f"Defines\n{blank}Typedefs\n{end}{blank}UserBottom\n",
+            "a.h": f'Banner\n{blank}#pragma once\n\n{"" if blank else chr(10)}#include "r.h"\n'
+            f"{blank}UserTop\n\n{begin}Defines\n{blank}Typedefs\n{end}{blank}UserBottom\n",
             "b.h": f'#pragma once\n\n{begin}e\n{end}{blank}#include "b.h"\n',
             "c.h": '#pragma once\n\n#include "b.h"\n',
         }

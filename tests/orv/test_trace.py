@@ -87,14 +87,18 @@ PIECES: dict[str, tuple[str | dict[str, str], list[str]]] = {
     "loops over elements of the model": (
         "{% for s in states %}{% for t in s.on %}\n{{ t.to }}{% endfor %}{% endfor %}",
         [
-            "'busy' value main.j2:2 < for states[0].on[0]@model.json:6:1 < for states[0]@model.json:3:1 [Enums]",
-            "'idle' value main.j2:2 < for states[1].on[0]@model.json:14:1 < for states[1]@model.json:11:1 [Enums]",
-            "'busy' value main.j2:2 < for states[1].on[1]@model.json:17:1 < for states[1]@model.json:11:1 [Enums]",
+            "'busy' value main.j2:2 < for states[0].on[0]@model.json:6:1"
+            " < for states[0]@model.json:3:1 [Enums]",
+            "'idle' value main.j2:2 < for states[1].on[0]@model.json:14:1"
+            " < for states[1]@model.json:11:1 [Enums]",
+            "'busy' value main.j2:2 < for states[1].on[1]@model.json:17:1"
+            " < for states[1]@model.json:11:1 [Enums]",
             "'\\n' final newline []",
         ],
     ),
     "elements that filters left, and plain values by position": (
-        "{% for s in states|sort(attribute='name') if loop is defined or true %}{{ s.name }}{% endfor %}"
+        "{% for s in states|sort(attribute='name') if loop is defined or true %}{{ s.name }}"
+        "{% endfor %}"
         "{% for n in names %}{{ n }}{% endfor %}{% for n in names|sort %}{{ n }}{% endfor %}"
         "{% for k, v in sizes.items() %}{{ v }}{% endfor %}{% for k in sizes %}{{ k }}{% endfor %}",
         [

@@ -38,9 +38,11 @@ fill()
 FILES = {
     "orv.toml": '[run.a]\ntemplate = "t/main.j2"\ntemplates = ["more"]\nmodel = ["m=models/*.json",'
     ' "one.yaml"]\nschema = "schema.json"\nextend = "e.py"\nformat-all = true\n'
-    'format = "sh f.sh style"\nout = "out/a"\nstamp = "stamp"\ndepfile = "d"\nmanifest = "made.json"\n'
+    'format = "sh f.sh style"\nout = "out/a"\nstamp = "stamp"\ndepfile = "d"\n'
+    'manifest = "made.json"\n'
     '[run.b]\ntemplate = "t/b.j2"\nscript = "s.py"\nout = "out/b"\nfile-mode = "640"\n',
-    "t/main.j2": '{{ warn("odd") }}{% for n, v in m.items() %}{% file n ~ ".c" %}{% section "Banner" %}'
+    "t/main.j2": '{{ warn("odd") }}{% for n, v in m.items() %}{% file n ~ ".c" %}'
+    '{% section "Banner" %}'
     '{{ (n ~ v.x ~ one ~ depends("named")) | prefixed }}{% include "i.j2" %}\n'
     '{% include "none.j2" ignore missing %}\n{% user "u" %}{% enduser %}\n'
     "{% endsection %}{% endfile %}{% endfor %}",

@@ -227,7 +227,8 @@ def test_hostile_run(browser: Chrome, tmp_path: Path) -> None:
     # The page allows no other script, and no script has tried to run.
     assert page.is_clean()
     browser.execute_script(
-        "document.body.append(Object.assign(document.createElement('div'), {innerHTML: arguments[0]}))",
+        "const division = document.createElement('div');"
+        "document.body.append(Object.assign(division, {innerHTML: arguments[0]}))",
         HOSTILE,
     )
     page.wait(lambda: not page.is_clean())

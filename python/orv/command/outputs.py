@@ -230,7 +230,7 @@ class Outputs:
         self._list()
 
     def _carry_out(self, wrote: Callable[[PlannedFile], None]) -> None:
-        """Write the intent, the files, then the state: the next run can tell how far this one came."""
+        """Write the intent, the files, then the state: the next run can tell how far it came."""
         settled = self._settled
         writer = Writer(self._folder, self._run, self._options.file_mode)
         known = [location for files in self._known.runs.values() for location in files]

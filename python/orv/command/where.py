@@ -145,7 +145,9 @@ def _site(site: Site, line: int) -> dict[str, Any]:
 
 def _link(link: Link) -> dict[str, Any]:
     element = link.element and {
-        "path": link.element.path, "file": link.element.file or None, "line": link.element.line or None
+        "path": link.element.path,
+        "file": link.element.file or None,
+        "line": link.element.line or None,
     }  # fmt: skip
     return {**_site(link.site, link.site.line), "kind": link.kind, "name": link.name or None,
             "element": element}  # fmt: skip

@@ -56,7 +56,7 @@ class Formatter:
         return sorted({found for path in paths for found in self._settings(path)})
 
     def _note_program(self) -> None:
-        """Make the program an input of the run, and the places where one would be found before it."""
+        """Make the program an input of the run, and the places that are looked at before it."""
         word = self._words[0]
         for folder in [""] if os.path.dirname(word) else os.get_exec_path():
             path = os.path.join(folder, word)

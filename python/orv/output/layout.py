@@ -11,10 +11,10 @@ if TYPE_CHECKING:
 class Layout(NamedTuple):
     """What a run wants: blank lines between sections, a formatter, guards, #line directives.
 
-    The formatter takes the files whose attribute Indent is true, or every file. `guard` is "pragma",
-    a macro with {PATH} in it, or empty for none. `line_directives` is what the names of templates
-    begin with in directives, empty for names that are relative to the file, and None for no
-    directives; only a run that is traced can have any.
+    The formatter takes the files whose attribute Indent is true, or every file. `guard` is
+    "pragma", a macro with {PATH} in it, or empty for none. `line_directives` is what the names of
+    templates begin with in directives, empty for names that are relative to the file, and None for
+    no directives; only a run that is traced can have any.
     """
 
     blank_lines: bool = False

@@ -16,7 +16,7 @@ from orv.output.orphans import Rehomed, Unclaimed, complaint, rehome, rescued, s
 from orv.output.plan import Plan, PlannedFile, State, folders_of, real_path
 from orv.output.state import Change, FolderState, Record, compare_with_record
 
-# Before the hash of a text, in a file that stays though no run makes it: the text has another place.
+# Before the hash of a text that has another place, in a file that stays though no run makes it.
 _SETTLED = "settled "
 
 

@@ -240,7 +240,7 @@ def _composed(run: Run, index: int, layout: Layout, folder: _native.OutputFolder
 def _put_line_directives(
     file: PlannedFile, run: Run, folder: _native.OutputFolder, prefix: str
 ) -> None:
-    """Name the templates of each line; their paths are relative to the file unless there is a prefix."""
+    """Name the templates of each line, by paths relative to the file unless there is a prefix."""
     assert run.trace is not None and file.composed is not None
     place = os.path.dirname(real_path(folder, file.path))
 

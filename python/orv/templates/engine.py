@@ -131,7 +131,7 @@ def _render(
 
 
 def lint(sources: Sequence[Source], language: Language = Language()) -> list[str]:
-    """What is wrong with the templates as far as it can be known without a model, by file and line."""
+    """What is wrong with the templates, as far as can be known without a model, by place."""
     from orv.templates.mistakes.lint import Linter
 
     run = Run(Messages(), text_of, refuse_outside)

@@ -99,7 +99,7 @@ class PrintingTemplate(Template):
         shared: bool = False,
         locals: Mapping[str, Any] | None = None,
     ) -> TemplateModule:
-        """Called to import the template; text that it prints belongs to no section and is refused."""
+        """Called to import the template; what it prints belongs to no section and is refused."""
         context = self.new_context(vars, shared, locals)
         self.environment.printer.outside()
         self.run(context)

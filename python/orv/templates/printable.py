@@ -85,7 +85,7 @@ def outside_text(text: str) -> str:
 
 
 def refuse_in_value(what: str, name: str) -> NoReturn:
-    """Raise OrvError for a tag, by its name, that puts something into a text that becomes a value."""
+    """Raise OrvError for a tag, by its name, that prints into a text that becomes a value."""
     raise OrvError(
         f"the {what} cannot be placed in a text that becomes a value, as in {tag('set')},"
         f" {tag('filter')}, or a macro whose result is passed on; print the macro by itself or put"

@@ -197,7 +197,8 @@ def _checked_section(parser: Parser, name: nodes.Expr) -> nodes.Expr:
     names = _native.SECTION_NAMES
     if name.value not in names:
         hint = did_you_mean(str(name.value), names) or (
-            f"; the sections are {', '.join(names)}; a custom section is filled with {as_tag('fill')}"
+            f"; the sections are {', '.join(names)};"
+            f" a custom section is filled with {as_tag('fill')}"
         )
         complain(parser, f'there is no section "{name.value}"{hint}', name.lineno)
         return nodes.Const(0, lineno=name.lineno)

@@ -1,8 +1,9 @@
 """Templates compiled for a run that is traced: what they print carries its origin.
 
 Every text and value that a template prints is a *site*, with a number; `write` becomes
-`write_traced`, whose last argument is the site of the first one. Around macros, includes, blocks and
-the bodies of loops the code enters and leaves a *link*, which the printer keeps for what is printed.
+`write_traced`, whose last argument is the site of the first one. Around macros, includes, blocks
+and the bodies of loops the code enters and leaves a *link*, which the printer keeps for what is
+printed.
 """
 
 from __future__ import annotations

@@ -48,7 +48,7 @@ class Linter:
                 self.read(reference, place)
 
     def _parsed(self, name: str) -> nodes.Template | None:
-        """The tree of a template; None, and the templates that it names are read, when there is none."""
+        """The tree of a template; when there is none None, and what it names is read."""
         environment = self._environment
         source, filename, _ = environment.loader.get_source(environment, name)
         self._labels[name] = positions.template_label(name, filename)

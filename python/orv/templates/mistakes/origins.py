@@ -158,7 +158,7 @@ def _element(name: str, value: Any, scope: _Scope) -> _Value | None:
 
 
 def _position(value: Any, container: list[Any], loop: Any) -> int | None:
-    """Where the value is in the list, unless it is there more than once and the loop keeps no count."""
+    """Where the value is in the list, unless it is there twice and the loop keeps no count."""
     positions = [position for position, entry in enumerate(container) if entry is value]
     if isinstance(loop, LoopContext) and loop.index0 in positions:
         return loop.index0

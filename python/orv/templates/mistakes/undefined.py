@@ -1,4 +1,4 @@
-"""What is said of a name that is not there: what it would be part of, and the closest known name."""
+"""What is said of a name that is not there: what it would be part of, and the closest name."""
 
 from __future__ import annotations
 
@@ -51,7 +51,8 @@ def explain(value: Undefined, steps: list[Step]) -> str:
     if exported:
         template = steps[-1].template
         known = _macros(template.environment, exported[1])
-        return f'the template "{exported[1]}" has no "{name}" to import{did_you_mean(str(name), known)}'
+        hint = did_you_mean(str(name), known)
+        return f'the template "{exported[1]}" has no "{name}" to import{hint}'
     empty = _EMPTY.fullmatch(value._undefined_hint or "")
     if empty:
         return f"an empty list has no {empty[1]} value"

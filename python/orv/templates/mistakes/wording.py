@@ -75,7 +75,10 @@ _SENTENCES = [
     (_CALL + r"takes .*positional arguments? but \d+ (?:was|were) given",
      "{1} is given too many arguments"),
     (_CALL + r"got an unexpected keyword argument '(\w+)'", '{1} has no argument "{2}"'),
-    (_CALL + r"got multiple values for argument '(\w+)'", 'the argument "{2}" of {1} is given twice'),
+    (
+        _CALL + r"got multiple values for argument '(\w+)'",
+        'the argument "{2}" of {1} is given twice',
+    ),
     (r"macro '(\w+)' takes not more than (\d+) argument\(s\)",
      'the macro "{1}" is given too many arguments; it takes {2}'),
     (r"macro '(\w+)' takes no keyword argument '(\w+)'", 'the macro "{1}" has no argument "{2}"'),

@@ -79,6 +79,6 @@ class _Formatter(SandboxedFormatter):
 
 
 def _formattable(value: Any) -> Any:
-    """The value, which must be one that can be printed; its text if nothing else can be made of it."""
+    """The value, which must be one that can be printed; its text if it is of no known kind."""
     require_printable(value)
     return str(value) if isinstance(value, (FileView, Element)) else value
