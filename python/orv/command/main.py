@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import gc
 import importlib
 import io
 import os
@@ -25,10 +24,6 @@ _REQUIRED = {
     "tqdm": "python3-tqdm",
 }
 
-# How many objects are made between two looks for unused cycles. Most of what a run makes lives to
-# its end, and the interpreter's own number would have it looked at again and again.
-_BETWEEN_COLLECTIONS = 50_000
-
 # What is said when there is no memory to make a message.
 _NO_MEMORY = b"error: the memory is exhausted; no file was being written\n"
 
@@ -45,7 +40,6 @@ def main(arguments: Sequence[str] | None = None) -> int:
 
 
 def _main(arguments: Sequence[str] | None) -> int:
-    gc.set_threshold(_BETWEEN_COLLECTIONS)
     _prepare_streams()
     sys.unraisablehook = _report_unraisable
     try:
