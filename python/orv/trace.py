@@ -21,13 +21,30 @@ import json
 import os
 from collections.abc import Iterator, Mapping, Sequence
 from functools import cached_property
-from typing import Any, NamedTuple
+from typing import Any, NamedTuple, TypeVar
 
 from orv import _native
 from orv.errors import OrvError
 from orv.files.run import Run
 from orv.output.plan import Plan
 from orv.output.tracefile import FORMAT, VERSION, trace_file
+
+Entry = TypeVar("Entry")
+
+# What a trace file holds, by the types of its values; see trace.schema.json.
+_SHAPE: dict[str, Any] = {
+    "folder": str,
+    "kinds": [str],
+    "strings": [str],
+    "sites": [(int, int, int)],
+    "labels": [(int, int)],
+    "links": str,
+    "paths": str,
+    "files": [
+        {"path": str, "size": int, "hash": str, "lines": str, "ranges": str,
+         "spans": [(str, str, int, int)]}
+    ],
+}  # fmt: skip
 
 
 class TraceError(OrvError):
@@ -113,7 +130,7 @@ class TracedFile:
     @cached_property
     def line_ends(self) -> Sequence[int]:
         """The number of bytes up to the end of each line, its newline included."""
-        return _columns(self._entry["lines"], 1)[0]
+        return self._trace.columns(self._entry["lines"], 1)[0]
 
     def line_at(self, byte: int) -> int:
         """The line that the byte is on."""
@@ -151,21 +168,28 @@ class TracedFile:
         first = self.line_at(start)
         while begin < stop:
             line = self.line_at(begin)
-            end = min(self.line_ends[line - 1], stop)
+            end = min(self._trace.entry(self.line_ends, line - 1), stop)
             yield Piece(begin, end, site, site.line + line - first, link)
             begin = end
 
     @cached_property
     def _ranges(self) -> tuple[Sequence[int], Sequence[int], Sequence[int]]:
-        sizes, sites, links = _columns(self._entry["ranges"], 3)
-        return sizes, sites, links
+        ends, sites, links = self._trace.columns(self._entry["ranges"], 3)
+        return ends, sites, links
 
 
 class Trace:
-    """A trace file. Its tables are decoded when they are first used."""
+    """A trace file. Its tables are decoded when they are first used.
 
-    def __init__(self, document: Mapping[str, Any]) -> None:
+    `name` is what errors call the file. Whatever is asked of a damaged one may raise TraceError.
+    """
+
+    def __init__(self, document: Mapping[str, Any], name: str = "") -> None:
         self._document = document
+        self._name = name
+        for key, shape in _SHAPE.items():
+            if not _fits(document.get(key), shape):
+                raise self.damage(f'"{key}" is missing or has another form')
         # The output folder as the run's user named it.
         self.folder: str = document["folder"]
         self.files = {entry["path"]: TracedFile(self, entry) for entry in document["files"]}
@@ -173,8 +197,9 @@ class Trace:
 
     def site(self, number: int) -> Site:
         """A site by its number."""
-        kind, file, line = self._document["sites"][number]
-        return Site(self._document["kinds"][kind], self._strings[file], line)
+        kind, file, line = self.entry(self._document["sites"], number)
+        kinds: list[str] = self._document["kinds"]
+        return Site(self.entry(kinds, kind), self.entry(self._strings, file), line)
 
     @property
     def sites(self) -> list[Site]:
@@ -187,11 +212,12 @@ class Trace:
         chain: list[Link] = []
         while link:
             row = link - 1
-            kind, name = self._document["labels"][labels[row]]
+            parent = self._smaller(self.entry(parents, row), link)
+            kind, name = self.entry(self._document["labels"], labels[row])
+            words = self.entry(self._strings, kind), self.entry(self._strings, name)
             element = self.element(paths[row]) if paths[row] else None
-            site = self.site(sites[row])
-            chain.append(Link(self._strings[kind], self._strings[name], site, element))
-            link = _smaller(parents[row], link)
+            chain.append(Link(*words, self.site(sites[row]), element))
+            link = parent
         return chain[::-1]
 
     def element(self, number: int) -> Element:
@@ -201,31 +227,59 @@ class Trace:
         at = number
         while at:
             row = at - 1
-            steps.append(self._strings[texts[row]] if texts[row] else f"[{positions[row]}]")
-            at = _smaller(parents[row], at)
+            parent = self._smaller(self.entry(parents, row), at)
+            text = self.entry(self._strings, texts[row])
+            steps.append(text if texts[row] else f"[{positions[row]}]")
+            at = parent
         path = steps[-1] + "".join(
             step if step[:1] in ("[", "/") else f".{step}" for step in steps[-2::-1]
         )
-        return Element(path, self._strings[files[number - 1]], lines[number - 1])
+        return Element(path, self.entry(self._strings, files[number - 1]), lines[number - 1])
+
+    def entry(self, table: Sequence[Entry], number: int) -> Entry:
+        """The entry of a table that the trace file names by its number."""
+        try:
+            return table[number]
+        except IndexError as error:
+            raise self.damage(f"a table has no entry {number}") from error
+
+    def columns(self, table: str, fields: int) -> list[Sequence[int]]:
+        """The columns of a table of numbers."""
+        try:
+            return [memoryview(column).cast("i") for column in _native.delta_columns(table, fields)]
+        except ValueError as error:
+            raise self.damage(str(error)) from error
+
+    def damage(self, what: str) -> TraceError:
+        """The error for a damaged trace file."""
+        where = self._name and f"{self._name}: "
+        return TraceError(f"{where}the trace file is damaged: {what}")
 
     @cached_property
     def _links(self) -> list[Sequence[int]]:
-        return _columns(self._document["links"], 4)
+        return self.columns(self._document["links"], 4)
 
     @cached_property
     def _paths(self) -> list[Sequence[int]]:
-        return _columns(self._document["paths"], 5)
+        return self.columns(self._document["paths"], 5)
+
+    def _smaller(self, parent: int, child: int) -> int:
+        if parent >= child:
+            raise self.damage("a chain does not end")
+        return parent
 
 
 def read(path: str | os.PathLike[str]) -> Trace:
     """Read a trace file. Raises TraceError when that cannot be done."""
+    name = os.fspath(path)
     try:
         with open(path, "rb") as file:
-            return parse(file.read())
+            document = _document(file.read())
     except OSError as error:
-        raise TraceError(f"{os.fspath(path)}: {error.strerror}") from error
+        raise TraceError(f"{name}: {error.strerror}") from error
     except TraceError as error:
-        raise TraceError(f"{os.fspath(path)}: {error}") from error
+        raise TraceError(f"{name}: {error}") from error
+    return Trace(document, name)
 
 
 def parse(data: bytes, files: Mapping[str, bytes] | None = None) -> Trace:
@@ -233,6 +287,14 @@ def parse(data: bytes, files: Mapping[str, bytes] | None = None) -> Trace:
 
     Raises TraceError.
     """
+    trace = Trace(_document(data))
+    if files is not None:
+        for path, file in trace.files.items():
+            file.data = files[path]
+    return trace
+
+
+def _document(data: bytes) -> dict[str, Any]:
     try:
         document = json.loads(data)
     except ValueError as error:
@@ -243,13 +305,20 @@ def parse(data: bytes, files: Mapping[str, bytes] | None = None) -> Trace:
         raise TraceError(
             f"the trace file has version {document.get('version')}; this program reads {VERSION}"
         )
-    try:
-        trace = Trace(document)
-        for path, file in trace.files.items():
-            file.data = files[path] if files is not None else None
-        return trace
-    except (KeyError, TypeError) as error:
-        raise TraceError(f"the trace file is damaged: {error}") from error
+    return document
+
+
+def _fits(value: object, shape: Any) -> bool:
+    """Whether a value has the types of a shape. Its numbers count from 0."""
+    if isinstance(shape, dict):
+        return isinstance(value, dict) and all(_fits(value.get(key), shape[key]) for key in shape)
+    if isinstance(shape, tuple):
+        return (
+            isinstance(value, list) and len(value) == len(shape) and all(map(_fits, value, shape))
+        )
+    if isinstance(shape, list):
+        return isinstance(value, list) and all(_fits(entry, shape[0]) for entry in value)
+    return type(value) is shape and (not isinstance(value, int) or value >= 0)
 
 
 def trace_of(files: Plan, run: Run) -> Trace:
@@ -261,16 +330,3 @@ def trace_of(files: Plan, run: Run) -> Trace:
         raise TraceError("the run was not traced; traced=True of orv.render does so")
     document = trace_file(run, files, files.folder.path)
     return parse(document, {file.path: file.data for file in files})
-
-
-def _columns(table: str, fields: int) -> list[Sequence[int]]:
-    try:
-        return [memoryview(column).cast("i") for column in _native.delta_columns(table, fields)]
-    except ValueError as error:
-        raise TraceError(f"the trace file is damaged: {error}") from error
-
-
-def _smaller(parent: int, child: int) -> int:
-    if parent >= child:
-        raise TraceError("the trace file is damaged: a chain does not end")
-    return parent

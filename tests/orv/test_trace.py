@@ -380,18 +380,37 @@ def test_user_regions(orv: Command, tmp_path: Path) -> None:
     ]
 
 
-DAMAGES: dict[str, tuple[str, Any]] = {
-    "JSON": ("format", None),
-    "version": ("version", 2),
-    "damaged": ("files", [{}]),
-}
+# What a value of a trace file is replaced by, and what is said when the file is read.
+DAMAGES: list[tuple[str, Any, str]] = [
+    ("format", None, 'expected a trace file, which has "format": "orv-trace"'),
+    ("version", 2, "the trace file has version 2; this program reads 1"),
+    ("files", [{}], '"files" is missing or has another form'),
+    ("folder", 7, '"folder" is missing or has another form'),
+    ("sites", [[0, 0, -1]], '"sites" is missing or has another form'),
+    ("strings", "text", '"strings" is missing or has another form'),
+    ("size", True, '"files" is missing or has another form'),
+    ("sites", [[0, 0, 0]], "a table has no entry 13"),
+    ("labels", [], "a table has no entry 2"),
+    ("links", "", "a table has no entry 0"),
+    ("links", "c", "the table of numbers is damaged"),
+    ("links", "CcEA", "a chain does not end"),
+    ("ranges", "CgBA", "a table has no entry 16"),
+    ("lines", "", "a table has no entry 0"),
+]
 
 
-@pytest.mark.parametrize("word", DAMAGES)
-def test_damaged_files_are_refused(word: str) -> None:
-    trace, _ = traced(section("x"))
-    document = dict(trace._document)
-    key, value = DAMAGES[word]
-    document[key] = value
-    with pytest.raises(tracing.TraceError, match="trace file"):
-        tracing.parse(json.dumps(document).encode())
+@pytest.mark.parametrize(("key", "value", "said"), DAMAGES)
+def test_damaged_files_are_refused(tmp_path: Path, key: str, value: Any, said: str) -> None:
+    trace, _ = traced("{% macro m() %}a\nb\nc{% endmacro %}" + section("x{{ m() }}"))
+    document = json.loads(json.dumps(trace._document))
+    for table in (document, document["files"][0]):
+        if key in table:
+            table[key] = value
+    path = tmp_path / "trace.json"
+    path.write_text(json.dumps(document))
+    with pytest.raises(tracing.TraceError) as caught:
+        read = tracing.read(path)
+        for piece in read.files["a.c"].pieces():
+            read.chain(piece.link)
+    where = f"{path}: " if key in ("format", "version") else f"{path}: the trace file is damaged: "
+    assert str(caught.value) == where + said
