@@ -135,6 +135,10 @@ MISTAKES = {
         " state file s",
     ("m=models/*.json", "gen/{m}", "--jobs", "0"):
         "argument --jobs: expected a whole number from 1, got '0'",
+    ("m=models/*.json", "gen/{m}", "--report", ""):
+        "argument --report: expected the path of a file, got ''",
+    ("m=models/*.json", "gen/{m}", "--report", "-"):
+        "argument --report: expected the path of a file, got '-'; ./- is a file of this name",
     ("m=models/[ab].json", "gen/{m}", "--stamp", "models/a.json"):
         'error: the stamp "models/a.json" would take the place of "models/a.json", which was read',
 }  # fmt: skip

@@ -64,7 +64,14 @@ def text(metavar: str) -> ValueType:
 
 def file(metavar: str) -> ValueType:
     """The path of a file."""
-    return ValueType(metavar, below=os.path.join, completes="file")
+
+    def parse(text: str) -> str:
+        if text in ("", "-"):
+            hint = "; ./- is a file of this name" if text else ""
+            raise ValueError(f"expected the path of a file, got {text!r}{hint}")
+        return text
+
+    return ValueType(metavar, parse, below=os.path.join, completes="file")
 
 
 def folder(metavar: str) -> ValueType:

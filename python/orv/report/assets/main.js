@@ -64,15 +64,20 @@ class Page {
     const state = (this.state = this.read());
     const file = state.file === undefined ? undefined : this.run.fileOf(state.file);
     const source = state.source === undefined ? undefined : this.run.sourceOf(state.source);
-    this.say(state.file !== undefined && !file ? `The run has no file ${state.file}` : '');
+    const missing = [
+      ...(state.file !== undefined && !file ? [`The run has no file ${state.file}`] : []),
+      ...(state.source !== undefined && !source ? [`The run has no template ${state.source}`] : []),
+    ].join('. ');
+    this.say(missing);
     if (state.search === undefined) this.search.stop();
     if (file)
-      await this.showFile(state, file, source);
+      await this.showFile(state, file, source, missing);
     else
       this.showOthers(state, source);
   }
 
-  async showFile(state, file, source) {
+  // Shows a file, and says `missing` once it is there.
+  async showFile(state, file, source, missing) {
     this.say('Loading');
     const body = await this.run.body(file);
     if (this.state !== state) return;
@@ -90,7 +95,7 @@ class Page {
           printed.filter((piece) => piece.site.file === shown.name).map((piece) => piece.line);
       this.sourceView.show(shown, source ? state.at : seen.line || undefined, lit);
     }
-    this.say('');
+    this.say(missing);
   }
 
   showOthers(state, source) {
