@@ -4,9 +4,10 @@ from __future__ import annotations
 
 import pickle
 from collections import Counter
-from collections.abc import Collection, Sequence
+from collections.abc import Sequence
 from importlib import import_module
 from logging import CRITICAL, getLogger
+from time import monotonic
 from typing import Any
 from uuid import uuid4
 
@@ -22,8 +23,8 @@ _RETRIES = 3
 # How many seconds a scheduler has to answer, and to have a worker.
 _PATIENCE = 30
 
-# How many seconds to wait for results before looking whether there are workers.
-_BETWEEN_LOOKS = 0.1
+# How many seconds what the scheduler says of its workers is taken to hold: to answer costs time.
+_BETWEEN_LOOKS = 1
 
 # How often tasks are sent ahead for each thread of a worker, and how many together at most: what a
 # scheduler costs is for each time.
@@ -64,12 +65,15 @@ class Cluster:
         )
         self._parcels: dict[str, Any] = {}
         self._under_way = 0
+        # The threads of all workers when they were last asked for, and when that was.
+        self._threads = 0
+        self._looked = 0.0
         # The numbers of tasks that were sent together, by the key that the scheduler knows.
         self._numbers: dict[str, Sequence[int]] = {}
 
     def room(self, waiting: int) -> int:
         """How many tasks to send together, of so many that wait; 0 while workers are busy."""
-        threads: int = max(sum(worker["nthreads"] for worker in self._workers()), 1)
+        threads = max(self._count_threads(), 1)
         if self._under_way >= _AHEAD * threads:
             return 0
         return max(1, min(_TOGETHER, waiting // (_AHEAD * threads)))
@@ -97,11 +101,12 @@ class Cluster:
 
         Raises OrvError when the scheduler or the last worker has gone.
         """
+        arrival = self._running.thread_condition
         while not self._running.has_ready():
-            if not self._workers():
+            if not self._count_threads():
                 raise OrvError(f"the scheduler {self._address} has lost its last worker")
-            with self._running.thread_condition:
-                self._running.thread_condition.wait(_BETWEEN_LOOKS)
+            with arrival:
+                arrival.wait_for(self._running.has_ready, _BETWEEN_LOOKS)
         future, result = next(self._running)
         self._under_way -= 1
         numbers = self._numbers[future.key]
@@ -109,14 +114,23 @@ class Cluster:
             return list(zip(numbers, map(pickle.loads, result), strict=True))
         error = result[1] if isinstance(result, tuple) else result
         if type(error).__name__ == "CancelledError":
-            raise OrvError(f"the connection to the scheduler {self._address} was lost")
+            raise self._lost()
         what = OrvError(f"the run failed on its worker: {type(error).__name__}: {error}")
         return [(number, Done(None, what)) for number in numbers]
 
-    def _workers(self) -> Collection[Any]:
-        """What the scheduler knows of each worker now."""
-        workers: Collection[Any] = self._client.scheduler_info()["workers"].values()
-        return workers
+    def _count_threads(self) -> int:
+        """How many threads all workers have."""
+        now = monotonic()
+        if now - self._looked >= _BETWEEN_LOOKS:
+            try:
+                self._threads = sum(self._client.nthreads().values())
+            except OSError as error:
+                raise self._lost() from error
+            self._looked = now
+        return self._threads
+
+    def _lost(self) -> OrvError:
+        return OrvError(f"the connection to the scheduler {self._address} was lost")
 
     def begun_again(self) -> list[int]:
         """The numbers of the tasks that began more than once, on workers that died or failed."""
