@@ -16,6 +16,7 @@ import tempfile
 from pathlib import Path
 
 import again
+import cluster
 import jobs
 import packaging
 import pages
@@ -175,6 +176,18 @@ def compare_jobs(report: Report, rounds: int, folder: Path) -> None:
     report.add("200 runs, two jobs / one, time", ratio, 1.1, note=note)
 
 
+def compare_cluster(report: Report, rounds: int, folder: Path) -> None:
+    """Runs that the workers of a scheduler render, if there is one."""
+    try:
+        cost = cluster.measure(folder, rounds)
+    except ImportError:
+        print("runs of a scheduler: needs python3-distributed")
+        return
+    note = f"{cost.seconds * 1000:.2f} ms, {cost.bytes / 1000:.1f} kB there and back"
+    ratio = cost.seconds / 0.003
+    report.add("a run of a scheduler, the command's time / 3 ms", ratio, 1, note=note)
+
+
 def compare_engines(report: Report, rounds: int) -> None:
     """Packaging against plain rendering of the same text, in one process."""
     for fields, files, goal, reach in ((12, 400, 1.5, 1.2), (120, 40, 1.1, 1.0)):
@@ -187,7 +200,8 @@ def compare_engines(report: Report, rounds: int) -> None:
 
 
 def main() -> int:
-    groups = ("tables", "loaders", "start", "growth", "again", "trace", "pages", "jobs", "engine")
+    groups = ("tables", "loaders", "start", "growth", "again", "trace", "pages", "jobs", "cluster",
+              "engine")  # fmt: skip
     parser = argparse.ArgumentParser()
     parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("group", nargs="*", choices=(*groups, []))
@@ -209,6 +223,8 @@ def main() -> int:
                 compare_again(report, rounds, folder)
             elif group == "jobs":
                 compare_jobs(report, min(rounds, 5), folder)
+            elif group == "cluster":
+                compare_cluster(report, min(rounds, 5), folder)
             elif group == "trace":
                 compare_trace(report, min(rounds, 3), folder)
             elif group == "pages":
