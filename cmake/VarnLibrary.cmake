@@ -8,6 +8,7 @@ add_library(varn_filepackaging SHARED
   sections/IncludeLines.cpp
   sections/IncludesSection.cpp
   sections/LockedStream.cpp
+  sections/NewSection.cpp
   sections/SectionKindTable.cpp
   sections/StringFileSectionFragment.cpp
   sections/TableContent.cpp

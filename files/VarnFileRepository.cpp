@@ -95,10 +95,7 @@ struct VarnFileRepository::State {
     auto created = std::make_unique<FileClass>(name);
     FileClass& file = *created;
     const auto index = static_cast<int>(files.list().size());
-    for (int kind = BANNER_SECTION; kind <= USERBOTTOM_SECTION; ++kind) {
-      const auto sectionKind = static_cast<VarnFileSectionKind>(kind);
-      if (file.hasSection(sectionKind)) pool.serve(file.getFileSection(sectionKind));
-    }
+    pool.serve(*static_cast<VarnFile&>(file).content_);
     files.add(std::move(created));
     try {
       nameIndex[name] = index;

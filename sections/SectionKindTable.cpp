@@ -8,57 +8,58 @@ namespace Varn {
 namespace {
 
 using Builder = VarnFileContentBuilder;
-constexpr auto None = SectionClass::None;
 constexpr auto Plain = SectionClass::Plain;
 constexpr auto Includes = SectionClass::Includes;
 constexpr auto Functions = SectionClass::Functions;
+constexpr bool yes = true;
+constexpr bool no = false;
 
 // clang-format off
 constexpr std::array<SectionKindRow, sectionKindCount> table = {{
     {BANNER_SECTION, "BANNER_SECTION", "Banner",
-     &Builder::buildBannerSection, {Plain, None, None}},
+     &Builder::buildBannerSection, Plain, {yes, no, no}},
     {INCLUDES_SECTION, "INCLUDES_SECTION", "Includes",
-     &Builder::buildIncludesSection, {Includes, Includes, Includes}},
+     &Builder::buildIncludesSection, Includes, {yes, yes, yes}},
     {MODELTYPES_INCLUDES_SECTION, "MODELTYPES_INCLUDES_SECTION", "ModelTypesIncludes",
-     &Builder::buildModelTypesIncludesSection, {Plain, None, None}},
+     &Builder::buildModelTypesIncludesSection, Plain, {yes, no, no}},
     {MODELTYPES_DEFINES_SECTION, "MODELTYPES_DEFINES_SECTION", "ModelTypesDefines",
-     &Builder::buildModelTypesDefinesSection, {Plain, None, None}},
+     &Builder::buildModelTypesDefinesSection, Plain, {yes, no, no}},
     {DEFINES_SECTION, "DEFINES_SECTION", "Defines",
-     &Builder::buildDefinesSection, {Plain, Plain, Plain}},
+     &Builder::buildDefinesSection, Plain, {yes, yes, yes}},
     {MODELTYPES_TYPEDEFS_SECTION, "MODELTYPES_TYPEDEFS_SECTION", "ModelTypesTypedefs",
-     &Builder::buildModelTypesTypedefsSection, {Plain, None, None}},
+     &Builder::buildModelTypesTypedefsSection, Plain, {yes, no, no}},
     {INTRINSIC_TYPES_SECTION, "INTRINSIC_TYPES_SECTION", "IntrinsicTypes",
-     &Builder::buildIntrinsicTypesSection, {Plain, None, None}},
+     &Builder::buildIntrinsicTypesSection, Plain, {yes, no, no}},
     {PRIMITIVE_TYPEDEFS_SECTION, "PRIMITIVE_TYPEDEFS_SECTION", "PrimitiveTypedefs",
-     &Builder::buildPrimitiveTypedefsSection, {Plain, None, None}},
+     &Builder::buildPrimitiveTypedefsSection, Plain, {yes, no, no}},
     {USERTOP_SECTION, "USERTOP_SECTION", "UserTop",
-     &Builder::buildUserTopSection, {Plain, None, None}},
+     &Builder::buildUserTopSection, Plain, {yes, no, no}},
     {TYPEDEFS_SECTION, "TYPEDEFS_SECTION", "Typedefs",
-     &Builder::buildTypedefsSection, {Plain, Plain, Plain}},
+     &Builder::buildTypedefsSection, Plain, {yes, yes, yes}},
     {FORWARD_DECLS_SECTION, "FORWARD_DECLS_SECTION", "",
-     &Builder::buildForwardDeclarationsSection, {Plain, Plain, None}},
+     &Builder::buildForwardDeclarationsSection, Plain, {yes, yes, no}},
     {ENUMERATIONS_SECTION, "ENUMERATIONS_SECTION", "Enums",
-     &Builder::buildEnumsSection, {Plain, None, None}},
+     &Builder::buildEnumsSection, Plain, {yes, no, no}},
     {DEFINITIONS_SECTION, "DEFINITIONS_SECTION", "Definitions",
-     &Builder::buildDefinitionsSection, {Plain, None, None}},
+     &Builder::buildDefinitionsSection, Plain, {yes, no, no}},
     {EXTERN_DATA_SECTION, "EXTERN_DATA_SECTION", "ExternData",
-     &Builder::buildExternDataSection, {Plain, Plain, None}},
+     &Builder::buildExternDataSection, Plain, {yes, yes, no}},
     {EXTERN_FCNS_SECTION, "EXTERN_FCNS_SECTION", "ExternFcns",
-     &Builder::buildExternFcnsSection, {Plain, Plain, None}},
+     &Builder::buildExternFcnsSection, Plain, {yes, yes, no}},
     {FCN_PROTOTYPES_SECTION, "FCN_PROTOTYPES_SECTION", "FcnPrototypes",
-     &Builder::buildFcnPrototypesSection, {Plain, Plain, None}},
+     &Builder::buildFcnPrototypesSection, Plain, {yes, yes, no}},
     {DECLARATIONS_SECTION, "DECLARATIONS_SECTION", "Declarations",
-     &Builder::buildDeclarationsSection, {Plain, Plain, None}},
+     &Builder::buildDeclarationsSection, Plain, {yes, yes, no}},
     {FUNCTIONS_SECTION, "FUNCTIONS_SECTION", "Functions",
-     &Builder::buildFunctionsSection, {Functions, Functions, None}},
+     &Builder::buildFunctionsSection, Functions, {yes, yes, no}},
     {COMPILER_ERRORS_SECTION, "COMPILER_ERRORS_SECTION", "CompilerErrors",
-     &Builder::buildCompilerErrorsSection, {Plain, None, None}},
+     &Builder::buildCompilerErrorsSection, Plain, {yes, no, no}},
     {COMPILER_WARNINGS_SECTION, "COMPILER_WARNINGS_SECTION", "CompilerWarnings",
-     &Builder::buildCompilerWarningsSection, {Plain, None, None}},
+     &Builder::buildCompilerWarningsSection, Plain, {yes, no, no}},
     {DOCUMENTATION_SECTION, "DOCUMENTATION_SECTION", "Documentation",
-     &Builder::buildDocumentationSection, {Plain, Plain, None}},
+     &Builder::buildDocumentationSection, Plain, {yes, yes, no}},
     {USERBOTTOM_SECTION, "USERBOTTOM_SECTION", "UserBottom",
-     &Builder::buildUserBottomSection, {Plain, None, None}},
+     &Builder::buildUserBottomSection, Plain, {yes, no, no}},
 }};
 // clang-format on
 

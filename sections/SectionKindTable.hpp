@@ -10,8 +10,8 @@
 
 namespace Varn {
 
-// Which class of section a file has of some kind.
-enum class SectionClass : unsigned char { None, Plain, Includes, Functions };
+// The class of the sections of some kind.
+enum class SectionClass : unsigned char { Plain, Includes, Functions };
 
 // The classes of files, in the order of the table's columns.
 enum class FileClass : unsigned char { GenericFile, ModuleFile, DataTypesFile };
@@ -22,8 +22,9 @@ struct SectionKindRow {
   std::string_view hostName;
   std::string_view orvName;
   void (VarnFileContentBuilder::*buildStep)();
-  // By FileClass.
-  SectionClass inFileClass[3];
+  SectionClass sectionClass;
+  // Whether a file has such a section, by FileClass.
+  bool isInFileClass[3];
 };
 
 constexpr std::size_t sectionKindCount = 22;

@@ -7,14 +7,13 @@
 
 namespace Varn {
 
-// Shared by the builders of the three file classes: the table of section kinds says which section
-// a file of each class has of each kind.
+// Shared by the builders of the three file classes: the table of section kinds says which sections
+// a file of each class has.
 
-// A content without sections, with memory for the plain sections of `fileClass`. The caller owns
-// it.
-VarnFileContent* newContent(FileClass fileClass);
+// A content without sections. The caller owns it.
+VarnFileContent* newContent();
 
-// Adds the section of `kind` that a file of `fileClass` has. Does nothing when `content` is null.
+// Adds the section of `kind` if a file of `fileClass` has it. Does nothing when `content` is null.
 void addSection(VarnFileContent* content, FileClass fileClass, VarnFileSectionKind kind);
 
 }  // namespace Varn

@@ -27,11 +27,16 @@ std::size_t sizeClass(std::size_t size) {
 TextPool::Memory TextPool::allocate(std::size_t size) {
   assert(size <= largestSize);
   const std::size_t index = sizeClass(size);
-  size = sizes[index];
-  if (FreeBlock* block = free_[index]) {
-    free_[index] = block->next;
-    return {block, size};
-  }
+  FreeBlock* block = free_[index];
+  if (block == nullptr) return cut(sizes[index]);
+  free_[index] = block->next;
+  return {block, sizes[index]};
+}
+
+TextPool::Memory TextPool::cut(std::size_t size) {
+  constexpr std::size_t unit = alignof(std::max_align_t);
+  assert(size <= largestSize);
+  size = (size + unit - 1) / unit * unit;
   if (left_ < size) addChunk();
   void* start = next_;
   next_ += size;

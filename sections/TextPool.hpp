@@ -8,13 +8,14 @@
 #include <vector>
 
 #include <varn/FileSection.hpp>
+#include <varn/VarnFileContent.hpp>
 
 namespace Varn::detail {
 
 // The arena for the short texts of all sections of a repository: blocks of a few size classes, cut
-// from large chunks. The sections of a file are adjacent in memory, allocation is a pointer bump,
-// and destroying the pool visits no block. Large pools ask for huge pages, because the first touch
-// of new memory costs more than filling it.
+// from large chunks, and for the sections themselves. The sections of a file are adjacent in
+// memory, allocation is a pointer bump, and destroying the pool visits no block. Large pools ask
+// for huge pages, because the first touch of new memory costs more than filling it.
 //
 // Deallocated blocks are reused for their size class; chunks are freed with the pool.
 class TextPool {
@@ -36,11 +37,15 @@ class TextPool {
   // A block of the smallest class that holds `size` bytes, at most largestSize, aligned for every
   // type. Throws std::bad_alloc.
   Memory allocate(std::size_t size);
+  // A block of `size` bytes, or a few more, at most largestSize.
+  Memory cut(std::size_t size);
   // `memory` is what allocate() returned.
   void deallocate(Memory memory);
 
   // From now on `section` allocates its short texts here. The pool must outlive it.
   void serve(FileSection& section) { section.store_.usePool(*this); }
+  // From now on `content` makes its sections here. The pool must outlive it.
+  void serve(VarnFileContent& content) { content.pool_ = this; }
 
  private:
   struct FreeBlock {

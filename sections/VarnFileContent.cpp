@@ -1,11 +1,11 @@
 #include "varn/VarnFileContent.hpp"
 
+#include <algorithm>
 #include <cassert>
-#include <functional>
 #include <memory>
-#include <new>
 #include <utility>
 
+#include "sections/NewSection.hpp"
 #include "sections/SectionKindTable.hpp"
 
 namespace Varn {
@@ -31,88 +31,59 @@ const std::string& VarnFileContent::EmptyFileSection::getSectionFragment(
 
 VarnFileContent::VarnFileContent() = default;
 
-// Delegates, so that the destructor runs when a constructor below throws.
-VarnFileContent::VarnFileContent(std::size_t plainSections) : VarnFileContent() {
-  assert(plainSections <= sectionKindCount);
-  plainSections_ = std::allocator<FileSection>().allocate(plainSections);
-  plainCapacity_ = static_cast<std::uint8_t>(plainSections);
-}
-
-VarnFileContent::VarnFileContent(const VarnFileContent& source) : VarnFileContent() {
-  for (const SectionKindRow& row : sectionKindTable) {
-    if (!source.hasSection(row.kind)) continue;
-    setSection(row.kind, std::unique_ptr<FileSection>(source.getSection(row.kind).clone()));
+VarnFileContent::VarnFileContent(const VarnFileContent& source) : kinds_(source.kinds_) {
+  for (std::size_t slot = 0; slot < slotCount; ++slot) {
+    if (source.sections_[slot]) sections_[slot].reset(source.sections_[slot]->clone());
   }
 }
 
 VarnFileContent::~VarnFileContent() {
-  for (FileSection*& section : sections_) destroy(std::exchange(section, nullptr));
-  for (FileSection* section : replaced_) destroy(section);
-  if (plainSections_ != nullptr) {
-    std::allocator<FileSection>().deallocate(plainSections_, plainCapacity_);
-  }
+  for (auto& section : sections_) section.reset();
 }
 
 FileSection& VarnFileContent::getSection(VarnFileSectionKind kind) {
-  assert(static_cast<unsigned int>(kind) < slotCount);
-  FileSection* section = sections_[static_cast<std::size_t>(kind)];
-  return section != nullptr ? *section : emptySection_;
+  return const_cast<FileSection&>(std::as_const(*this).getSection(kind));
 }
 
 const FileSection& VarnFileContent::getSection(VarnFileSectionKind kind) const {
-  assert(static_cast<unsigned int>(kind) < slotCount);
-  const FileSection* section = sections_[static_cast<std::size_t>(kind)];
-  return section != nullptr ? *section : emptySection_;
+  const auto slot = static_cast<std::size_t>(static_cast<unsigned int>(kind));
+  assert(slot < slotCount);
+  return sections_[slot] ? *sections_[slot] : makeSection(slot);
+}
+
+// Not inlined, so that getSection() is short enough to be.
+[[gnu::noinline]] FileSection& VarnFileContent::makeSection(std::size_t slot) const {
+  if ((kinds_ >> slot & 1U) == 0) return emptySection_;
+  sections_[slot] = newSection(sectionKindTable[slot].sectionClass, pool_);
+  return *sections_[slot];
 }
 
 bool VarnFileContent::hasSection(VarnFileSectionKind kind) const {
-  const auto slot = static_cast<std::size_t>(static_cast<unsigned int>(kind));
-  return slot < slotCount && sections_[slot] != nullptr;
+  const auto slot = static_cast<unsigned int>(kind);
+  return slot < slotCount && (kinds_ >> slot & 1U) != 0;
 }
 
 bool VarnFileContent::isEmpty() const {
-  for (const FileSection* section : sections_) {
-    if (section != nullptr && !section->isEmpty()) return false;
-  }
-  return true;
+  return std::all_of(sections_.begin(), sections_.end(),
+                     [](const auto& section) { return !section || section->isEmpty(); });
 }
 
 void VarnFileContent::clearContents() {
-  for (FileSection* section : sections_) {
-    if (section != nullptr && !section->isEmpty()) section->clearContent();
+  for (const auto& section : sections_) {
+    if (section && !section->isEmpty()) section->clearContent();
   }
 }
 
 void VarnFileContent::setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section) {
+  addSection(kind);
+  sections_[static_cast<std::size_t>(kind)] = std::move(section);
+}
+
+void VarnFileContent::addSection(VarnFileSectionKind kind) {
   assert(static_cast<unsigned int>(kind) < sectionKindCount);
-  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
-  if (slot != nullptr) replaced_.push_back(slot);
-  slot = section.release();
-}
-
-void VarnFileContent::addPlainSection(VarnFileSectionKind kind) {
-  assert(static_cast<unsigned int>(kind) < sectionKindCount);
-  if (plainCount_ == plainCapacity_) {
-    setSection(kind, std::make_unique<FileSection>());
-    return;
-  }
-  FileSection*& slot = sections_[static_cast<std::size_t>(kind)];
-  if (slot != nullptr) replaced_.push_back(slot);
-  slot = ::new (plainSections_ + plainCount_) FileSection;
-  ++plainCount_;
-}
-
-bool VarnFileContent::isPlain(const FileSection* section) const {
-  const std::less<> before;
-  return !before(section, plainSections_) && before(section, plainSections_ + plainCount_);
-}
-
-void VarnFileContent::destroy(FileSection* section) noexcept {
-  if (isPlain(section)) {
-    section->FileSection::~FileSection();
-  } else {
-    delete section;
-  }
+  auto& slot = sections_[static_cast<std::size_t>(kind)];
+  if (slot) replaced_.push_back(std::move(slot));
+  kinds_ |= 1U << static_cast<unsigned int>(kind);
 }
 
 }  // namespace Varn

@@ -11,7 +11,7 @@ VarnModuleFileContentBuilder& VarnModuleFileContentBuilder::operator=(
     const VarnModuleFileContentBuilder&) = default;
 VarnModuleFileContentBuilder::~VarnModuleFileContentBuilder() = default;
 
-void VarnModuleFileContentBuilder::buildContent() { content_ = newContent(FileClass::ModuleFile); }
+void VarnModuleFileContentBuilder::buildContent() { content_ = newContent(); }
 
 void VarnModuleFileContentBuilder::buildIncludesSection() {
   addSection(content_, FileClass::ModuleFile, INCLUDES_SECTION);

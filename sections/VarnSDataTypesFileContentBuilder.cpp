@@ -11,9 +11,7 @@ VarnSDataTypesFileContentBuilder& VarnSDataTypesFileContentBuilder::operator=(
     const VarnSDataTypesFileContentBuilder&) = default;
 VarnSDataTypesFileContentBuilder::~VarnSDataTypesFileContentBuilder() = default;
 
-void VarnSDataTypesFileContentBuilder::buildContent() {
-  content_ = newContent(FileClass::DataTypesFile);
-}
+void VarnSDataTypesFileContentBuilder::buildContent() { content_ = newContent(); }
 
 void VarnSDataTypesFileContentBuilder::buildIncludesSection() {
   addSection(content_, FileClass::DataTypesFile, INCLUDES_SECTION);

@@ -11,9 +11,7 @@ VarnSGenericFileContentBuilder& VarnSGenericFileContentBuilder::operator=(
     const VarnSGenericFileContentBuilder&) = default;
 VarnSGenericFileContentBuilder::~VarnSGenericFileContentBuilder() = default;
 
-void VarnSGenericFileContentBuilder::buildContent() {
-  content_ = newContent(FileClass::GenericFile);
-}
+void VarnSGenericFileContentBuilder::buildContent() { content_ = newContent(); }
 
 void VarnSGenericFileContentBuilder::buildBannerSection() {
   addSection(content_, FileClass::GenericFile, BANNER_SECTION);

@@ -17,6 +17,8 @@
 
 namespace Varn {
 
+class VarnFileRepository;
+
 // A generated source or header file held in memory: its name in several forms, the attributes that
 // describe it, the systems whose code it holds, its sections and its custom sections.
 //
@@ -99,6 +101,8 @@ class VARN_EXPORT VarnFile : public orbel::HandleBase {
   void writeSectionToFile(VarnFileSectionKind kind, FILE* stream);
 
  private:
+  friend class VarnFileRepository;
+
   std::unique_ptr<VarnFileContent> content_;
   std::u16string name_;
   std::string nameAscii_;

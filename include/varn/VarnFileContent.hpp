@@ -45,9 +45,6 @@ class VARN_EXPORT VarnFileContent {
 
   // No sections.
   VarnFileContent();
-  // The same, with memory for `plainSections` calls of addPlainSection(): at most one for each
-  // kind.
-  explicit VarnFileContent(std::size_t plainSections);
   // Clones of the source's sections, each of its own class, sharing their fragments.
   VarnFileContent(const VarnFileContent& source);
   // Not assigned: references to sections stay valid until the content is destroyed.
@@ -70,28 +67,29 @@ class VARN_EXPORT VarnFileContent {
   // Empties every section; lists of includes and names of functions stay.
   void clearContents();
 
-  // For builders: put `section`, or a new FileSection, in the slot of `kind`. A section that it
-  // replaces is unreachable from then on, and destroyed with the content. Precondition: `kind` is
-  // 0..21.
+  // For builders: put `section`, or one of the class that its kind has, in the slot of `kind`. A
+  // section that it replaces is unreachable from then on, and destroyed with the content.
+  // Precondition: `kind` is 0..21.
   void setSection(VarnFileSectionKind kind, std::unique_ptr<FileSection> section);
-  void addPlainSection(VarnFileSectionKind kind);
+  void addSection(VarnFileSectionKind kind);
 
  private:
-  bool isPlain(const FileSection* section) const;
-  void destroy(FileSection* section) noexcept;
+  friend class detail::TextPool;
+
+  FileSection& makeSection(std::size_t slot) const;
 
   // One slot more than there are kinds; the last is never filled.
   static constexpr std::size_t slotCount = 23;
 
-  // Owned; null for the kinds that the content lacks.
-  std::array<FileSection*, slotCount> sections_{};
-  // Most sections of a file are plain ones: they are adjacent, in memory for `plainCapacity_`.
-  FileSection* plainSections_ = nullptr;
-  std::uint8_t plainCapacity_ = 0;
-  std::uint8_t plainCount_ = 0;
-  // Owned, unreachable.
-  std::vector<FileSection*> replaced_;
-  EmptyFileSection emptySection_;
+  // Most files use a few of their sections: one that was added is made when it is asked for first.
+  mutable std::array<std::unique_ptr<FileSection>, slotCount> sections_;
+  // A bit for each kind that the content has.
+  std::uint32_t kinds_ = 0;
+  // Where sections are made, and their short texts; may be null.
+  detail::TextPool* pool_ = nullptr;
+  // Unreachable.
+  std::vector<std::unique_ptr<FileSection>> replaced_;
+  mutable EmptyFileSection emptySection_;
 };
 
 }  // namespace Varn

@@ -1,5 +1,6 @@
 #include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include <boost/make_shared.hpp>
@@ -82,6 +83,9 @@ TEST(VarnFileContent, AnAbsentSectionDiscardsWhatItIsGiven) {
 
 TEST(VarnFileContent, CopiesCloneAndClearingKeepsLists) {
   const ContentPtr content = contentOf(VarnSGenericFileContentBuilder());
+  const VarnFileContent untouched(*content);
+  EXPECT_EQ(&std::as_const(*content).getSection(INCLUDES_SECTION),
+            &content->getSection(INCLUDES_SECTION));
   dynamic_cast<IncludesSection&>(content->getSection(INCLUDES_SECTION)).addRequiredInclude("r.h");
   EXPECT_TRUE(content->isEmpty()) << "names in lists are no fragments";
   dynamic_cast<FunctionsSection&>(content->getSection(FUNCTIONS_SECTION)).addFunction("f", "{}");
@@ -91,6 +95,8 @@ TEST(VarnFileContent, CopiesCloneAndClearingKeepsLists) {
   EXPECT_TRUE(content->isEmpty());
   EXPECT_EQ("\n#include \"r.h\"\n", content->getSection(INCLUDES_SECTION).getContent());
   EXPECT_EQ(sectionsOf(*content), sectionsOf(copy));
+  EXPECT_EQ(sectionsOf(*content), sectionsOf(untouched));
+  EXPECT_TRUE(untouched.isEmpty());
   EXPECT_EQ("\n#include \"r.h\"\n{}", copy.getSection(INCLUDES_SECTION).getContent() +
                                           copy.getSection(FUNCTIONS_SECTION).getContent());
 }
