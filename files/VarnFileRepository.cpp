@@ -79,6 +79,8 @@ VarnModuleFile* findModuleFile(const ModuleFiles& map, int index) {
 struct VarnFileRepository::State {
   explicit State(VarnFileRepository& repository) : bridge(repository) {}
 
+  static VarnFileContent& contentOf(VarnFile& file) { return *file.content_; }
+
   // Destroyed in reverse: the files first.
   RegisteredNames registeredNames;
   boost::unordered_map<std::string, int> nameIndex;
@@ -92,10 +94,12 @@ struct VarnFileRepository::State {
 
   template <typename FileClass>
   FileClass& createFile(const std::string& name) {
+    // A generator is usually done with a file when it creates the next.
+    if (!files.list().empty()) pool.shrinkToFit(contentOf(*files.list().back()));
     auto created = std::make_unique<FileClass>(name);
     FileClass& file = *created;
     const auto index = static_cast<int>(files.list().size());
-    pool.serve(*static_cast<VarnFile&>(file).content_);
+    pool.serve(contentOf(file));
     files.add(std::move(created));
     try {
       nameIndex[name] = index;

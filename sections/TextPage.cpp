@@ -24,6 +24,9 @@ constexpr std::size_t firstCapacity = 48;
 constexpr std::size_t smallestGrowth = 512;
 constexpr std::size_t largestCapacity = std::size_t{64} * 1024;
 
+// A block is not moved to save less.
+constexpr std::size_t smallestSaving = 64;
+
 std::size_t capacityAfter(std::size_t capacity) {
   return std::min(capacity + std::max(capacity / 2, smallestGrowth), largestCapacity);
 }
@@ -40,7 +43,7 @@ struct TextPage::Block : boost::intrusive_ref_counter<Block> {
 
   // A block with at least `capacity` bytes for texts and lengths.
   static boost::intrusive_ptr<Block> make(std::size_t capacity);
-  static boost::intrusive_ptr<Block> makeIn(TextPool& pool, std::size_t capacity);
+  static boost::intrusive_ptr<Block> makeIn(TextPool::Memory memory);
   // A block is longer than its header: unsized deallocation. make() allocates with the global
   // operator new.
   // NOLINTNEXTLINE(misc-new-delete-overloads)
@@ -65,9 +68,7 @@ boost::intrusive_ptr<TextPage::Block> TextPage::Block::make(std::size_t capacity
   return boost::intrusive_ptr<Block>(::new (memory) Block(capacity));
 }
 
-boost::intrusive_ptr<TextPage::Block> TextPage::Block::makeIn(TextPool& pool,
-                                                              std::size_t capacity) {
-  const TextPool::Memory memory = pool.allocate(sizeof(Block) + capacity);
+boost::intrusive_ptr<TextPage::Block> TextPage::Block::makeIn(TextPool::Memory memory) {
   return boost::intrusive_ptr<Block>(::new (memory.start) Block(memory.size - sizeof(Block)));
 }
 
@@ -114,6 +115,16 @@ void TextPage::moveOutOf(TextPool* pool) {
   if (extent_.isPooled) relocate(Block::make(sizeWith(0)), false, pool);
 }
 
+void TextPage::shrinkToFit(TextPool* pool) {
+  const std::size_t size = sizeWith(0);
+  if (!block_ || block_->use_count() != 1 || block_->capacity < size + smallestSaving) return;
+  if (extent_.isPooled) {
+    relocate(Block::makeIn(pool->cut(sizeof(Block) + size)), true, pool);
+  } else {
+    relocate(Block::make(size), false, pool);
+  }
+}
+
 void TextPage::clear(TextPool* pool) {
   releaseBlock(pool);
   extent_ = Extent{};
@@ -150,7 +161,7 @@ std::size_t TextPage::sizeWith(std::size_t length) const {
   // Text that was moved out of the pool stays out: it may have fragments.
   const bool mayUsePool = pool != nullptr && (!block_ || extent_.isPooled);
   if (mayUsePool && sizeof(Block) + size <= TextPool::largestSize) {
-    relocate(Block::makeIn(*pool, size), true, pool);
+    relocate(Block::makeIn(pool->allocate(sizeof(Block) + size)), true, pool);
   } else {
     const std::size_t capacity = block_ ? capacityAfter(block_->capacity) : firstCapacity;
     relocate(Block::make(std::max(capacity, size)), false, pool);

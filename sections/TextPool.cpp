@@ -45,8 +45,19 @@ TextPool::Memory TextPool::cut(std::size_t size) {
 }
 
 void TextPool::deallocate(Memory memory) {
-  FreeBlock*& head = free_[sizeClass(memory.size)];
-  head = ::new (memory.start) FreeBlock{head};
+  std::size_t index = sizeClass(memory.size);
+  if (sizes[index] != memory.size) {
+    // One that was cut serves the class below, if there is any.
+    if (index == 0) return;
+    --index;
+  }
+  free_[index] = ::new (memory.start) FreeBlock{free_[index]};
+}
+
+void TextPool::shrinkToFit(VarnFileContent& content) {
+  for (const auto& section : content.sections_) {
+    if (section) section->store_.shrinkToFit();
+  }
 }
 
 void TextPool::addChunk() {

@@ -39,13 +39,15 @@ class TextPool {
   Memory allocate(std::size_t size);
   // A block of `size` bytes, or a few more, at most largestSize.
   Memory cut(std::size_t size);
-  // `memory` is what allocate() returned.
+  // `memory` is what allocate() or cut() returned.
   void deallocate(Memory memory);
 
   // From now on `section` allocates its short texts here. The pool must outlive it.
   void serve(FileSection& section) { section.store_.usePool(*this); }
   // From now on `content` makes its sections here. The pool must outlive it.
   void serve(VarnFileContent& content) { content.pool_ = this; }
+  // Frees most of the memory that the sections of `content` keep for further texts.
+  static void shrinkToFit(VarnFileContent& content);
 
  private:
   struct FreeBlock {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iterator>
 #include <memory>
 #include <random>
@@ -155,15 +156,13 @@ TEST(FileSection, WriteSizesMatchOneWriteForEachFragment) {
   }
 }
 
-// Sections, two of them in files of a repository, and beside each the fragments that it should
+// Sections, some of them in files of a repository, and beside each the fragments that it should
 // hold.
 class RandomRun {
  public:
   explicit RandomRun(unsigned int seed) : random_(seed) {
-    for (const char* name : {"a.c", "b.c"}) {
-      FileSection& section = repository_->createGenericFile(name).getFunctionsSection();
-      sections_.push_back({nullptr, &dynamic_cast<FunctionsSection&>(section), {}});
-    }
+    addFile();
+    addFile();
     for (int i = 0; i < 3; ++i) {
       auto own = std::make_unique<FunctionsSection>();
       FunctionsSection* section = own.get();
@@ -174,7 +173,9 @@ class RandomRun {
   void step() {
     auto& [own, section, fragments] = sections_[below(sections_.size())];
     const std::size_t action = below(20);
-    if (action < 10) {
+    if (action == 19 && repository_) {
+      addFile();
+    } else if (action < 10) {
       const std::string text = someText();
       section->addContent(text);
       fragments.emplace_back(text.c_str());
@@ -209,7 +210,8 @@ class RandomRun {
   }
 
   void endRepository() {
-    sections_.erase(sections_.begin(), sections_.begin() + 2);
+    const auto isInFile = [](const Checked& checked) { return !checked.own; };
+    sections_.erase(std::remove_if(sections_.begin(), sections_.end(), isInFile), sections_.end());
     repository_.reset();
   }
 
@@ -220,6 +222,11 @@ class RandomRun {
     FunctionsSection* section;
     std::vector<std::string> fragments;
   };
+
+  void addFile() {
+    FileSection& section = repository_->createGenericFile("a.c").getFunctionsSection();
+    sections_.push_back({nullptr, &dynamic_cast<FunctionsSection&>(section), {}});
+  }
 
   void checkWrites(const FileSection& section, const std::vector<std::string>& fragments) {
     const Buffering bufferings[] = {{_IONBF, 0},   {_IOLBF, 512},  {_IOFBF, 100},

@@ -45,6 +45,9 @@ class TextPage {
   // Moves pooled text to a block of its own.
   void moveOutOf(TextPool* pool);
 
+  // Moves the text to a block of its size, unless little would be gained or the block is shared.
+  void shrinkToFit(TextPool* pool);
+
   // Drops the pieces and deallocates a pooled block.
   void clear(TextPool* pool);
 
