@@ -4,6 +4,7 @@
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
+#include "python/orv/native/models/JsonStream.hpp"
 #include "python/orv/native/models/Readers.hpp"
 #include "python/orv/native/models/SourceText.hpp"
 
@@ -80,8 +81,9 @@ std::string withQuotedIntegers(std::string_view text) {
 // character; `text` is what it reads but for long integers, which it takes for strings.
 class Events {
  public:
-  Events(std::string_view text, const json::StringStream& stream, ModelBuilder& builder)
-      : text_(text), lines_(text), stream_(stream), builder_(builder) {}
+  Events(std::string_view text, const JsonStream& stream, const std::string& unescaped,
+         ModelBuilder& builder)
+      : text_(text), lines_(text), stream_(stream), unescaped_(unescaped), builder_(builder) {}
 
   // NOLINTBEGIN(readability-identifier-naming): the names that the parser calls
   bool Null() { return scalar(py::none()); }
@@ -92,27 +94,25 @@ class Events {
   bool Uint64(std::uint64_t value) { return scalar(py::int_(value)); }
   // Also an integer that is too large for those. The value is not exact: the text is.
   bool Double(double /*value*/) {
-    const std::string_view rest = text_.substr(stream_.Tell());
-    const std::string_view number = rest.substr(0, numberSize(rest));
-    if (number.find_first_of(".eE") == std::string_view::npos) {
-      builder_.integer(number, here());
+    const std::string_view digits = number();
+    if (digits.find_first_of(".eE") == std::string_view::npos) {
+      builder_.integer(digits, here());
     } else {
-      builder_.decimal(std::string(number), here());
+      builder_.decimal(std::string(digits), here());
     }
     return true;
   }
-  bool String(const char* text, json::SizeType size, bool /*copy*/) {
-    const std::string_view rest = text_.substr(stream_.Tell());
-    if (rest[0] == '"') {
-      builder_.text({text, size}, here());
+  bool String(const char* /*text*/, json::SizeType size, bool /*copy*/) {
+    if (isQuoted()) {
+      builder_.text(string(size), here());
     } else {
-      builder_.integer(rest.substr(0, numberSize(rest)), here());
+      builder_.integer(number(), here());
     }
     return true;
   }
-  bool Key(const char* name, json::SizeType size, bool /*copy*/) {
-    if (text_[stream_.Tell()] != '"') throw ModelError(here(), "missing a name for object member");
-    builder_.key({name, size}, here());
+  bool Key(const char* /*name*/, json::SizeType size, bool /*copy*/) {
+    if (!isQuoted()) throw ModelError(here(), "missing a name for object member");
+    builder_.key(string(size), here());
     return true;
   }
   bool StartObject() {
@@ -133,6 +133,16 @@ class Events {
   Location here() { return lines_.at(stream_.Tell()); }
   // A bracket has been read when its event arrives.
   Location before() { return lines_.at(stream_.Tell() - 1); }
+  bool isQuoted() const { return text_[stream_.Tell()] == '"'; }
+  std::string_view number() const {
+    const std::string_view rest = text_.substr(stream_.Tell());
+    return rest.substr(0, numberSize(rest));
+  }
+  // The string that has just been read.
+  std::string_view string(std::size_t size) const {
+    if (!unescaped_.empty()) return unescaped_;
+    return {text_.data() + stream_.Tell() + 1, size};
+  }
   bool scalar(py::object value) {
     builder_.value(std::move(value), here());
     return true;
@@ -144,7 +154,8 @@ class Events {
 
   std::string_view text_;
   LineCounter lines_;
-  const json::StringStream& stream_;
+  const JsonStream& stream_;
+  const std::string& unescaped_;
   ModelBuilder& builder_;
 };
 
@@ -159,10 +170,12 @@ std::string reasonOf(json::ParseErrorCode code) {
 
 void readJson(std::string_view text, ModelBuilder& builder) {
   const std::string quoted = mayHaveLongInteger(text) ? withQuotedIntegers(text) : std::string();
-  json::StringStream stream(quoted.empty() ? text.data() : quoted.c_str());
-  Events events(text, stream, builder);
-  json::Reader reader;
-  const json::ParseResult result = reader.Parse(stream, events);
+  std::string unescaped;
+  JsonStream stream(quoted.empty() ? text.data() : quoted.c_str(), unescaped);
+  Events events(text, stream, unescaped, builder);
+  json::GenericReader<CheckedUtf8, CheckedUtf8> reader;
+  constexpr unsigned flags = json::kParseInsituFlag | json::kParseValidateEncodingFlag;
+  const json::ParseResult result = reader.Parse<flags>(stream, events);
   if (result.IsError()) {
     throw ModelError(LineCounter(text).at(result.Offset()), reasonOf(result.Code()));
   }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,10 +47,8 @@ py::object readXml(std::string_view data, const std::string& label, Places* plac
   return model;
 }
 
-py::object readText(const std::string& format, std::string_view data, const std::string& label,
-                    Places* places, ModelRemarks& warnings, ModelRemarks& mistakes) {
-  const std::string_view text = sourceText(data);
-  ModelBuilder builder(places, places == nullptr ? 0 : places->addFile(label), mistakes);
+void readWith(const std::string& format, std::string_view text, ModelBuilder& builder,
+              ModelRemarks& warnings) {
   if (format == "json") {
     readJson(text, builder);
   } else if (format == "yaml") {
@@ -60,6 +59,18 @@ py::object readText(const std::string& format, std::string_view data, const std:
     readCsv(text, builder);
   } else {
     throw py::value_error("no format of models: " + format);
+  }
+}
+
+py::object readText(const std::string& format, std::string_view data, const std::string& label,
+                    Places* places, ModelRemarks& warnings, ModelRemarks& mistakes) {
+  const std::string_view text = sourceText(data);
+  ModelBuilder builder(places, places == nullptr ? 0 : places->addFile(label), mistakes);
+  try {
+    readWith(format, text, builder, warnings);
+  } catch (const ModelError&) {
+    builder.abandon();
+    throw;
   }
   return builder.finish();
 }
@@ -75,6 +86,12 @@ py::object readText(const std::string& format, std::string_view data, const std:
   throw py::error_already_set();
 }
 
+bool isBefore(const ModelRemark& left, const ModelRemark& right) {
+  const Location& a = left.first;
+  const Location& b = right.first;
+  return a.line != b.line ? a.line < b.line : a.column < b.column;
+}
+
 py::object readValue(const std::string& format, std::string_view data, const std::string& label,
                      Places* places, ModelRemarks& warnings) {
   ModelRemarks mistakes;
@@ -85,8 +102,9 @@ py::object readValue(const std::string& format, std::string_view data, const std
   } catch (const ModelError& error) {
     mistakes.emplace_back(error.location(), error.what());
   }
-  if (!mistakes.empty()) refuse(label, mistakes);
-  return value;
+  if (mistakes.empty()) return value;
+  std::stable_sort(mistakes.begin(), mistakes.end(), isBefore);
+  refuse(label, mistakes);
 }
 
 // The value and the warnings. Messages begin with FILE:LINE:COLUMN, but with an empty name.

@@ -37,8 +37,9 @@ py::object makeText(std::string_view text, Location location) {
   return owned(made);
 }
 
+// Whether a text, if there is one, is this ASCII text.
 bool equals(PyObject* text, std::string_view other) {
-  return PyUnicode_IS_COMPACT_ASCII(text) &&
+  return text != nullptr && PyUnicode_IS_COMPACT_ASCII(text) &&
          static_cast<std::size_t>(PyUnicode_GET_LENGTH(text)) == other.size() &&
          std::memcmp(PyUnicode_DATA(text), other.data(), other.size()) == 0;
 }
@@ -49,38 +50,95 @@ std::size_t hashOf(std::string_view text) {
   return hash ^ (hash >> 10);
 }
 
+py::object listOf(const py::object* values, std::size_t count) {
+  py::object list = owned(PyList_New(static_cast<Py_ssize_t>(count)));
+  for (std::size_t i = 0; i < count; ++i) {
+    PyList_SET_ITEM(list.ptr(), static_cast<Py_ssize_t>(i), values[i].inc_ref().ptr());
+  }
+  return list;
+}
+
+template <typename Part>
+void insertAt(std::vector<Part>& parts, std::size_t position, const std::vector<Part>& inserted) {
+  parts.insert(parts.begin() + static_cast<std::ptrdiff_t>(position), inserted.begin(),
+               inserted.end());
+}
+
 }  // namespace
 
-void ModelBuilder::begin(PyObject* container, Location location) {
-  py::object made = owned(container);
+void ModelBuilder::begin(bool isDictionary, Location location) {
   if (open_.size() == deepestModel) {
     throw ModelError(location,
                      "the model is nested more than " + std::to_string(deepestModel) + " deep");
   }
-  value(made, location);
-  open_.push_back({std::move(made), {}, {}, location.line, entries_.size()});
+  open_.push_back({isDictionary, location, keys_.size(), values_.size()});
 }
 
 py::object ModelBuilder::end() {
-  Open ended = std::move(open_.back());
-  open_.pop_back();
-  if (places_ != nullptr) {
-    const std::uint32_t record =
-        places_->add(ended.container, {file_, ended.line}, entries_.data() + ended.firstEntry,
-                     entries_.size() - ended.firstEntry);
-    entries_.resize(ended.firstEntry);
-    if (!open_.empty()) entries_.back().record = record;
+  const Open ended = open_.back();
+  const py::object* keys = keys_.data() + ended.firstKey;
+  const py::object* values = values_.data() + ended.firstValue;
+  const std::size_t count = values_.size() - ended.firstValue;
+  const std::uint32_t fingerprint = fingerprintOf(ended.isDictionary ? keys : values, count);
+  py::object made = ended.isDictionary ? dictionaries_.make(keys, values, count, fingerprint)
+                                       : listOf(values, count);
+  if (ended.isDictionary && static_cast<std::size_t>(PyDict_GET_SIZE(made.ptr())) != count) {
+    noteRepeated(ended.firstKey, keys_.size());
   }
-  return std::move(ended.container);
+  std::uint32_t record = Places::none;
+  if (places_ != nullptr) {
+    const std::size_t firstEntry = entries_.size() - count;
+    record = places_->add(
+        made, {file_, ended.location.line},
+        {ended.isDictionary ? keys : nullptr, entries_.data() + firstEntry, count, fingerprint});
+    entries_.resize(firstEntry);
+  }
+  keys_.resize(ended.firstKey);
+  keyLocations_.resize(ended.firstKey);
+  values_.resize(ended.firstValue);
+  open_.pop_back();
+  value(made, ended.location);
+  if (!entries_.empty()) entries_.back().record = record;
+  return made;
+}
+
+void ModelBuilder::abandon() {
+  for (std::size_t i = 0; i < open_.size(); ++i) {
+    noteRepeated(open_[i].firstKey, i + 1 < open_.size() ? open_[i + 1].firstKey : keys_.size());
+  }
+}
+
+void ModelBuilder::noteRepeated(std::size_t firstKey, std::size_t lastKey) {
+  py::set seen;
+  for (std::size_t i = firstKey; i < lastKey; ++i) {
+    if (!seen.contains(keys_[i])) {
+      seen.add(keys_[i]);
+      continue;
+    }
+    const std::string name(utf8(keys_[i], "a name"));
+    const std::string text = "the name \"" + name + "\" is given twice in one object";
+    if (repeatedNames_.size() == mostRepeated) throw ModelError(keyLocations_[i], text);
+    repeatedNames_.emplace_back(keyLocations_[i], text);
+  }
 }
 
 void ModelBuilder::key(std::string_view name, Location location) {
-  open_.back().key = shared(names_, longestName, name, location);
-  open_.back().keyLocation = location;
+  keyLocations_.push_back(location);
+  if (name.size() > longestName) {
+    keys_.push_back(makeText(name, location));
+    return;
+  }
+  // Dictionaries of one kind have the same names in the same order.
+  std::size_t& next = names_[lastName_].next;
+  if (!equals(names_[next].text.ptr(), name)) next = hashOf(name) % names_.size();
+  lastName_ = next;
+  keys_.push_back(shared(names_[lastName_], name, location));
 }
 
 void ModelBuilder::text(std::string_view text, Location location) {
-  value(shared(texts_, longestValue, text, location), location);
+  value(text.size() > longestValue ? makeText(text, location)
+                                   : shared(texts_[hashOf(text) % texts_.size()], text, location),
+        location);
 }
 
 void ModelBuilder::integer(std::string_view digits, Location location, int base) {
@@ -109,99 +167,52 @@ void ModelBuilder::decimal(const std::string& number, Location location) {
   value(owned(PyFloat_FromDouble(made)), location);
 }
 
-void ModelBuilder::value(py::object value, Location location) {
-  if (open_.empty()) {
-    root_ = std::move(value);
-    return;
-  }
-  Open& open = open_.back();
-  PyObject* container = open.container.ptr();
-  if (places_ != nullptr) entries_.push_back({location.line});
-  if (!open.key) {
-    if (PyList_Append(container, value.ptr()) != 0) throw py::error_already_set();
-    return;
-  }
-  const Py_ssize_t size = PyDict_GET_SIZE(container);
-  if (PyDict_SetItem(container, open.key.ptr(), value.ptr()) != 0) throw py::error_already_set();
-  if (PyDict_GET_SIZE(container) == size) {
-    noteRepeated(open);
-  }
-}
-
-void ModelBuilder::noteRepeated(const Open& open) {
-  const std::string name(utf8(open.key, "a name"));
-  const std::string text = "the name \"" + name + "\" is given twice in one object";
-  if (repeatedNames_.size() == mostRepeated) throw ModelError(open.keyLocation, text);
-  repeatedNames_.emplace_back(open.keyLocation, text);
-}
-
-py::object ModelBuilder::last() const {
-  if (open_.empty()) return root_;
-  const Open& open = open_.back();
-  PyObject* container = open.container.ptr();
-  return py::reinterpret_borrow<py::object>(
-      open.key ? PyDict_GetItemWithError(container, open.key.ptr())
-               : PyList_GET_ITEM(container, PyList_GET_SIZE(container) - 1));
-}
-
 py::object ModelBuilder::takeEntry() {
-  const Open& open = open_.back();
-  py::object value = last();
-  if (PyDict_DelItem(open.container.ptr(), open.key.ptr()) != 0) throw py::error_already_set();
+  py::object value = std::move(values_.back());
+  values_.pop_back();
+  keys_.pop_back();
+  keyLocations_.pop_back();
   if (places_ != nullptr) entries_.pop_back();
   return value;
 }
 
 void ModelBuilder::merge(const std::vector<py::object>& sources) {
-  Open& open = open_.back();
-  PyObject* target = open.container.ptr();
-  const py::object own = owned(PyDict_Copy(target));
-  const std::vector<Places::Entry> ownEntries(
-      entries_.begin() + static_cast<std::ptrdiff_t>(open.firstEntry), entries_.end());
-  entries_.resize(open.firstEntry);
-  PyDict_Clear(target);
-  const auto add = [&](const py::object& from, const std::vector<Places::Entry>& entries,
-                       bool isOwn) {
-    PyObject* key = nullptr;
-    PyObject* value = nullptr;
-    std::size_t position = 0;
-    for (Py_ssize_t i = 0; PyDict_Next(from.ptr(), &i, &key, &value) != 0; ++position) {
-      const bool isThere = PyDict_Contains(target, key) == 1;
-      const bool isOverridden = !isOwn && PyDict_Contains(own.ptr(), key) == 1;
-      if (!isThere && !isOverridden) {
-        if (PyDict_SetItem(target, key, value) != 0) throw py::error_already_set();
-        if (places_ != nullptr) entries_.push_back(entries[position]);
-      }
-    }
-  };
-  for (const py::object& source : sources) add(source, entriesOf(source), false);
-  add(own, ownEntries, true);
-}
-
-std::vector<Places::Entry> ModelBuilder::entriesOf(const py::object& source) const {
+  const Open& open = open_.back();
+  py::set taken;
+  for (std::size_t i = open.firstKey; i < keys_.size(); ++i) taken.add(keys_[i]);
+  std::vector<py::object> keys;
+  std::vector<py::object> values;
   std::vector<Places::Entry> entries;
-  if (places_ == nullptr) return entries;
-  PyObject* key = nullptr;
-  PyObject* value = nullptr;
-  for (Py_ssize_t i = 0; PyDict_Next(source.ptr(), &i, &key, &value) != 0;) {
-    entries.push_back({places_->find(source, key).value_or(Places::Place{file_, 0}).line});
+  for (const py::object& source : sources) {
+    for (const auto& [key, value] : py::reinterpret_borrow<py::dict>(source)) {
+      if (taken.contains(key)) continue;
+      taken.add(key);
+      keys.push_back(py::reinterpret_borrow<py::object>(key));
+      values.push_back(py::reinterpret_borrow<py::object>(value));
+      if (places_ != nullptr) entries.push_back({lineOf(source, key)});
+    }
   }
-  return entries;
+  insertAt(entries_, entries_.size() - (places_ == nullptr ? 0 : values_.size() - open.firstValue),
+           entries);
+  insertAt(values_, open.firstValue, values);
+  insertAt(keyLocations_, open.firstKey, std::vector<Location>(keys.size()));
+  insertAt(keys_, open.firstKey, keys);
 }
 
-py::object ModelBuilder::shared(Texts& texts, std::size_t longest, std::string_view text,
-                                Location location) {
-  if (text.size() > longest) return makeText(text, location);
-  py::object& known = texts[hashOf(text) % texts.size()];
-  if (!known || !equals(known.ptr(), text)) {
-    known = makeText(text, location);
-  } else if (PyUnicode_CHECK_INTERNED(known.ptr()) == 0) {
+std::uint32_t ModelBuilder::lineOf(const py::object& container, py::handle key) const {
+  return places_->find(container, key).value_or(Places::Place{file_, 0}).line;
+}
+
+const py::object& ModelBuilder::shared(Text& known, std::string_view text, Location location) {
+  if (!equals(known.text.ptr(), text)) {
+    known.text = makeText(text, location);
+  } else if (PyUnicode_CHECK_INTERNED(known.text.ptr()) == 0) {
     // Python finds and compares by identity what templates and models have in common.
-    PyObject* made = known.release().ptr();
+    PyObject* made = known.text.release().ptr();
     PyUnicode_InternInPlace(&made);
-    known = owned(made);
+    known.text = owned(made);
   }
-  return known;
+  return known.text;
 }
 
 }  // namespace orv

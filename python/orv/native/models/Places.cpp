@@ -52,6 +52,14 @@ bool isContainer(PyObject* value) { return PyDict_CheckExact(value) || PyList_Ch
 
 }  // namespace
 
+std::uint32_t fingerprintOf(const py::object* parts, std::size_t count) {
+  std::uint32_t fingerprint = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    fingerprint = mix(fingerprint, reinterpret_cast<std::size_t>(parts[i].ptr()));
+  }
+  return mix(fingerprint, count);
+}
+
 void appendKey(std::string& path, py::handle key) {
   if (PyUnicode_Check(key.ptr()) && PyUnicode_IsIdentifier(key.ptr()) == 1) {
     if (!path.empty()) path += '.';
@@ -66,11 +74,14 @@ std::uint32_t Places::addFile(std::string label) {
   return static_cast<std::uint32_t>(files_.size() - 1);
 }
 
-std::uint32_t Places::add(py::handle container, Place place, const Entry* entries,
-                          std::size_t count) {
-  Record& record = addRecord(container, place, count, [&](std::size_t position, PyObject*) {
-    return entries[position].record;
-  });
+std::uint32_t Places::add(py::handle container, Place place, const Content& content) {
+  const auto& [keys, entries, count, fingerprint] = content;
+  Record& record = addRecord(container, place, count, fingerprint);
+  const auto index = static_cast<std::uint32_t>(records_.size() - 1);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (entries[i].record == none) continue;
+    setParent(entries[i].record, index, keys == nullptr ? py::handle() : py::handle(keys[i]), i);
+  }
   std::uint32_t first = place.line;
   std::uint32_t last = place.line;
   for (std::size_t i = 0; i < count; ++i) {
@@ -95,13 +106,10 @@ std::uint32_t Places::add(py::handle container, Place place, const Entry* entrie
       entries_.push_back(static_cast<unsigned char>(entries[i].line - place.line));
     }
   }
-  return static_cast<std::uint32_t>(records_.size() - 1);
+  return index;
 }
 
-void Places::note(py::handle dictionary, Place place) {
-  addRecord(dictionary, place, static_cast<std::size_t>(PyDict_Size(dictionary.ptr())),
-            [&](std::size_t, PyObject* value) { return recordOf(value); });
-}
+void Places::note(py::handle dictionary, Place place) { addFinished(dictionary, place); }
 
 void Places::addMerged(py::handle merged, py::handle first, py::handle second) {
   std::vector<Place> places;
@@ -113,9 +121,7 @@ void Places::addMerged(py::handle merged, py::handle first, py::handle second) {
   });
   const Place unknown{none, 0};
   const Place place = find(first, {}).value_or(find(second, {}).value_or(unknown));
-  store(addRecord(merged, place, count,
-                  [&](std::size_t, PyObject* value) { return recordOf(value); }),
-        places);
+  store(addFinished(merged, place), places);
 }
 
 void Places::store(Record& record, const std::vector<Place>& places) {
@@ -124,27 +130,37 @@ void Places::store(Record& record, const std::vector<Place>& places) {
   entries_.insert(entries_.end(), bytes, bytes + places.size() * sizeof(Place));
 }
 
-template <typename RecordOfChild>
 Places::Record& Places::addRecord(py::handle container, Place place, std::size_t count,
-                                  RecordOfChild recordOfChild) {
-  const auto index = static_cast<std::uint32_t>(records_.size());
+                                  std::uint32_t fingerprint) {
   Record& record = records_.emplace_back();
   record.container = py::reinterpret_borrow<py::object>(container);
   record.entries = entries_.size() & ((std::uint64_t{1} << 56) - 1);
   record.width = Width::sameLine;
   record.count = static_cast<std::uint32_t>(count);
+  record.fingerprint = fingerprint;
   record.place = place;
   record.parent = none;
   record.position = 0;
-  record.fingerprint = fingerprintOf(
-      container.ptr(), count, [&](std::size_t position, PyObject* key, PyObject* value) {
-        const std::uint32_t child = isContainer(value) ? recordOfChild(position, value) : none;
-        if (child == none || child == index) return;
-        records_[child].parent = index;
-        records_[child].position = static_cast<std::uint32_t>(position);
-        records_[child].key = py::reinterpret_borrow<py::object>(key);
-      });
   return record;
+}
+
+Places::Record& Places::addFinished(py::handle dictionary, Place place) {
+  const auto count = static_cast<std::size_t>(PyDict_Size(dictionary.ptr()));
+  const auto index = static_cast<std::uint32_t>(records_.size());
+  const std::uint32_t fingerprint = fingerprintOf(
+      dictionary.ptr(), count, [&](std::size_t position, PyObject* key, PyObject* value) {
+        const std::uint32_t child = isContainer(value) ? recordOf(value) : none;
+        if (child != none) setParent(child, index, key, position);
+      });
+  return addRecord(dictionary, place, count, fingerprint);
+}
+
+void Places::setParent(std::uint32_t child, std::uint32_t parent, py::handle key,
+                       std::size_t position) {
+  Record& record = records_[child];
+  record.parent = parent;
+  record.key = py::reinterpret_borrow<py::object>(key);
+  record.position = static_cast<std::uint32_t>(position);
 }
 
 std::size_t Places::slotOf(PyObject* container) const {

@@ -44,10 +44,18 @@ class Places {
   // A file, or whatever else values come from, by the name that messages give it.
   std::uint32_t addFile(std::string label);
 
+  // The entries of a container: its keys, or null for a list, and the fingerprint of these or of
+  // the items.
+  struct Content {
+    const pybind11::object* keys;
+    const Entry* entries;
+    std::size_t count;
+    std::uint32_t fingerprint;
+  };
+
   // Records a container as the model's reader leaves it, with all its entries in order. The result
   // is its record.
-  std::uint32_t add(pybind11::handle container, Place place, const Entry* entries,
-                    std::size_t count);
+  std::uint32_t add(pybind11::handle container, Place place, const Content& content);
 
   // Records a dictionary of which nothing but its origin is known.
   void note(pybind11::handle dictionary, Place place);
@@ -107,9 +115,11 @@ class Places {
     pybind11::dict ofKeys;
   };
 
-  template <typename RecordOfChild>
   Record& addRecord(pybind11::handle container, Place place, std::size_t count,
-                    RecordOfChild recordOfChild);
+                    std::uint32_t fingerprint);
+  Record& addFinished(pybind11::handle dictionary, Place place);
+  void setParent(std::uint32_t child, std::uint32_t parent, pybind11::handle key,
+                 std::size_t position);
   void store(Record& record, const std::vector<Place>& places);
   std::size_t slotOf(PyObject* container) const;
   void indexRecords() const;
@@ -127,6 +137,9 @@ class Places {
   std::vector<unsigned char> entries_;
   mutable Positions positions_;
 };
+
+// Changes with the keys of a dictionary or the items of a list, which are compared by identity.
+std::uint32_t fingerprintOf(const pybind11::object* parts, std::size_t count);
 
 // Appends a key to a path, as Places::path() shows it.
 void appendKey(std::string& path, pybind11::handle key);

@@ -1,7 +1,7 @@
 #include "python/orv/native/models/SourceText.hpp"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <string>
 
 namespace orv {
@@ -32,13 +32,17 @@ std::size_t sequenceSize(std::string_view rest) {
   return isInRange && isContinuation(byte(3)) ? 4 : 0;
 }
 
-// Whether all eight bytes are ASCII and none is NUL.
-bool arePlain(const char* eight) {
-  std::uint64_t word = 0;
-  std::memcpy(&word, eight, sizeof word);
-  constexpr std::uint64_t high = 0x8080808080808080;
-  constexpr std::uint64_t one = 0x0101010101010101;
-  return ((word | (word - one)) & high) == 0;
+// How many bytes are looked at in one step; compilers do so in a few instructions.
+constexpr std::size_t step = 64;
+
+// Whether all bytes of a step are ASCII and none is NUL.
+bool arePlain(const char* bytes) {
+  unsigned char others = 0;
+  for (std::size_t i = 0; i < step; ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    others |= static_cast<unsigned char>(byte | (byte - 1));
+  }
+  return others < 0x80;
 }
 
 [[noreturn]] void refuseByte(std::string_view text, std::size_t offset) {
@@ -57,28 +61,27 @@ std::string_view sourceText(std::string_view data) {
   if (data.substr(0, mark.size()) == mark) data.remove_prefix(mark.size());
   std::size_t offset = 0;
   while (offset < data.size()) {
-    if (data.size() - offset >= 8 && arePlain(data.data() + offset)) {
-      offset += 8;
+    const std::size_t end = std::min(offset + step, data.size());
+    if (end - offset == step && arePlain(data.data() + offset)) {
+      offset = end;
       continue;
     }
-    const std::size_t size = data[offset] == '\0' ? 0 : sequenceSize(data.substr(offset));
-    if (size == 0) refuseByte(data, offset);
-    offset += size;
+    while (offset < end) {
+      const std::size_t size = data[offset] == '\0' ? 0 : sequenceSize(data.substr(offset));
+      if (size == 0) refuseByte(data, offset);
+      offset += size;
+    }
   }
   return data;
 }
 
-Location LineCounter::at(std::size_t offset) {
-  if (offset < offset_) *this = LineCounter(text_);
-  const std::string_view passed = text_.substr(0, offset);
-  while (true) {
-    offset_ = passed.find('\n', offset_);
-    if (offset_ == std::string_view::npos) break;
+void LineCounter::goTo(std::size_t offset) {
+  if (offset < lineBegin_) *this = LineCounter(text_);
+  while (lineEnd_ < offset) {
     ++line_;
-    lineBegin_ = ++offset_;
+    lineBegin_ = lineEnd_ + 1;
+    lineEnd_ = text_.find('\n', lineBegin_);
   }
-  offset_ = offset;
-  return {line_, static_cast<std::uint32_t>(offset - lineBegin_ + 1)};
 }
 
 }  // namespace orv

@@ -16,15 +16,22 @@ std::string_view sourceText(std::string_view data);
 // Finds the lines of ascending offsets of a text, in one pass over it.
 class LineCounter {
  public:
-  explicit LineCounter(std::string_view text) : text_(text) {}
+  explicit LineCounter(std::string_view text) : text_(text), lineEnd_(text.find('\n')) {}
 
-  // The location of an offset. Going back is allowed, and costs a pass from the beginning.
-  Location at(std::size_t offset);
+  // The location of an offset. Going back to an earlier line is allowed, and costs a pass from the
+  // beginning.
+  Location at(std::size_t offset) {
+    if (offset < lineBegin_ || offset > lineEnd_) goTo(offset);
+    return {line_, static_cast<std::uint32_t>(offset - lineBegin_ + 1)};
+  }
 
  private:
+  void goTo(std::size_t offset);
+
   std::string_view text_;
-  std::size_t offset_ = 0;
+  // The line that was asked for last: its first character and the new line behind it, or npos.
   std::size_t lineBegin_ = 0;
+  std::size_t lineEnd_;
   std::uint32_t line_ = 1;
 };
 
