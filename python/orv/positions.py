@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import sys
-from types import FrameType, TracebackType
+from types import CodeType, FrameType, TracebackType
 from typing import NamedTuple
 
 from jinja2 import Template
@@ -28,29 +28,40 @@ def template_label(name: str | None, filename: str | None) -> str:
 
 
 class Mark(NamedTuple):
-    """A place in a template's code, whose line is looked up when someone asks for it."""
+    """A place in a template's code, whose line is looked up when someone asks for it.
+
+    `instruction` is the offset of the instruction that runs.
+    """
 
     template: Template
-    line_of_code: int
+    code: CodeType
+    instruction: int
 
     @property
     def position(self) -> Position:
         """The line of the template."""
-        return position_of(self.template, self.line_of_code)
+        lines = (line for _, end, line in self.code.co_lines() if self.instruction < end)
+        return position_of(self.template, next(lines) or 0)
 
 
 def here() -> Position:
     """The line of the template that is running; only to be called from within a template."""
-    return mark().position
+    template, frame = _running()
+    return position_of(template, frame.f_lineno)
 
 
 def mark() -> Mark:
     """The place that is running; only to be called from within a template."""
-    frame: FrameType | None = sys._getframe(1)
+    template, frame = _running()
+    return Mark(template, frame.f_code, frame.f_lasti)
+
+
+def _running() -> tuple[Template, FrameType]:
+    """The innermost template that is running, and where its code is."""
+    frame: FrameType | None = sys._getframe(2)
     while frame is not None:
-        template = _template_of(frame)
-        if template is not None:
-            return Mark(template, frame.f_lineno)
+        if "__jinja_template__" in frame.f_globals:
+            return frame.f_globals["__jinja_template__"], frame
         frame = frame.f_back
     raise RuntimeError("no template is running")
 

@@ -85,7 +85,7 @@ def _find(path: str, traces: Iterable[Trace]) -> Found:
                 data = Path(path).read_bytes()
             except OSError as error:
                 raise OrvError(f"{path}: {error.strerror}") from error
-            if _native.frame_hash(data, ()) != file.hash or len(data) != file.size:
+            if _native.frame_hash(data) != file.hash or len(data) != file.size:
                 raise OrvError(_difference(path, data, file))
             return Found(trace, file, data)
     raise OrvError(f"{path}: no run that is known makes this file")

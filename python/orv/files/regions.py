@@ -43,14 +43,6 @@ class Placed(NamedTuple):
     position: Position
 
 
-class _Declared(NamedTuple):
-    """A region as a template declares it."""
-
-    mark: Mark | Placed
-    # Whether the region is in a custom section, which may come to be in another file.
-    is_filled: bool
-
-
 class KnownRegions(NamedTuple):
     """What is known of user regions before templates run.
 
@@ -77,7 +69,9 @@ class Regions:
         self._files = files
         self._messages = messages
         self._pattern, self._texts_of = known
-        self._declared: dict[int, dict[str, _Declared]] = {}
+        self._declared: dict[int, dict[str, Mark | Placed]] = {}
+        # Those in custom sections, which may come to be in another file.
+        self._filled: set[str] = set()
         self._markers: dict[str, _native.Markers] = {}
         self._of_file: dict[int, _native.Markers] = {}
         self.questions: list[Question] = []
@@ -103,28 +97,29 @@ class Regions:
         if id in declared:
             raise OrvError(
                 f'the file {self._files.label(file)} has a user region "{id}" already, at'
-                f" {declared[id].mark.position}; each needs an identifier of its own"
+                f" {declared[id].position}; each needs an identifier of its own"
             )
         if not declared:
             # From now on the markers of the file cannot change.
             self._of_file[file] = self.markers(file)
-        declared[id] = _Declared(mark(), is_filled)
+        declared[id] = mark()
+        if is_filled:
+            self._filled.add(id)
         return self._of_file[file].lines(id)
 
     def positions(self, file: int) -> dict[str, Position]:
         """Where the regions of a file are declared."""
         declared = self._declared.get(file, {})
-        return {id: region.mark.position for id, region in declared.items()}
+        return {id: place.position for id, place in declared.items()}
 
     def restore(self, file: int, positions: Mapping[str, Position]) -> None:
         """Declare the regions of a file of a run that was rendered elsewhere."""
-        known = {id: _Declared(Placed(position), False) for id, position in positions.items()}
-        self._declared[file] = known
+        self._declared[file] = {id: Placed(position) for id, position in positions.items()}
 
     def position(self, file: int, id: str) -> Position | None:
         """Where a region is declared, if it is known."""
         declared = self._declared.get(file, {}).get(id)
-        return None if declared is None else declared.mark.position
+        return None if declared is None else declared.position
 
     def text(self, file: int, id: str) -> str:
         """The text that the region will have, as far as it is known."""
@@ -139,33 +134,27 @@ class Regions:
         """Whether a template has declared a region in the file."""
         return file in self._declared
 
-    def verify(self, found: Mapping[int, Sequence[_native.Region]]) -> None:
+    def verify(self, found: Mapping[int, _native.Regions]) -> None:
         """Compare the regions that the files have with those that templates declared.
 
         `found` has the regions of each file that is not empty. Raises OutputError.
         """
-        filled = {
-            id
-            for declared in self._declared.values()
-            for id, region in declared.items()
-            if region.is_filled
-        }
         seen: set[str] = set()
         for file, regions in found.items():
             declared = self._declared.get(file, {})
-            for region in regions:
-                seen.add(region.id)
-                if region.id not in declared and region.id not in filled:
+            ids = regions.ids
+            seen.update(ids)
+            for id in ids:
+                if id not in declared and id not in self._filled:
                     raise OutputError(
                         f"{self._files.place(file)}the file {self._files.label(file)} has the"
-                        f' marker of a user region "{region.id}" in line {region.line}, which no'
+                        f' marker of a user region "{id}" in line {regions.line_of(id)}, which no'
                         f" {tag('user')} made"
                     )
         for declared in self._declared.values():
-            for id, entry in declared.items():
+            for id, place in declared.items():
                 if id not in seen:
-                    said = f'the user region "{id}" is in no file'
-                    self._messages.warn(said, entry.mark.position)
+                    self._messages.warn(f'the user region "{id}" is in no file', place.position)
 
     def is_settled(self, finals: Mapping[str, Texts]) -> bool:
         """Whether the texts that templates were told are those that the files will have.

@@ -73,7 +73,7 @@ def texts_on_disk(
     Raises Located when its markers are damaged.
     """
     try:
-        found = folder.compare(folder.locate(path), b"", [], markers)
+        found = folder.compare(folder.locate(path), b"", _native.Regions(), markers)
     except (OSError, OutputError):
         return {}
     return {region.id: region.text for region in found.regions}

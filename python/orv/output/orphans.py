@@ -80,9 +80,9 @@ def rehome(files: Sequence[PlannedFile], unclaimed: Sequence[Unclaimed]) -> Reho
 def _moves(files: Sequence[PlannedFile], unclaimed: Sequence[Unclaimed]) -> list[Move]:
     claims: dict[str, list[_Claim]] = defaultdict(list)
     for file in files:
-        for region in file.regions if file.is_written else ():
-            if not file.keeps(region.id):
-                claims[region.id].append(_Claim(file, region.id))
+        for id in file.regions.ids if file.is_written else ():
+            if not file.keeps(id):
+                claims[id].append(_Claim(file, id))
     sources: dict[str, list[Unclaimed]] = defaultdict(list)
     for entry in unclaimed:
         if entry.may_move and entry.region.id in claims:
@@ -150,9 +150,7 @@ def saved(orphan: Unclaimed, folder: _native.OutputFolder) -> str:
 
 def _nearest(orphan: Unclaimed, files: Sequence[PlannedFile], run: Run) -> str:
     """The region without a text whose name is most like that of the orphan."""
-    found = [
-        (file, region.id) for file in files for region in file.regions if not file.keeps(region.id)
-    ]
+    found = [(file, id) for file in files for id in file.regions.ids if not file.keeps(id)]
     own = [entry for entry in found if entry[0].location == orphan.location]
     if not found:
         return ""

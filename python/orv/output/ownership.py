@@ -250,7 +250,7 @@ def _record(file: PlannedFile, state: FolderState, policy: Policy) -> Record:
     # What was settled while no run made the file is not: it may have its only place here again.
     regions = {} if known is None else known.regions
     first = {id: hash for id, hash in regions.items() if not hash.startswith(_SETTLED)}
-    ids = [region.id for region in file.regions]
+    ids = file.regions.ids
     if file.state is State.SAME and first.keys() == set(ids):
         return Record(hash, first, file.markers.pattern)
     defaults = _native.region_hashes(file.base, file.regions)

@@ -60,7 +60,7 @@ class PlannedFile:
     formatted: bytes | None = None
     markers: _native.Markers | None = None
     old_markers: _native.Markers | None = None
-    regions: Sequence[_native.Region] = ()
+    regions: _native.Regions = _native.Regions()
     kept: Sequence[_native.KeptRegion] = ()
     texts: dict[str, bytes] = field(default_factory=dict)
     returns: bool = False
@@ -295,12 +295,12 @@ def _format(files: Plan, run: Run, formatter: Formatter, formats_all: bool) -> N
 
 def _find_formatted_regions(file: PlannedFile) -> None:
     assert file.markers is not None
-    before = [region.id for region in file.regions]
+    before = file.regions.ids
     try:
         file.regions = file.markers.find(file.base)
     except ValueError as error:
         raise OutputError(f"the formatter damaged the markers of user regions: {error}") from error
-    if [region.id for region in file.regions] != before:
+    if file.regions.ids != before:
         raise OutputError("the formatter damaged or moved the markers of user regions")
 
 

@@ -170,7 +170,7 @@ def compare_with_record(
     Raises OSError, and OrvError when it cannot be read or its regions are damaged.
     """
     markers = _native.Markers(record.markers) if record is not None and record.markers else None
-    return folder.compare(location, b"", [], markers)
+    return folder.compare(location, b"", _native.Regions(), markers)
 
 
 def _recover(state: FolderState, folder: _native.OutputFolder) -> None:

@@ -51,7 +51,7 @@ def _entry(
     return {
         "path": file.path,
         "size": len(file.buffer),
-        "hash": _native.frame_hash(file.buffer, ()),
+        "hash": _native.frame_hash(file.buffer),
         "lines": _native.line_ends(file.buffer),
         "ranges": ranges,
         "spans": spans,

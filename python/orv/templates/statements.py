@@ -100,9 +100,8 @@ class Statements:
             refuse_in_value(f'user region "{id}"', "user")
         if printer.is_in_user:
             raise OrvError(f'the user region "{id}" cannot be inside of another one')
-        lines = self._run.regions.declare(printer.destination_file, id, kind == "fill")
-        beginning, ending = (blanks + line for line in lines)
-        printer.user(beginning, ending, self._run.site("marker"))
+        begin, end = self._run.regions.declare(printer.destination_file, id, kind == "fill")
+        printer.user(blanks + begin, blanks + end, self._run.site("marker"))
 
     def _user_text(self, id: object, target: object = None) -> str:
         """The text that a user region will have."""

@@ -15,6 +15,7 @@
 #include "python/orv/native/Text.hpp"
 #include "python/orv/native/output/Composer.hpp"
 #include "python/orv/native/output/LineDirectives.hpp"
+#include "python/orv/native/output/RegionBinding.hpp"
 #include "python/orv/native/tracing/Carry.hpp"
 
 namespace orv {
@@ -106,7 +107,7 @@ py::tuple tracedTables(const TracedText& traced) {
 }
 
 py::tuple traced(const ComposedFile& file, Trace& trace, const py::object& formatted,
-                 const std::vector<Region>& regions, const std::map<std::string, py::bytes>& texts,
+                 const Regions& regions, const std::map<std::string, py::bytes>& texts,
                  const py::object& merged) {
   TracedText found = file.traced();
   std::string_view text = file.bytes();
@@ -118,8 +119,9 @@ py::tuple traced(const ComposedFile& file, Trace& trace, const py::object& forma
   }
   RegionTexts taken;
   for (const auto& [id, bytes] : texts) taken.emplace(id, static_cast<std::string_view>(bytes));
-  if (merged.is_none()) return tracedTables(withRegions(found, text, text, regions, {}));
-  return tracedTables(withRegions(found, text, Bytes(merged).view(), regions, taken));
+  std::optional<Bytes> filled;
+  if (!merged.is_none()) filled.emplace(merged);
+  return tracedTables(withRegions(found, text, filled ? filled->view() : text, regions, taken));
 }
 
 }  // namespace
@@ -139,10 +141,9 @@ void bindComposer(py::module_& module, RepositoryClass& repository) {
         };
         return withLineDirectives(file, trace, nameOf, bytesOf(own));
       });
-  module.def("renumbered",
-             [](const py::object& data, const std::vector<Region>& regions, const py::str& own) {
-               return py::bytes(renumbered(Bytes(data).view(), regions, bytesOf(own)));
-             });
+  module.def("renumbered", [](const py::object& data, const Regions& regions, const py::str& own) {
+    return py::bytes(renumbered(Bytes(data).view(), regions, bytesOf(own)));
+  });
   repository
       .def("compose", &composeFile, py::arg("file"), py::arg("order") = py::none(),
            py::arg("blank_lines") = false, py::arg("guarded") = true, py::arg("guard_form") = "",

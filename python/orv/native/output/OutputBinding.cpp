@@ -13,6 +13,7 @@
 #include "python/orv/native/output/OutputErrors.hpp"
 #include "python/orv/native/output/OutputFolder.hpp"
 #include "python/orv/native/output/OutputName.hpp"
+#include "python/orv/native/output/RegionBinding.hpp"
 #include "python/orv/native/output/TextHash.hpp"
 
 namespace orv {
@@ -55,7 +56,7 @@ py::object readFile(const OutputFolder& folder, const py::str& location) {
 }
 
 OutputFolder::Comparison compare(const OutputFolder& folder, const py::str& location,
-                                 const py::object& data, const std::vector<Region>& regions,
+                                 const py::object& data, const Regions& regions,
                                  const Markers* markers) {
   const std::string path = bytesOf(location);
   try {
@@ -84,7 +85,7 @@ void bindFolder(py::module_& module) {
       .def("locate", [](OutputFolder& folder,
                         const py::str& path) { return toPython(folder.locate(bytesOf(path))); })
       .def("compare", &compare, py::arg("location"), py::arg("data"),
-           py::arg("regions") = std::vector<Region>(), py::arg("markers") = py::none())
+           py::arg("regions") = Regions(), py::arg("markers") = py::none())
       .def("read", &readFile)
       .def("has_folder",
            [](const OutputFolder& folder, const py::str& location) {

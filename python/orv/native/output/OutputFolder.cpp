@@ -204,7 +204,7 @@ OutputFolder::Comparison OutputFolder::compare(const std::string& location, std:
   std::vector<Region> kept;
   if (markers != nullptr && (!result.same || !regions.empty())) kept = markers->find(*old);
   result.hash = frameHash(*old, kept);
-  if (kept.empty()) return result;
+  if (result.same || kept.empty()) return result;
   std::unordered_set<std::string_view> asked;
   for (const Region& region : regions) asked.insert(region.id);
   RegionTexts texts;

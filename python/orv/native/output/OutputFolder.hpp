@@ -38,7 +38,7 @@ class OutputFolder {
   };
 
   // How a file compares with a text. The hash is that of the file without its regions (see
-  // Regions.hpp). `merged` is the new text with the file's regions taken over, if there are any.
+  // Regions.hpp). `merged` is the new text with the file's regions taken over, if that is another.
   // `regions` are those of a file that is not the same as that.
   struct Comparison {
     bool exists = false;

@@ -1,3 +1,5 @@
+#include "python/orv/native/output/RegionBinding.hpp"
+
 #include <map>
 #include <string>
 #include <vector>
@@ -7,7 +9,6 @@
 #include "python/orv/native/Bindings.hpp"
 #include "python/orv/native/Bytes.hpp"
 #include "python/orv/native/Text.hpp"
-#include "python/orv/native/output/Regions.hpp"
 #include "python/orv/native/output/TextHash.hpp"
 
 namespace orv {
@@ -15,7 +16,7 @@ namespace {
 
 namespace py = pybind11;
 
-std::vector<Region> find(const Markers& markers, const py::object& data) {
+Regions find(const Markers& markers, const py::object& data) {
   try {
     return markers.find(Bytes(data).view());
   } catch (const RegionDamage& damage) {
@@ -23,7 +24,21 @@ std::vector<Region> find(const Markers& markers, const py::object& data) {
   }
 }
 
-py::dict hashes(const py::object& data, const std::vector<Region>& regions) {
+py::list ids(const Regions& regions) {
+  py::list found;
+  for (const Region& region : regions) found.append(toPython(region.id));
+  return found;
+}
+
+std::size_t lineOf(const Regions& regions, const py::str& id) {
+  const std::string wanted = bytesOf(id);
+  for (const Region& region : regions) {
+    if (region.id == wanted) return region.line;
+  }
+  throw py::key_error(wanted);
+}
+
+py::dict hashes(const py::object& data, const Regions& regions) {
   const Bytes bytes(data);
   py::dict found;
   for (const Region& region : regions) {
@@ -32,7 +47,7 @@ py::dict hashes(const py::object& data, const std::vector<Region>& regions) {
   return found;
 }
 
-py::dict texts(const py::object& data, const std::vector<Region>& regions) {
+py::dict texts(const py::object& data, const Regions& regions) {
   const Bytes bytes(data);
   py::dict found;
   for (const Region& region : regions) {
@@ -42,7 +57,7 @@ py::dict texts(const py::object& data, const std::vector<Region>& regions) {
   return found;
 }
 
-py::bytes replaced(const py::object& data, const std::vector<Region>& regions,
+py::bytes replaced(const py::object& data, const Regions& regions,
                    const std::map<std::string, std::string>& given, bool returns) {
   RegionTexts wanted;
   for (const auto& [id, text] : given) wanted.emplace(id, text);
@@ -52,9 +67,11 @@ py::bytes replaced(const py::object& data, const std::vector<Region>& regions,
 }  // namespace
 
 void bindRegions(py::module_& module) {
-  py::class_<Region>(module, "Region")
-      .def_property_readonly("id", [](const Region& region) { return toPython(region.id); })
-      .def_readonly("line", &Region::line);
+  py::class_<Regions>(module, "Regions")
+      .def(py::init<>())
+      .def("__len__", [](const Regions& regions) { return regions.size(); })
+      .def_property_readonly("ids", &ids)
+      .def("line_of", &lineOf);
   py::class_<Markers>(module, "Markers")
       .def(py::init<std::string>())
       .def_property_readonly("pattern",
@@ -68,9 +85,12 @@ void bindRegions(py::module_& module) {
       .def("find", &find);
   module.def("byte_hash",
              [](const py::object& data) { return py::bytes(byteHash(Bytes(data).view())); });
-  module.def("frame_hash", [](const py::object& data, const std::vector<Region>& regions) {
-    return frameHash(Bytes(data).view(), regions);
-  });
+  module.def(
+      "frame_hash",
+      [](const py::object& data, const Regions& regions) {
+        return frameHash(Bytes(data).view(), regions);
+      },
+      py::arg("data"), py::arg("regions") = Regions());
   module.def("region_hashes", &hashes);
   module.def("region_texts", &texts);
   module.def("with_regions", &replaced);
