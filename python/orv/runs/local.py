@@ -2,10 +2,13 @@
 
 from __future__ import annotations
 
+import gc
 import signal
 from collections.abc import Callable, Sequence
+from contextlib import suppress
 from multiprocessing import get_context
-from multiprocessing.connection import Connection, wait
+from multiprocessing.connection import Connection
+from selectors import EVENT_READ, PollSelector
 from typing import Generic
 
 from orv.errors import OrvError
@@ -46,6 +49,7 @@ class _Worker(Generic[Result]):
 
     def __init__(self, do: Callable[[int], Result], others: Sequence[Connection]) -> None:
         self.task: int | None = None
+        self.is_dead = False
         self.connection, theirs = _CONTEXT.Pipe()
         unused = [*others, self.connection]
         self._process = _CONTEXT.Process(target=_serve, args=(theirs, unused, do))
@@ -56,7 +60,9 @@ class _Worker(Generic[Result]):
     def begin(self, task: int) -> None:
         """Have the process do a task."""
         self.task = task
-        self.connection.send(task)
+        # That the process is dead is seen when it ends the task.
+        with suppress(BrokenPipeError):
+            self.connection.send(task)
 
     def end(self) -> Done[Result]:
         """Wait for what becomes of the task."""
@@ -65,16 +71,12 @@ class _Worker(Generic[Result]):
             done: Done[Result] = self.connection.recv()
             return done
         except (EOFError, OSError):
+            self.is_dead = True
             self._process.join()
             code = self._process.exitcode or 0
             how = f"was killed by signal {-code}" if code < 0 else f"ended with {code}"
             what = "the next run completes what it had begun"
             return Done(None, OrvError(f"the process of this run {how}; {what}"))
-
-    @property
-    def is_dead(self) -> bool:
-        """Whether the process has ended."""
-        return self._process.exitcode is not None
 
     def interrupt(self) -> None:
         """Ask the process to end."""
@@ -109,25 +111,29 @@ class _Pool(Generic[Result]):
         self._reported = 0
         self._waiting: dict[int, Done[Result]] = {}
         self._workers: list[_Worker[Result]] = []
+        # Has the connections of workers that do a task.
+        self._busy = PollSelector()
 
     def start(self, jobs: int) -> None:
         """Start the processes."""
+        # What is never freed is not written to, and stays in memory that all of them share.
+        gc.freeze()
         for _ in range(min(jobs, len(self._after))):
             self._add_worker()
 
     def run(self) -> None:
-        """Do all tasks."""
+        """Do all tasks. A process gets its next one before others are reported."""
         while self._reported < len(self._after):
             self._begin()
-            busy = self._busy()
-            ready = wait([worker.connection for worker in busy])
-            for worker in busy:
-                if worker.connection in ready:
-                    self._end(worker)
+            if self._reported in self._waiting:
+                self._report_next()
+                continue
+            for key, _ in self._busy.select():
+                self._end(key.data)
 
     def interrupt(self) -> None:
         """End the tasks that run; report those that ended by themselves or were writing."""
-        busy = self._busy()
+        busy = [worker for worker in self._workers if worker.task is not None]
         for worker in busy:
             worker.interrupt()
         for worker in busy:
@@ -141,11 +147,9 @@ class _Pool(Generic[Result]):
 
     def close(self) -> None:
         """End the processes."""
+        self._busy.close()
         for worker in self._workers:
             worker.close()
-
-    def _busy(self) -> list[_Worker[Result]]:
-        return [worker for worker in self._workers if worker.task is not None]
 
     def _add_worker(self) -> None:
         others = [worker.connection for worker in self._workers]
@@ -156,20 +160,23 @@ class _Pool(Generic[Result]):
             if self._begun == len(self._after) or self._after[self._begun] > self._reported:
                 return
             if worker.task is None:
+                self._busy.register(worker.connection, EVENT_READ, worker)
                 worker.begin(self._begun)
                 self._begun += 1
 
     def _end(self, worker: _Worker[Result]) -> None:
         assert worker.task is not None
         task = worker.task
+        self._busy.unregister(worker.connection)
         self._waiting[task] = worker.end()
         if worker.is_dead:
             worker.close()
             self._workers.remove(worker)
             self._add_worker()
-        while self._reported in self._waiting:
-            self._reported += 1
-            self._report(self._reported - 1, self._waiting.pop(self._reported - 1))
+
+    def _report_next(self) -> None:
+        self._reported += 1
+        self._report(self._reported - 1, self._waiting.pop(self._reported - 1))
 
 
 def _serve(

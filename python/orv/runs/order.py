@@ -47,7 +47,10 @@ class _Order:
 @lru_cache(maxsize=10_000)
 def _folders_and(path: str) -> tuple[str, ...]:
     """The real path and the folders above it, from the innermost."""
-    paths = [os.path.realpath(path)]
-    while paths[-1] != os.path.dirname(paths[-1]):
-        paths.append(os.path.dirname(paths[-1]))
-    return tuple(paths)
+    return _real_folders_and(os.path.realpath(path))
+
+
+@lru_cache(maxsize=10_000)
+def _real_folders_and(path: str) -> tuple[str, ...]:
+    folder = os.path.dirname(path)
+    return (path,) if folder == path else (path, *_real_folders_and(folder))
