@@ -6,8 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include <rapidjson/encodings.h>
-#include <rapidjson/stream.h>
+#include <rapidjson/reader.h>
 
 namespace orv {
 
@@ -45,6 +44,10 @@ class JsonStream {
     return unescaped_->empty() ? static_cast<std::size_t>(next_ - string_) : unescaped_->size() + 1;
   }
   // NOLINTEND(readability-identifier-naming)
+
+  void skipWhitespace() {
+    while (*next_ == ' ' || *next_ == '\n' || *next_ == '\r' || *next_ == '\t') ++next_;
+  }
 
   // Takes the characters of a string up to a quote, an escape or a control character.
   void takePlain() {
@@ -85,6 +88,12 @@ template <>
 struct StreamTraits<orv::JsonStream> {
   enum { copyOptimization = 1 };
 };
+
+// Between tokens, copies do not pay.
+template <>
+inline void SkipWhitespace(orv::JsonStream& stream) {
+  stream.skipWhitespace();
+}
 
 }  // namespace rapidjson
 

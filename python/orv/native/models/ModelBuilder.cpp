@@ -37,6 +37,8 @@ py::object makeText(std::string_view text, Location location) {
   return owned(made);
 }
 
+bool isInterned(PyObject* text) { return text != nullptr && PyUnicode_CHECK_INTERNED(text) != 0; }
+
 // Whether a text, if there is one, is this ASCII text.
 bool equals(PyObject* text, std::string_view other) {
   return text != nullptr && PyUnicode_IS_COMPACT_ASCII(text) &&
@@ -130,9 +132,13 @@ void ModelBuilder::key(std::string_view name, Location location) {
   }
   // Dictionaries of one kind have the same names in the same order.
   std::size_t& next = names_[lastName_].next;
-  if (!equals(names_[next].text.ptr(), name)) next = hashOf(name) % names_.size();
+  if (isInterned(names_[next].text.ptr()) && equals(names_[next].text.ptr(), name)) {
+    keys_.push_back(names_[next].text);
+  } else {
+    next = hashOf(name) % names_.size();
+    keys_.push_back(shared(names_[next], name, location));
+  }
   lastName_ = next;
-  keys_.push_back(shared(names_[lastName_], name, location));
 }
 
 void ModelBuilder::text(std::string_view text, Location location) {
@@ -206,7 +212,7 @@ std::uint32_t ModelBuilder::lineOf(const py::object& container, py::handle key) 
 const py::object& ModelBuilder::shared(Text& known, std::string_view text, Location location) {
   if (!equals(known.text.ptr(), text)) {
     known.text = makeText(text, location);
-  } else if (PyUnicode_CHECK_INTERNED(known.text.ptr()) == 0) {
+  } else if (!isInterned(known.text.ptr())) {
     // Python finds and compares by identity what templates and models have in common.
     PyObject* made = known.text.release().ptr();
     PyUnicode_InternInPlace(&made);

@@ -7,13 +7,21 @@ namespace orv {
 XmlDocument::XmlDocument(std::string_view text) {
   XmlReader(*this).read(text);
   nodes_.shrink_to_fit();
+  elements_.shrink_to_fit();
   attributes_.shrink_to_fit();
-  texts_.shrink_to_fit();
+  texts_.finish();
+}
+
+std::size_t XmlDocument::attributeCount(Position element) const {
+  const std::size_t next = nodes_[element] + 1;
+  const std::size_t end =
+      next < elements_.size() ? elements_[next].firstAttribute : attributes_.size();
+  return end - elements_[nodes_[element]].firstAttribute;
 }
 
 XmlDocument::Attribute XmlDocument::attribute(Position element, std::size_t index) const {
-  const StoredAttribute& stored = attributes_[nodes_[element].begin + index];
-  return {stored.name, slice(stored.begin, stored.size)};
+  const auto& [name, value] = attributes_[elements_[nodes_[element]].firstAttribute + index];
+  return {name, texts_[value]};
 }
 
 std::string XmlDocument::allText(Position element) const {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "python/orv/native/models/DistinctTexts.hpp"
 #include "python/orv/native/models/ModelError.hpp"
 
 namespace orv {
@@ -35,17 +36,17 @@ class XmlDocument {
   static constexpr Position root = 0;
 
   // Whether the node is a text and not an element.
-  bool isText(Position node) const { return nodes_[node].name == noName; }
+  bool isText(Position node) const { return (nodes_[node] & textMark) != 0; }
   // Only for texts.
-  std::string_view text(Position node) const {
-    return slice(nodes_[node].begin, nodes_[node].size);
-  }
+  std::string_view text(Position node) const { return texts_[nodes_[node] - textMark]; }
   // Only for elements: the position of its tag in names().
-  std::uint32_t tag(Position node) const { return nodes_[node].name; }
-  Position after(Position node) const { return nodes_[node].after; }
-  // Counted from 1.
-  std::uint32_t line(Position node) const { return nodes_[node].line; }
-  std::size_t attributeCount(Position element) const { return nodes_[element].size; }
+  std::uint32_t tag(Position element) const { return elements_[nodes_[element]].name; }
+  Position after(Position node) const {
+    return isText(node) ? node + 1 : elements_[nodes_[node]].after;
+  }
+  // Of the start tag of an element, counted from 1.
+  std::uint32_t line(Position element) const { return elements_[nodes_[element]].line; }
+  std::size_t attributeCount(Position element) const;
   Attribute attribute(Position element, std::size_t index) const;
 
   // All text in the element, in order, that of inner elements included.
@@ -57,31 +58,26 @@ class XmlDocument {
  private:
   friend class XmlReader;
 
-  static constexpr std::uint32_t noName = UINT32_MAX;
-
-  // An element's attributes are `size` entries from `begin`; a text is `size` bytes from `begin`.
-  struct Node {
+  struct StoredElement {
     std::uint32_t name;
     Position after;
-    std::uint32_t begin;
-    std::uint32_t size;
+    std::uint32_t firstAttribute;  // its last is before the first of the next element
     std::uint32_t line;
   };
 
   struct StoredAttribute {
     std::uint32_t name;
-    std::uint32_t begin;
-    std::uint32_t size;
+    std::uint32_t value;  // in texts_
   };
 
-  std::string_view slice(std::uint32_t begin, std::uint32_t size) const {
-    return std::string_view(texts_).substr(begin, size);
-  }
+  static constexpr std::uint32_t textMark = std::uint32_t{1} << 31;
 
-  std::vector<Node> nodes_;
+  // The position of an element in elements_; or that of a text in texts_, with the mark.
+  std::vector<std::uint32_t> nodes_;
+  std::vector<StoredElement> elements_;
   std::vector<StoredAttribute> attributes_;
   std::vector<std::string> names_;
-  std::string texts_;
+  DistinctTexts texts_;
 };
 
 }  // namespace orv

@@ -72,7 +72,8 @@ void XmlReader::startElement(void* reader, const XML_Char* tag, const XML_Char**
 }
 
 void XmlReader::endElement(void* reader, const XML_Char* /*tag*/) {
-  static_cast<XmlReader*>(reader)->close();
+  auto& self = *static_cast<XmlReader*>(reader);
+  self.guard([&] { self.close(); });
 }
 
 void XmlReader::characters(void* reader, const XML_Char* text, int size) {
@@ -124,39 +125,39 @@ void XmlReader::open(const XML_Char* tag, const XML_Char** attributes) {
   if (open_.size() == deepestModel) {
     fail("the model is nested more than " + std::to_string(deepestModel) + " deep");
   }
-  const auto begin = static_cast<std::uint32_t>(document_.attributes_.size());
+  endText();
+  const auto firstAttribute = static_cast<std::uint32_t>(document_.attributes_.size());
   for (; *attributes != nullptr; attributes += 2) {
     const std::string_view value = attributes[1];
-    document_.attributes_.push_back(
-        {name(attributes[0]), store(value), static_cast<std::uint32_t>(value.size())});
+    countBytes(value.size());
+    document_.attributes_.push_back({name(attributes[0]), document_.texts_.add(value)});
   }
-  const auto count = static_cast<std::uint32_t>(document_.attributes_.size()) - begin;
   open_.push_back(static_cast<XmlDocument::Position>(document_.nodes_.size()));
-  document_.nodes_.push_back({name(tag), 0, begin, count, here().line});
-  inText_ = false;
+  document_.nodes_.push_back(static_cast<std::uint32_t>(document_.elements_.size()));
+  document_.elements_.push_back({name(tag), 0, firstAttribute, here().line});
   checkNodes();
 }
 
 void XmlReader::close() {
-  if (failure_ != nullptr) return;
-  document_.nodes_[open_.back()].after =
+  endText();
+  document_.elements_[document_.nodes_[open_.back()]].after =
       static_cast<XmlDocument::Position>(document_.nodes_.size());
   open_.pop_back();
-  inText_ = false;
 }
 
 void XmlReader::append(std::string_view text) {
-  std::vector<XmlDocument::Node>& nodes = document_.nodes_;
-  const std::uint32_t begin = store(text);
-  const auto size = static_cast<std::uint32_t>(text.size());
-  if (inText_) {
-    nodes.back().size += size;
-    return;
+  countBytes(text.size());
+  if (pending_.empty()) {
+    document_.nodes_.push_back(XmlDocument::textMark);
+    checkNodes();
   }
-  const auto after = static_cast<XmlDocument::Position>(nodes.size() + 1);
-  nodes.push_back({XmlDocument::noName, after, begin, size, here().line});
-  inText_ = true;
-  checkNodes();
+  pending_.append(text);
+}
+
+void XmlReader::endText() {
+  if (pending_.empty()) return;
+  document_.nodes_.back() |= document_.texts_.add(pending_);
+  pending_.clear();
 }
 
 void XmlReader::checkNodes() const {
@@ -199,13 +200,11 @@ std::uint32_t XmlReader::name(std::string_view name) {
   return entry->second;
 }
 
-std::uint32_t XmlReader::store(std::string_view text) {
+void XmlReader::countBytes(std::size_t size) {
   // A character takes two bytes at most in UTF-8 for each of its own encoding.
   const std::size_t most = 2 * text_.size() + mostExpandedBytes;
-  if (text.size() > most - document_.texts_.size()) failExpanding();
-  const auto begin = static_cast<std::uint32_t>(document_.texts_.size());
-  document_.texts_.append(text);
-  return begin;
+  if (size > most - bytes_) failExpanding();
+  bytes_ += size;
 }
 
 }  // namespace orv

@@ -51,15 +51,18 @@ class XmlReader {
   void guard(Action action) noexcept;
 
   std::uint32_t name(std::string_view name);
-  std::uint32_t store(std::string_view text);
+  void countBytes(std::size_t size);
+  void endText();
 
   XmlDocument& document_;
   std::string_view text_;
   std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> parser_;
   std::unordered_map<std::string, std::uint32_t> names_;
   std::vector<XmlDocument::Position> open_;
-  // Whether the last node is a text that goes on.
-  bool inText_ = false;
+  // The bytes of all texts and attributes.
+  std::size_t bytes_ = 0;
+  // The text that is being read: the last node, if there is any.
+  std::string pending_;
   std::size_t entities_ = 0;
   std::size_t declaredAttributes_ = 0;
   std::exception_ptr failure_;

@@ -1,0 +1,38 @@
+#include "python/orv/native/models/DistinctTexts.hpp"
+
+#include <functional>
+
+namespace orv {
+
+std::uint32_t DistinctTexts::add(std::string_view text) {
+  if (2 * ends_.size() >= slots_.size()) grow();
+  std::uint32_t& slot = slotOf(text);
+  if (slot == 0) {
+    bytes_.append(text);
+    ends_.push_back(static_cast<std::uint32_t>(bytes_.size()));
+    slot = static_cast<std::uint32_t>(ends_.size());
+  }
+  return slot - 1;
+}
+
+std::uint32_t& DistinctTexts::slotOf(std::string_view text) {
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t slot = std::hash<std::string_view>()(text) & mask;
+  while (slots_[slot] != 0 && (*this)[slots_[slot] - 1] != text) slot = (slot + 1) & mask;
+  return slots_[slot];
+}
+
+void DistinctTexts::grow() {
+  slots_.assign(slots_.empty() ? 64 : 2 * slots_.size(), 0);
+  for (std::uint32_t number = 0; number < ends_.size(); ++number) {
+    slotOf((*this)[number]) = number + 1;
+  }
+}
+
+void DistinctTexts::finish() {
+  bytes_.shrink_to_fit();
+  ends_.shrink_to_fit();
+  slots_ = {};
+}
+
+}  // namespace orv
