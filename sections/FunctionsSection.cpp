@@ -14,12 +14,16 @@ std::string FunctionsSection::getFullyQualifiedKoboTypeName() const {
 }
 
 void FunctionsSection::addFunction(const std::string& name, const std::string& body) {
-  // Either argument may be a name in the list, which moves when it grows.
-  std::string ownName(name);
-  const std::string ownBody = body.substr(0, body.find('\0'));
-  functionNames_.push_back(std::move(ownName));
+  if (functionNames_.size() == functionNames_.capacity()) {
+    // Either argument may be a name in the list, which moves when it grows.
+    const auto own = std::make_pair(name, body);
+    functionNames_.reserve(2 * functionNames_.size() + 1);
+    addFunction(own.first, own.second);
+    return;
+  }
+  functionNames_.push_back(name);
   try {
-    FileSection::addContent(ownBody);
+    FileSection::addContent(body);
   } catch (...) {
     functionNames_.pop_back();
     throw;

@@ -61,12 +61,4 @@ void placeCustomSections(PackagedFiles& files, int file) {
   }
 }
 
-void writeSection(PackagedFiles& files, int file, VarnFileSectionKind kind, FILE* stream) {
-  if (hasBridgeName(kind)) {
-    files.bridge().writeSection(file, bridgeName(kind), stream);
-  } else {
-    files.file(file).writeSectionToFile(kind, stream);
-  }
-}
-
 }  // namespace orv

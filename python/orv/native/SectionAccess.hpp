@@ -1,7 +1,6 @@
 #ifndef ORV_SECTIONACCESS_HPP
 #define ORV_SECTIONACCESS_HPP
 
-#include <cstdio>
 #include <string>
 
 #include <varn/VarnFileSectionKind.hpp>
@@ -25,9 +24,6 @@ void declareCustomSection(PackagedFiles& files, int file, Varn::VarnFileSectionK
 
 // Appends to each section that the file has the custom sections attached to it that are not placed.
 void placeCustomSections(PackagedFiles& files, int file);
-
-// Writes a section, after its custom sections were placed. The caller owns `stream`.
-void writeSection(PackagedFiles& files, int file, Varn::VarnFileSectionKind kind, FILE* stream);
 
 }  // namespace orv
 

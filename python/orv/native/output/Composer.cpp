@@ -1,14 +1,14 @@
 #include "python/orv/native/output/Composer.hpp"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <ostream>
+#include <streambuf>
 #include <string>
 
 #include <pybind11/pybind11.h>
-#include <sys/types.h>
 
 #include <varn/IncludesSection.hpp>
 
@@ -67,70 +67,57 @@ bool endsWith(std::string_view text, std::string_view ending) {
   return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
 }
 
-// A stream that writes to memory. Large texts grow without being copied, unlike those of
-// open_memstream().
-class MemoryStream {
+// The bytes of a stream. Large texts grow without being copied.
+class MemoryBuffer : public std::streambuf {
  public:
-  MemoryStream() : stream_(fopencookie(this, "w", {nullptr, &append, nullptr, nullptr})) {
-    if (stream_ == nullptr) throw std::bad_alloc();
-    static_cast<void>(std::setvbuf(stream_, nullptr, _IONBF, 0));
-  }
-  MemoryStream(const MemoryStream&) = delete;
-  MemoryStream& operator=(const MemoryStream&) = delete;
-  ~MemoryStream() {
-    std::fclose(stream_);
-    std::free(characters_);
-  }
+  MemoryBuffer() = default;
+  MemoryBuffer(const MemoryBuffer&) = delete;
+  MemoryBuffer& operator=(const MemoryBuffer&) = delete;
+  ~MemoryBuffer() override { std::free(characters_); }
 
-  FILE* stream() { return stream_; }
-  void write(std::string_view text) {
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream_));
-  }
   // Everything written so far, valid until more is written.
-  std::string_view written() {
-    if (std::ferror(stream_) != 0) throw std::bad_alloc();
-    return {characters_, size_};
-  }
+  std::string_view written() const { return {characters_, size_}; }
   ComposedFile finish(std::vector<ComposedFile::Section> sections, Guard guard, TracedText traced) {
-    const std::size_t size = written().size();
-    reserve(size);
-    return {std::exchange(characters_, nullptr), size, std::move(sections), std::move(guard),
+    reserve(size_);
+    return {std::exchange(characters_, nullptr), size_, std::move(sections), std::move(guard),
             std::move(traced)};
   }
 
- private:
-  // What fopencookie() calls: the number of characters, or 0 for want of memory.
-  static ssize_t append(void* cookie, const char* text, std::size_t size) {
-    auto& self = *static_cast<MemoryStream*>(cookie);
-    const std::size_t whole = self.size_ + size;
-    if (whole > self.capacity_ && !self.reserve(std::max(whole, 2 * self.capacity_))) return 0;
-    std::memcpy(self.characters_ + self.size_, text, size);
-    self.size_ = whole;
-    return static_cast<ssize_t>(size);
+ protected:
+  std::streamsize xsputn(const char* text, std::streamsize count) override {
+    const auto size = static_cast<std::size_t>(count);
+    const std::size_t whole = size_ + size;
+    if (whole > capacity_) reserve(std::max(whole, 2 * capacity_));
+    if (size != 0) std::memcpy(characters_ + size_, text, size);
+    size_ = whole;
+    return count;
   }
-  bool reserve(std::size_t capacity) {
+
+ private:
+  void reserve(std::size_t capacity) {
     void* moved = std::realloc(characters_, std::max<std::size_t>(capacity, 1));
-    if (moved == nullptr) return false;
+    if (moved == nullptr) throw std::bad_alloc();
     characters_ = static_cast<char*>(moved);
     capacity_ = capacity;
-    return true;
   }
 
   char* characters_ = nullptr;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
-  FILE* stream_;
 };
 
 // The text of a file, its sections and, in a run that is traced, where it comes from.
 class FileText {
  public:
-  FileText(PackagedFiles& files, int index) : files_(files), index_(index) {}
+  FileText(PackagedFiles& files, int index) : files_(files), index_(index) {
+    // What the buffer throws is thrown by the stream, too.
+    stream_.exceptions(std::ios::badbit);
+  }
 
-  std::string_view written() { return memory_.written(); }
+  std::string_view written() const { return memory_.written(); }
   // Text of the engine's own.
   void write(std::string_view text, Trace::Kind kind) {
-    memory_.write(text);
+    put(text);
     if (files_.trace) traced_.ranges.append(text.size(), Trace::ownOrigin(kind));
   }
   // Returns the number of bytes of the section.
@@ -142,18 +129,22 @@ class FileText {
   }
 
  private:
+  void put(std::string_view text) {
+    stream_.write(text.data(), static_cast<std::streamsize>(text.size()));
+  }
   void record(VarnFileSectionKind kind, std::size_t size, const TracedText& text);
 
   PackagedFiles& files_;
   int index_;
-  MemoryStream memory_;
+  MemoryBuffer memory_;
+  std::ostream stream_{&memory_};
   std::vector<ComposedFile::Section> sections_;
   TracedText traced_;
 };
 
 std::size_t FileText::writeSection(VarnFileSectionKind kind) {
   const std::size_t before = written().size();
-  orv::writeSection(files_, index_, kind, memory_.stream());
+  files_.file(index_).getFileSection(kind).printToStream(stream_);
   const std::size_t size = written().size() - before;
   const bool isTraced = files_.trace && size != 0;
   record(kind, size, isTraced ? files_.trace->sectionText(index_, kind, size) : TracedText());
@@ -163,7 +154,7 @@ std::size_t FileText::writeSection(VarnFileSectionKind kind) {
 std::size_t FileText::writeIncludes(const Varn::FileSection& section, std::string_view text,
                                     bool dropped) {
   if (dropped) text.remove_prefix(1);
-  memory_.write(text);
+  put(text);
   TracedText traced;
   if (files_.trace) {
     const auto& includes = dynamic_cast<const Varn::IncludesSection&>(section);
