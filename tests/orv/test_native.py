@@ -97,6 +97,16 @@ def test_the_printer_refuses_what_it_cannot_do() -> None:
     assert (bytes(composed)[-2:], composed.sections) == (b"e\n", {"Banner": 39})
 
 
+def test_the_printer_finds_the_newest_file_of_a_name() -> None:
+    repository = _native.Repository()
+    printer = _native.Printer(repository, str, print, id, print)
+    names = [f"{i}.c" for i in range(6)]
+    for _ in range(2):
+        newest = [repository.create_generic(name) for name in names]
+        assert [printer.target(name) for name in names + names] == newest + newest
+        assert printer.target(names[5]) == printer.target("5.c") == newest[5]
+
+
 def test_a_large_text_is_in_its_place() -> None:
     repository = _native.Repository()
     repository.create_generic("a.c")

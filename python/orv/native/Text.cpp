@@ -8,6 +8,7 @@ std::string_view utf8(py::handle text, const char* what) {
   if (!PyUnicode_Check(text.ptr())) {
     throw py::type_error(std::string(what) + " must be text, not " + Py_TYPE(text.ptr())->tp_name);
   }
+  if (PyUnicode_IS_COMPACT_ASCII(text.ptr())) return asciiOf(text.ptr());
   Py_ssize_t size = 0;
   const char* characters = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
   if (characters != nullptr) return {characters, static_cast<std::size_t>(size)};

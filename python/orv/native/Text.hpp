@@ -13,6 +13,12 @@ namespace orv {
 // with a lone surrogate, which has no UTF-8 form.
 std::string_view utf8(pybind11::handle text, const char* what);
 
+// utf8() for a text that is known to be compact and ASCII.
+inline std::string_view asciiOf(PyObject* text) {
+  return {static_cast<const char*>(PyUnicode_DATA(text)),
+          static_cast<std::size_t>(PyUnicode_GET_LENGTH(text))};
+}
+
 // utf8(), for text that the library stores as a C string: refuses a NUL, which would truncate it.
 std::string_view utf8WithoutNul(pybind11::handle text, const char* what);
 std::string textArgument(pybind11::handle text, const char* what);

@@ -97,7 +97,9 @@ class ShortText {
     return error == std::errc();
   }
   PyObject* get() const {
-    return PyUnicode_FromStringAndSize(characters_, static_cast<Py_ssize_t>(size_));
+    PyObject* text = PyUnicode_New(static_cast<Py_ssize_t>(size_), 0x7F);
+    if (text != nullptr) std::memcpy(PyUnicode_DATA(text), characters_, size_);
+    return text;
   }
 
  private:

@@ -104,20 +104,20 @@ void Printer::openSection(int file, int section) {
   body.section = kind;
 }
 
-void Printer::openFunction(int file, std::string name, std::size_t tag) {
+void Printer::openFunction(int file, std::string_view name, std::size_t tag) {
   const Varn::VarnFileSectionKind kind = requireSection(*files_, file, Varn::FUNCTIONS_SECTION);
   Body& body = open(Body::Kind::function);
   body.file = file;
   body.section = kind;
-  body.name = std::move(name);
+  body.name = name;
   body.tag = tag;
 }
 
-void Printer::openFill(int file, std::string name) {
+void Printer::openFill(int file, std::string_view name) {
   static_cast<void>(files_->file(file));
   Body& body = open(Body::Kind::fill);
   body.file = file;
-  body.name = std::move(name);
+  body.name = name;
 }
 
 void Printer::openCapture() { open(Body::Kind::capture); }
@@ -263,9 +263,9 @@ void Printer::add(Body& body) {
     addSectionText(*files_, body.file, body.section, body.text);
     return;
   }
-  // The bridge has no operation for functions.
+  // The bridge has no operation for functions. Every file's section of this kind is of this class.
   Varn::FileSection& section = files_->file(body.file).getFileSection(body.section);
-  dynamic_cast<Varn::FunctionsSection&>(section).addFunction(body.name, body.text);
+  static_cast<Varn::FunctionsSection&>(section).addFunction(body.name, body.text);
 }
 
 bool Printer::isWaiting(int file, int section) const {

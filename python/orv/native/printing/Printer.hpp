@@ -90,8 +90,8 @@ class Printer {
   // The body of the tag that makes a file the current one: outside or, in a text file, its section.
   void openFile(int file);
   void openSection(int file, int section);
-  void openFunction(int file, std::string name, std::size_t tag);
-  void openFill(int file, std::string name);
+  void openFunction(int file, std::string_view name, std::size_t tag);
+  void openFill(int file, std::string_view name);
   void openCapture();
   // In a body that is outside, which has no lines to indent, another one that is outside.
   void openIndent(Indentation indentation);

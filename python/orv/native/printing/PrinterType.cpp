@@ -18,6 +18,7 @@
 #include "python/orv/native/Bindings.hpp"
 #include "python/orv/native/SectionNames.hpp"
 #include "python/orv/native/Text.hpp"
+#include "python/orv/native/printing/NamedFiles.hpp"
 #include "python/orv/native/printing/Printer.hpp"
 
 namespace orv {
@@ -58,6 +59,7 @@ struct PrinterObject {
   PyObject* find;
   PyObject* repeated;
   TagTable* tags;
+  NamedFiles* found;
   // Whether the next enter() opens no capture, as what it encloses is printed as it is.
   bool printsNext;
   // The position of the argument that write() failed on; -1 for none.
@@ -138,8 +140,7 @@ int targetOf(PrinterObject& self, Arguments arguments, Py_ssize_t count, Py_ssiz
     return fileArgument(call(self.find, Py_None).ptr());
   }
   if (PyUnicode_CheckExact(arguments[at])) {
-    const std::string name = textArgument(arguments[at], "a file's name");
-    const int file = self.printer->files().repository.findFileIndexByName(name);
+    const int file = self.found->find(self.printer->files(), arguments[at]);
     if (file >= 0) return file;
   }
   return fileArgument(call(self.find, arguments[at]).ptr());
@@ -172,11 +173,6 @@ void appendEncoded(std::string& bytes, PyObject* text) {
 void requireNoNul(std::string_view bytes) {
   if (bytes.find('\0') == std::string_view::npos) return;
   throw py::value_error("the text holds a NUL character, which no file of text can hold");
-}
-
-std::string_view asciiOf(PyObject* text) {
-  return {static_cast<const char*>(PyUnicode_DATA(text)),
-          static_cast<std::size_t>(PyUnicode_GET_LENGTH(text))};
 }
 
 // Text outside of every section: white space is dropped, the template side refuses all else.
@@ -326,7 +322,7 @@ PyObject* function(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("function", count, 3, 3);
     const int file = targetOf(objectOf(self), arguments, count, 1);
-    printerOf(self).openFunction(file, textArgument(arguments[0], "a function's name"),
+    printerOf(self).openFunction(file, utf8WithoutNul(arguments[0], "a function's name"),
                                  objectOf(self).tags->numberOf(arguments[2]));
     return none();
   });
@@ -342,7 +338,7 @@ PyObject* fill(PyObject* self, Arguments arguments, Py_ssize_t count) {
   return guarded([&] {
     requireCount("fill", count, 1, 2);
     const int file = targetOf(objectOf(self), arguments, count, 1);
-    printerOf(self).openFill(file, textArgument(arguments[0], "a custom section's name"));
+    printerOf(self).openFill(file, utf8WithoutNul(arguments[0], "a custom section's name"));
     return none();
   });
 }
@@ -530,11 +526,13 @@ PyObject* create(PyTypeObject* type, PyObject* arguments, PyObject* named) {
       throw py::type_error("expected a Repository");
     }
     auto tags = std::make_unique<TagTable>();
+    auto found = std::make_unique<NamedFiles>();
     PyObject* self = type->tp_alloc(type, 0);
     if (self == nullptr) return nullptr;
     const auto owner = py::reinterpret_steal<py::object>(self);
     PrinterObject& object = objectOf(self);
     object.tags = tags.release();
+    object.found = found.release();
     object.printer = new Printer(
         std::move(repository),
         [&object](const Body& body, std::size_t first) { reportRepeated(object, body, first); });
@@ -573,6 +571,7 @@ void destroy(PyObject* self) {
   static_cast<void>(clear(self));
   delete objectOf(self).printer;
   delete objectOf(self).tags;
+  delete objectOf(self).found;
   type->tp_free(self);
   Py_DECREF(type);
 }
