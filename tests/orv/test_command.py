@@ -257,6 +257,20 @@ MISTAKES = {
         " put a text that begins like JSON in double quotes",
     ),
     "unknown": (["--ot=o", "t.j2"], 2, 'unrecognized argument --ot=o; did you mean "--out"?'),
+    "no value": (["--out", "--quiet", "t.j2"], 2, "argument --out: expected one argument"),
+    "last": (["t.j2", "--out"], 2, "argument --out: expected one argument"),
+    "flag": (["--quiet=1", "t.j2"], 2, "argument --quiet: ignored explicit argument '1'"),
+    "choice": (
+        ["t.j2", "--stale=k"],
+        2,
+        "argument --stale: invalid choice: 'k' (choose from 'remove', 'keep')",
+    ),
+    "number": (["--jobs", "-1"], 2, "argument --jobs: expected a whole number from 1, got '-1'"),
+    "operand": (
+        ["--out=o", "--", "-t.j2"],
+        1,
+        'there is no template "-t.j2" in "."; did you mean "t.j2"?',
+    ),
     "no out": (["t.j2"], 2, "--out is missing"),
     "modes": (
         ["t.j2", "--check", "--dry-run"],

@@ -9,12 +9,15 @@ import signal
 import sys
 from collections.abc import Iterator, Sequence
 from contextlib import contextmanager
-from typing import NoReturn
+from typing import TYPE_CHECKING, NoReturn
 
+from orv.command.arguments import given_values, wants_help
 from orv.command.console import failure, failure_of
-from orv.command.commands import COMMANDS
-from orv.command.parser import command_parser, orv_parser
+from orv.command.commands import COMMANDS, Command
 from orv.errors import Misuse, OrvError, did_you_mean
+
+if TYPE_CHECKING:
+    from orv.command.parser import CommandParser
 
 # The modules that come from elsewhere, and what they are installed as on Debian.
 _REQUIRED = {
@@ -75,15 +78,17 @@ def _run(arguments: list[str]) -> int:
     command = next((known for known in COMMANDS if known.name in arguments[:1]), None)
     if command is None:
         _end_without_command(arguments)
-    parser = command_parser(command)
+    if wants_help(arguments):
+        _parser_of(command).print_help()
+        return 0
     signal.signal(signal.SIGTERM, _interrupt)
     try:
         with _explained_imports():
-            given = parser.parse_given(arguments[1:])
+            given = given_values(command.options, arguments[1:])
             code: int = importlib.import_module(command.module).run(given)
             return code
     except Misuse as error:
-        parser.error(str(error))
+        _parser_of(command).error(str(error))
     except OrvError as error:
         print(failure(str(error)), file=sys.stderr)
     except KeyboardInterrupt:
@@ -91,7 +96,15 @@ def _run(arguments: list[str]) -> int:
     return 1
 
 
+def _parser_of(command: Command) -> CommandParser:
+    from orv.command.parser import command_parser
+
+    return command_parser(command)
+
+
 def _end_without_command(arguments: list[str]) -> NoReturn:
+    from orv.command.parser import orv_parser
+
     parser = orv_parser()
     if arguments and not arguments[0].startswith("-"):
         hint = did_you_mean(arguments[0], [command.name for command in COMMANDS])
