@@ -266,11 +266,6 @@ MISTAKES = {
         "argument --stale: invalid choice: 'k' (choose from 'remove', 'keep')",
     ),
     "number": (["--jobs", "-1"], 2, "argument --jobs: expected a whole number from 1, got '-1'"),
-    "operand": (
-        ["--out=o", "--", "-t.j2"],
-        1,
-        'there is no template "-t.j2" in "."; did you mean "t.j2"?',
-    ),
     "no out": (["t.j2"], 2, "--out is missing"),
     "modes": (
         ["t.j2", "--check", "--dry-run"],

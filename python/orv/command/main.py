@@ -9,15 +9,12 @@ import signal
 import sys
 from collections.abc import Iterator, Sequence
 from contextlib import contextmanager
-from typing import TYPE_CHECKING, NoReturn
+from typing import NoReturn
 
-from orv.command.arguments import given_values, wants_help
 from orv.command.console import failure, failure_of
-from orv.command.commands import COMMANDS, Command
+from orv.command.commands import COMMANDS
+from orv.command.parser import command_parser, orv_parser
 from orv.errors import Misuse, OrvError, did_you_mean
-
-if TYPE_CHECKING:
-    from orv.command.parser import CommandParser
 
 # The modules that come from elsewhere, and what they are installed as on Debian.
 _REQUIRED = {
@@ -78,17 +75,15 @@ def _run(arguments: list[str]) -> int:
     command = next((known for known in COMMANDS if known.name in arguments[:1]), None)
     if command is None:
         _end_without_command(arguments)
-    if wants_help(arguments):
-        _parser_of(command).print_help()
-        return 0
+    parser = command_parser(command)
     signal.signal(signal.SIGTERM, _interrupt)
     try:
         with _explained_imports():
-            given = given_values(command.options, arguments[1:])
+            given = parser.parse_given(arguments[1:])
             code: int = importlib.import_module(command.module).run(given)
             return code
     except Misuse as error:
-        _parser_of(command).error(str(error))
+        parser.error(str(error))
     except OrvError as error:
         print(failure(str(error)), file=sys.stderr)
     except KeyboardInterrupt:
@@ -96,15 +91,7 @@ def _run(arguments: list[str]) -> int:
     return 1
 
 
-def _parser_of(command: Command) -> CommandParser:
-    from orv.command.parser import command_parser
-
-    return command_parser(command)
-
-
 def _end_without_command(arguments: list[str]) -> NoReturn:
-    from orv.command.parser import orv_parser
-
     parser = orv_parser()
     if arguments and not arguments[0].startswith("-"):
         hint = did_you_mean(arguments[0], [command.name for command in COMMANDS])

@@ -1,4 +1,4 @@
-"""Options as data: what command lines, help, manual pages and project files are read and made by.
+"""Options as data: what argparse, manual pages, completion and project files are made from.
 
 A command's options are the attributes of a class derived from `Options`: the attribute's name is
 the option's, its annotation the type of the value, and `flag`, `value`, `values` or `operands` say

@@ -1,22 +1,23 @@
-"""The command line as argparse knows it, for help, manual pages and completion."""
+"""The parser of the command line, made from the tables of commands and options."""
 
 from __future__ import annotations
 
 import argparse
-from collections.abc import Sequence
+from collections.abc import Callable, Sequence
 from typing import Any, NoReturn
 
 from orv._version import __version__
 from orv.command.commands import COMMANDS, EXIT_CODES, SUMMARY, Command
 from orv.command.option import Option
+from orv.errors import OrvError, did_you_mean
 
 
 class CommandParser(argparse.ArgumentParser):
-    """Describes a command; its arguments are read by `arguments.given_values`."""
+    """A parser that returns only what was given, and takes options before and after operands."""
 
     def __init__(self, **settings: Any) -> None:
         settings.setdefault("epilog", EXIT_CODES)
-        super().__init__(allow_abbrev=False, **settings)
+        super().__init__(argument_default=argparse.SUPPRESS, allow_abbrev=False, **settings)
         self.children: dict[str, CommandParser] = {}
 
     def add_options(self, options: Sequence[Option]) -> None:
@@ -30,6 +31,15 @@ class CommandParser(argparse.ArgumentParser):
                 one_of = exclusive.get(option.exclusive) or group.add_mutually_exclusive_group()
                 group = exclusive[option.exclusive] = one_of
             _add(group, option)
+
+    def parse_given(self, arguments: Sequence[str]) -> dict[str, Any]:
+        """The values that were given, by attribute. Ends the program with 2 on misuse."""
+        namespace, unknown = self.parse_known_intermixed_args(list(arguments))
+        for argument in unknown:
+            known = [name for action in self._actions for name in action.option_strings]
+            hint = did_you_mean(argument.partition("=")[0], known)
+            self.error(f"unrecognized argument {argument}{hint}")
+        return vars(namespace)
 
     def error(self, message: str) -> NoReturn:
         """End the program with 2, the message and where to read on."""
@@ -49,7 +59,7 @@ def orv_parser() -> CommandParser:
 
 
 def command_parser(command: Command) -> CommandParser:
-    """The description of one command's arguments."""
+    """The parser of one command's arguments."""
     parser = CommandParser(prog=f"orv {command.name}", **_settings(command))
     parser.add_options(command.options)
     return parser
@@ -70,8 +80,19 @@ def _add(group: Any, option: Option) -> None:
     settings: dict[str, Any] = {"metavar": option.type.metavar, "help": help}
     if option.type.choices:
         settings["choices"] = option.type.choices
+    settings["type"] = _parser_of(option.type.parse)
     if option.positional:
         group.add_argument(option.attribute, nargs="*", **settings)
     else:
         action = "append" if option.repeatable else "store"
         group.add_argument(f"--{option.name}", action=action, **settings)
+
+
+def _parser_of(parse: Callable[[str], Any]) -> Callable[[str], Any]:
+    def parsed(text: str) -> Any:
+        try:
+            return parse(text)
+        except (OrvError, ValueError) as error:
+            raise argparse.ArgumentTypeError(str(error)) from error
+
+    return parsed
