@@ -107,6 +107,13 @@ class PrintingTemplate(Template):
         return TemplateModule(self, context, ())
 
 
+def _run_once(template: PrintingTemplate, context: Context) -> None:
+    """Run the template in a context that nothing else uses."""
+    template.run(context)
+    # Its macros refer to the context: in a cycle, the model would outlive the run.
+    context.vars.clear()
+
+
 class Environment(SandboxedEnvironment):
     """The environment of one run: templates that it renders fill the run's repository."""
 
@@ -164,7 +171,7 @@ class Environment(SandboxedEnvironment):
         """Run the template with the variables of `model`."""
         main = self.get_template(template)
         assert isinstance(main, PrintingTemplate)
-        main.run(main.new_context(dict(model)))
+        _run_once(main, main.new_context(dict(model)))
 
     def include(
         self,
@@ -174,9 +181,9 @@ class Environment(SandboxedEnvironment):
     ) -> None:
         """Run an included template, which sees the variables of `context` if there is one."""
         if context is None:
-            template.run(template.new_context())
+            _run_once(template, template.new_context())
         else:
-            template.run(template.new_context(context.get_all(), True, local))
+            _run_once(template, template.new_context(context.get_all(), True, local))
 
     def call_printed(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
         """Call what a template calls to print the result.

@@ -9,10 +9,11 @@
 
 namespace orv {
 
-// Texts by number, each kept once. At most 4 GiB of them.
+// Texts by number, each kept once.
 class DistinctTexts {
  public:
-  // The number of a text, which is added if it is new.
+  // The number of a text, which is added if it is new. Throws std::length_error when there are more
+  // than 4 GiB.
   std::uint32_t add(std::string_view text);
 
   // Valid until a text is added.
@@ -32,6 +33,7 @@ class DistinctTexts {
   std::vector<std::uint32_t> ends_;
   // Open addressing, by hash: one past the number of a text, or 0.
   std::vector<std::uint32_t> slots_;
+  std::uint32_t last_ = 0;  // the number that add() gave
 };
 
 }  // namespace orv

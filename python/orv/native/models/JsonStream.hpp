@@ -35,9 +35,7 @@ class JsonStream {
   }
   void Put(char character) {
     // The parser ends strings by a NUL.
-    if (character == '\0' && next_[-1] == '"') return;
-    if (unescaped_->empty()) unescaped_->assign(string_, std::strchr(string_, '\\'));
-    unescaped_->push_back(character);
+    if (character != '\0' || next_[-1] != '"') putUnescaped(character);
   }
   // The size with that NUL.
   std::size_t PutEnd(const char* /*begin*/) const {
@@ -57,6 +55,11 @@ class JsonStream {
   }
 
  private:
+  void putUnescaped(char character) {
+    if (unescaped_->empty()) unescaped_->assign(string_, std::strchr(string_, '\\'));
+    unescaped_->push_back(character);
+  }
+
   static constexpr std::array<bool, 256> plain = [] {
     std::array<bool, 256> table{};
     for (std::size_t i = 0x20; i < table.size(); ++i) table[i] = i != '"' && i != '\\';

@@ -48,6 +48,19 @@ std::uint32_t fingerprintOf(PyObject* container, std::size_t count, Visit visit)
   return mix(fingerprint, found);
 }
 
+// Layouts are bytes: parts are copied into them and out of them.
+template <typename Part>
+void append(std::string& layout, const Part& part) {
+  layout.append(reinterpret_cast<const char*>(&part), sizeof part);
+}
+
+template <typename Part>
+Part partOf(std::string_view parts, std::size_t position) {
+  Part part;
+  std::memcpy(&part, parts.data() + position * sizeof part, sizeof part);
+  return part;
+}
+
 bool isContainer(PyObject* value) { return PyDict_CheckExact(value) || PyList_CheckExact(value); }
 
 }  // namespace
@@ -76,40 +89,43 @@ std::uint32_t Places::addFile(std::string label) {
 
 std::uint32_t Places::add(py::handle container, Place place, const Content& content) {
   const auto& [keys, entries, count, fingerprint] = content;
-  Record& record = addRecord(container, place, count, fingerprint);
-  const auto index = static_cast<std::uint32_t>(records_.size() - 1);
+  const Width width = widthOf(place.line, content);
+  layout_.clear();
+  append(layout_, Header{static_cast<std::uint32_t>(count), width});
+  for (std::size_t i = 0; width != Width::sameLine && i < count; ++i) {
+    const std::uint32_t offset = entries[i].line - place.line;
+    if (width == Width::byte) {
+      append(layout_, static_cast<std::uint8_t>(offset));
+    } else if (width == Width::word) {
+      append(layout_, static_cast<std::uint16_t>(offset));
+    } else {
+      append(layout_, Place{place.file, entries[i].line});
+    }
+  }
+  const std::uint32_t record = addRecord(container, place, fingerprint);
   for (std::size_t i = 0; i < count; ++i) {
     if (entries[i].record == none) continue;
-    setParent(entries[i].record, index, keys == nullptr ? py::handle() : py::handle(keys[i]), i);
+    setParent(entries[i].record, record, keys == nullptr ? py::handle() : py::handle(keys[i]), i);
   }
-  std::uint32_t first = place.line;
-  std::uint32_t last = place.line;
-  for (std::size_t i = 0; i < count; ++i) {
-    first = std::min(first, entries[i].line);
-    last = std::max(last, entries[i].line);
-  }
-  if (first < place.line || last - place.line > UINT16_MAX) {
-    std::vector<Place> places;
-    places.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) places.push_back({place.file, entries[i].line});
-    store(record, places);
-  } else if (last - place.line > UINT8_MAX) {
-    record.width = Width::word;
-    for (std::size_t i = 0; i < count; ++i) {
-      const std::uint32_t offset = entries[i].line - place.line;
-      entries_.push_back(static_cast<unsigned char>(offset >> 8));
-      entries_.push_back(static_cast<unsigned char>(offset));
-    }
-  } else if (last > place.line) {
-    record.width = Width::byte;
-    for (std::size_t i = 0; i < count; ++i) {
-      entries_.push_back(static_cast<unsigned char>(entries[i].line - place.line));
-    }
-  }
-  return index;
+  return record;
 }
 
-void Places::note(py::handle dictionary, Place place) { addFinished(dictionary, place); }
+Places::Width Places::widthOf(std::uint32_t line, const Content& content) {
+  std::uint32_t first = line;
+  std::uint32_t last = line;
+  for (std::size_t i = 0; i < content.count; ++i) {
+    first = std::min(first, content.entries[i].line);
+    last = std::max(last, content.entries[i].line);
+  }
+  if (first < line || last - line > UINT16_MAX) return Width::place;
+  if (last - line > UINT8_MAX) return Width::word;
+  return last > line ? Width::byte : Width::sameLine;
+}
+
+void Places::note(py::handle dictionary, Place place) {
+  const auto count = static_cast<std::size_t>(PyDict_Size(dictionary.ptr()));
+  addFinished(dictionary, place, std::vector<Place>(count, place));
+}
 
 void Places::addMerged(py::handle merged, py::handle first, py::handle second) {
   std::vector<Place> places;
@@ -120,47 +136,57 @@ void Places::addMerged(py::handle merged, py::handle first, py::handle second) {
     places.push_back(find(source, key).value_or(Place{none, 0}));
   });
   const Place unknown{none, 0};
-  const Place place = find(first, {}).value_or(find(second, {}).value_or(unknown));
-  store(addFinished(merged, place), places);
+  addFinished(merged, find(first, {}).value_or(find(second, {}).value_or(unknown)), places);
 }
 
-void Places::store(Record& record, const std::vector<Place>& places) {
-  record.width = Width::place;
-  const auto* bytes = reinterpret_cast<const unsigned char*>(places.data());
-  entries_.insert(entries_.end(), bytes, bytes + places.size() * sizeof(Place));
-}
-
-Places::Record& Places::addRecord(py::handle container, Place place, std::size_t count,
-                                  std::uint32_t fingerprint) {
-  Record& record = records_.emplace_back();
-  record.container = py::reinterpret_borrow<py::object>(container);
-  record.entries = entries_.size() & ((std::uint64_t{1} << 56) - 1);
-  record.width = Width::sameLine;
-  record.count = static_cast<std::uint32_t>(count);
-  record.fingerprint = fingerprint;
-  record.place = place;
-  record.parent = none;
-  record.position = 0;
-  return record;
-}
-
-Places::Record& Places::addFinished(py::handle dictionary, Place place) {
-  const auto count = static_cast<std::size_t>(PyDict_Size(dictionary.ptr()));
-  const auto index = static_cast<std::uint32_t>(records_.size());
+void Places::addFinished(py::handle dictionary, Place place, const std::vector<Place>& places) {
+  const auto record = static_cast<std::uint32_t>(records_.size());
   const std::uint32_t fingerprint = fingerprintOf(
-      dictionary.ptr(), count, [&](std::size_t position, PyObject* key, PyObject* value) {
+      dictionary.ptr(), places.size(), [&](std::size_t position, PyObject* key, PyObject* value) {
         const std::uint32_t child = isContainer(value) ? recordOf(value) : none;
-        if (child != none) setParent(child, index, key, position);
+        if (child != none) setParent(child, record, key, position);
       });
-  return addRecord(dictionary, place, count, fingerprint);
+  layout_.clear();
+  append(layout_, Header{static_cast<std::uint32_t>(places.size()), Width::place});
+  for (const Place& entry : places) append(layout_, entry);
+  addRecord(dictionary, place, fingerprint);
+}
+
+std::uint32_t Places::addRecord(py::handle container, Place place, std::uint32_t fingerprint) {
+  const auto index = static_cast<std::uint32_t>(records_.size());
+  if (origins_.empty() || origins_.back().second != place.file) {
+    origins_.emplace_back(index, place.file);
+  }
+  records_.push_back({py::reinterpret_borrow<py::object>(container), none, 0, place.line,
+                      layouts_.add(layout_), fingerprint});
+  return index;
 }
 
 void Places::setParent(std::uint32_t child, std::uint32_t parent, py::handle key,
                        std::size_t position) {
-  Record& record = records_[child];
-  record.parent = parent;
-  record.key = py::reinterpret_borrow<py::object>(key);
-  record.position = static_cast<std::uint32_t>(position);
+  if (key) {
+    position = keys_.size();
+    keys_.push_back(py::reinterpret_borrow<py::object>(key));
+  }
+  records_[child].parent = parent;
+  records_[child].step = static_cast<std::uint32_t>(position);
+}
+
+py::handle Places::keyOf(const Record& record) const {
+  const bool isNamed =
+      record.parent != none && PyDict_Check(records_[record.parent].container.ptr());
+  return isNamed ? py::handle(keys_[record.step]) : py::handle();
+}
+
+Places::Place Places::placeOf(std::uint32_t record) const {
+  const auto after = std::upper_bound(
+      origins_.begin(), origins_.end(), record,
+      [](std::uint32_t wanted, const auto& origin) { return wanted < origin.first; });
+  return {(after - 1)->second, records_[record].line};
+}
+
+Places::Header Places::headerOf(std::uint32_t record) const {
+  return partOf<Header>(layouts_[records_[record].layout], 0);
 }
 
 std::size_t Places::slotOf(PyObject* container) const {
@@ -199,7 +225,7 @@ const Places::Positions& Places::positionsOf(std::uint32_t record) const {
   Positions positions;
   positions.record = record;
   positions.size = size;
-  const std::uint32_t fingerprint = fingerprintOf(known.container.ptr(), known.count,
+  const std::uint32_t fingerprint = fingerprintOf(known.container.ptr(), headerOf(record).count,
                                                   [&](std::size_t at, PyObject* key, PyObject*) {
                                                     if (key != nullptr) {
                                                       positions.ofKeys[py::handle(key)] = at;
@@ -217,33 +243,37 @@ std::optional<std::uint32_t> Places::positionOf(std::uint32_t record, py::handle
     if (!PyLong_Check(key.ptr())) return std::nullopt;
     int overflow = 0;
     const long long position = PyLong_AsLongLongAndOverflow(key.ptr(), &overflow);
-    if (overflow != 0 || position < 0 || position >= records_[record].count) return std::nullopt;
+    if (overflow != 0 || position < 0 || position >= headerOf(record).count) return std::nullopt;
     return static_cast<std::uint32_t>(position);
   }
   if (!PyUnicode_Check(key.ptr()) || !positions.ofKeys.contains(key)) return std::nullopt;
   return positions.ofKeys[key].cast<std::uint32_t>();
 }
 
-Places::Place Places::entryPlace(const Record& record, std::uint32_t position) const {
-  const unsigned char* entries = entries_.data() + record.entries;
-  const std::size_t first = 2 * std::size_t{position};
-  Place place = record.place;
-  if (record.width == Width::byte) {
-    place.line += entries[position];
-  } else if (record.width == Width::word) {
-    place.line += static_cast<std::uint32_t>(entries[first] << 8 | entries[first + 1]);
-  } else if (record.width == Width::place) {
-    std::memcpy(&place, entries + position * sizeof place, sizeof place);
+Places::Place Places::entryPlace(std::uint32_t record, std::uint32_t position) const {
+  const std::string_view entries = layouts_[records_[record].layout].substr(sizeof(Header));
+  Place place = placeOf(record);
+  switch (headerOf(record).width) {
+    case Width::sameLine:
+      return place;
+    case Width::byte:
+      place.line += partOf<std::uint8_t>(entries, position);
+      return place;
+    case Width::word:
+      place.line += partOf<std::uint16_t>(entries, position);
+      return place;
+    case Width::place:
+      break;
   }
-  return place;
+  return partOf<Place>(entries, position);
 }
 
 std::optional<Places::Place> Places::find(py::handle container, py::handle key) const {
   const std::uint32_t record = recordOf(container.ptr());
   if (record == none) return std::nullopt;
-  if (!key || key.is_none()) return records_[record].place;
+  if (!key || key.is_none()) return placeOf(record);
   const std::optional<std::uint32_t> position = positionOf(record, key);
-  return position ? entryPlace(records_[record], *position) : records_[record].place;
+  return position ? entryPlace(record, *position) : placeOf(record);
 }
 
 std::optional<std::string> Places::path(py::handle container, py::handle key) const {
@@ -253,7 +283,9 @@ std::optional<std::string> Places::path(py::handle container, py::handle key) co
   if (key && !key.is_none()) keys.push_back(py::reinterpret_borrow<py::object>(key));
   for (; records_[index].parent != none; index = records_[index].parent) {
     const Record& record = records_[index];
-    keys.push_back(record.key ? record.key : py::object(py::int_(record.position)));
+    const py::handle name = keyOf(record);
+    keys.push_back(name ? py::reinterpret_borrow<py::object>(name)
+                        : py::object(py::int_(record.step)));
   }
   std::string path;
   for (auto step = keys.rbegin(); step != keys.rend(); ++step) appendKey(path, *step);
@@ -262,7 +294,7 @@ std::optional<std::string> Places::path(py::handle container, py::handle key) co
 
 Places::Step Places::step(std::uint32_t record) const {
   const Record& known = records_[record];
-  return {known.parent, known.key, known.position, known.place};
+  return {known.parent, keyOf(known), known.step, placeOf(record)};
 }
 
 std::string Places::text(Place place) const {

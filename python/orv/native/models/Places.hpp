@@ -6,9 +6,12 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <pybind11/pybind11.h>
+
+#include "python/orv/native/models/DistinctTexts.hpp"
 
 namespace orv {
 
@@ -91,20 +94,24 @@ class Places {
   std::string text(Place place) const;
 
  private:
-  // How the places of a container's entries are stored.
-  enum class Width : std::uint8_t { sameLine, byte, word, place };
-
   struct Record {
     pybind11::object container;
-    // Of this container in its parent: a key, or null in a list, whose positions are below.
-    pybind11::object key;
-    std::uint64_t entries : 56;  // the offset in entries_
-    Width width : 8;
-    std::uint32_t count;
-    std::uint32_t fingerprint;  // of the first `count` keys or items
-    Place place;
     std::uint32_t parent;
-    std::uint32_t position;
+    std::uint32_t step;  // from the parent: a position in a list, or in keys_
+    std::uint32_t line;
+    std::uint32_t layout;       // in layouts_
+    std::uint32_t fingerprint;  // of the keys or items that there were
+  };
+
+  // How the places of a container's entries are stored: as offsets from its own line, or as places.
+  enum class Width : std::uint32_t { sameLine, byte, word, place };
+
+  static Width widthOf(std::uint32_t line, const Content& content);
+
+  // What a layout begins with. The places of entries follow.
+  struct Header {
+    std::uint32_t count;
+    Width width;
   };
 
   // Of the container that was asked for last: the positions of its keys, when they are unchanged.
@@ -115,26 +122,33 @@ class Places {
     pybind11::dict ofKeys;
   };
 
-  Record& addRecord(pybind11::handle container, Place place, std::size_t count,
-                    std::uint32_t fingerprint);
-  Record& addFinished(pybind11::handle dictionary, Place place);
+  std::uint32_t addRecord(pybind11::handle container, Place place, std::uint32_t fingerprint);
+  void addFinished(pybind11::handle dictionary, Place place, const std::vector<Place>& places);
   void setParent(std::uint32_t child, std::uint32_t parent, pybind11::handle key,
                  std::size_t position);
-  void store(Record& record, const std::vector<Place>& places);
+  pybind11::handle keyOf(const Record& record) const;
+  Place placeOf(std::uint32_t record) const;
+  Header headerOf(std::uint32_t record) const;
   std::size_t slotOf(PyObject* container) const;
   void indexRecords() const;
   const Positions& positionsOf(std::uint32_t record) const;
   std::optional<std::uint32_t> positionOf(std::uint32_t record, pybind11::handle key) const;
-  Place entryPlace(const Record& record, std::uint32_t position) const;
+  Place entryPlace(std::uint32_t record, std::uint32_t position) const;
 
   std::vector<std::string> files_;
   // Many: they are not to be copied when there are more.
   std::deque<Record> records_;
+  // Those of containers in dictionaries.
+  std::vector<pybind11::object> keys_;
+  // The first of the records that come from a file, and the file; ascending.
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> origins_;
+  // Headers and places, which most containers of one kind have in common.
+  DistinctTexts layouts_;
+  std::string layout_;  // the one at hand
   // Open addressing, by the container's address: one past the index of a record, or 0. Holds the
   // first records only, until somebody asks for one.
   mutable std::vector<std::uint32_t> slots_;
   mutable std::size_t indexed_ = 0;
-  std::vector<unsigned char> entries_;
   mutable Positions positions_;
 };
 
