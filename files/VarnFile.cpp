@@ -8,6 +8,7 @@
 
 #include <orbel/Text.hpp>
 #include <varn/VarnFileContentCreator.hpp>
+#include <varn/detail/UniqueNames.hpp>
 
 namespace Varn {
 namespace {
@@ -32,9 +33,14 @@ std::string stemOf(const std::string& name) {
 
 }  // namespace
 
+struct VarnFile::Attributes {
+  std::string codeTemplate;
+  std::string outputDirectory;
+  detail::UniqueNames systems;
+};
+
 VarnFile::VarnFile(const std::string& name, std::unique_ptr<VarnFileContentBuilder> builder)
     : content_(buildContent(name, builder.get())),
-      name_(orbel::toUtf16(name)),
       nameAscii_(name),
       baseName_(stemOf(name)),
       nameWithoutExtension_(name, 0, name.rfind('.')),
@@ -68,7 +74,21 @@ void VarnFile::writeSectionToFile(VarnFileSectionKind kind, FILE* stream) {
   section.writeToFile(stream);
 }
 
-const std::u16string& VarnFile::getName() const { return name_; }
+const VarnFile::Attributes& VarnFile::attributes() const {
+  static const Attributes none;
+  return attributes_ ? *attributes_ : none;
+}
+
+VarnFile::Attributes& VarnFile::ownAttributes() {
+  if (!attributes_) attributes_ = std::make_unique<Attributes>();
+  return *attributes_;
+}
+
+const std::u16string& VarnFile::getName() const {
+  if (!name_) name_ = std::make_unique<std::u16string>(orbel::toUtf16(nameAscii_));
+  return *name_;
+}
+
 const std::string& VarnFile::getNameAscii() const { return nameAscii_; }
 const std::string& VarnFile::getNameWithoutExtension() const { return nameWithoutExtension_; }
 const std::string& VarnFile::getBaseName() const { return baseName_; }
@@ -77,19 +97,25 @@ const std::string& VarnFile::getType() const { return type_; }
 void VarnFile::setType(const std::string& type) { type_ = type; }
 const std::string& VarnFile::getCreator() const { return creator_; }
 void VarnFile::setCreator(const std::string& creator) { creator_ = creator; }
-const std::string& VarnFile::getCodeTemplate() const { return codeTemplate_; }
-void VarnFile::setCodeTemplate(const std::string& codeTemplate) { codeTemplate_ = codeTemplate; }
-const std::string& VarnFile::getOutputDirectory() const { return outputDirectory_; }
-void VarnFile::setOutputDirectory(const std::string& directory) { outputDirectory_ = directory; }
+const std::string& VarnFile::getCodeTemplate() const { return attributes().codeTemplate; }
+void VarnFile::setCodeTemplate(const std::string& codeTemplate) {
+  ownAttributes().codeTemplate = codeTemplate;
+}
+const std::string& VarnFile::getOutputDirectory() const { return attributes().outputDirectory; }
+void VarnFile::setOutputDirectory(const std::string& directory) {
+  ownAttributes().outputDirectory = directory;
+}
 const std::string& VarnFile::getGroup() const { return group_; }
 void VarnFile::setGroup(const std::string& group) { group_ = group; }
 const std::string& VarnFile::getDefinedMacro() const { return definedMacro_; }
 void VarnFile::setDefinedMacro(const std::string& macro) { definedMacro_ = macro; }
-const std::vector<std::string>& VarnFile::getSystemsInFile() const { return systems_.list(); }
-void VarnFile::setSystemsInFile(const std::vector<std::string>& systems) {
-  systems_.assign(systems);
+const std::vector<std::string>& VarnFile::getSystemsInFile() const {
+  return attributes().systems.list();
 }
-void VarnFile::addSystemToFile(const std::string& system) { systems_.add(system); }
+void VarnFile::setSystemsInFile(const std::vector<std::string>& systems) {
+  ownAttributes().systems.assign(systems);
+}
+void VarnFile::addSystemToFile(const std::string& system) { ownAttributes().systems.add(system); }
 bool VarnFile::getFiltered() const { return filtered_; }
 void VarnFile::setFiltered(bool filtered) { filtered_ = filtered; }
 bool VarnFile::isWrittenToDisk() const { return writtenToDisk_; }

@@ -53,7 +53,10 @@ const FileSection& VarnFileContent::getSection(VarnFileSectionKind kind) const {
 
 // Not inlined, so that getSection() is short enough to be.
 [[gnu::noinline]] FileSection& VarnFileContent::makeSection(std::size_t slot) const {
-  if ((kinds_ >> slot & 1U) == 0) return emptySection_;
+  if ((kinds_ >> slot & 1U) == 0) {
+    if (!emptySection_) emptySection_ = std::make_unique<EmptyFileSection>();
+    return *emptySection_;
+  }
   sections_[slot] = newSection(sectionKindTable[slot].sectionClass, pool_);
   return *sections_[slot];
 }

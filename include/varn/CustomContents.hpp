@@ -1,12 +1,8 @@
 #ifndef VARN_CUSTOMCONTENTS_HPP
 #define VARN_CUSTOMCONTENTS_HPP
 
+#include <memory>
 #include <string>
-#include <vector>
-
-#include <boost/shared_ptr.hpp>
-#include <boost/unordered_map.hpp>
-#include <boost/unordered_set.hpp>
 
 #include <varn/CustomSection.hpp>
 #include <varn/Export.hpp>
@@ -56,16 +52,15 @@ class VARN_EXPORT CustomContents {
   void appendMissingTokens(FileSection& builtinSection, VarnFileSectionKind builtin);
 
  private:
-  using SectionPtr = boost::shared_ptr<CustomSection>;
+  struct Tables;
 
-  bool sectionTokenInUse(const SectionPtr& section) const;
+  Tables& tables();
+  // The section, or null.
+  CustomSection* find(const std::string& name) const;
 
-  // Both maps hold the same sections; each is once in the list of its built-in section.
-  boost::unordered_map<int, std::vector<SectionPtr>> sectionsByBuiltin_;
-  boost::unordered_map<std::string, SectionPtr> sectionsByName_;
-  boost::unordered_set<std::string> tokensInUse_;
-  std::string emptyContent_;
   std::string fileName_;
+  // Data that few files need, kept out of line.
+  std::unique_ptr<Tables> tables_;
 };
 
 }  // namespace Varn

@@ -13,7 +13,6 @@
 #include <varn/VarnFileContent.hpp>
 #include <varn/VarnFileContentBuilder.hpp>
 #include <varn/VarnFileSectionKind.hpp>
-#include <varn/detail/UniqueNames.hpp>
 
 namespace Varn {
 
@@ -103,24 +102,31 @@ class VARN_EXPORT VarnFile : public orbel::HandleBase {
  private:
   friend class VarnFileRepository;
 
+  // Data that few files need, kept out of line.
+  struct Attributes;
+
+  // As they are read: empty ones when none was set.
+  const Attributes& attributes() const;
+  Attributes& ownAttributes();
+
   std::unique_ptr<VarnFileContent> content_;
-  std::u16string name_;
   std::string nameAscii_;
   std::string baseName_;
   std::string nameWithoutExtension_;
+  // Those that the library sets itself are here: a short text is set without allocating.
   std::string type_;
   std::string creator_;
-  detail::UniqueNames systems_;
+  std::string group_;
+  std::string definedMacro_;
+  std::unique_ptr<Attributes> attributes_;
+  // Made when it is asked for first.
+  mutable std::unique_ptr<std::u16string> name_;
   bool filtered_ = false;
   bool writtenToDisk_ = false;
   bool indent_ = false;
   bool shared_ = false;
   bool sharedType_ = false;
   bool deferredIncludeCoderTypes_ = false;
-  std::string codeTemplate_;
-  std::string outputDirectory_;
-  std::string group_;
-  std::string definedMacro_;
   bool notEmpty_ = false;
   CustomContents customContents_;
 };

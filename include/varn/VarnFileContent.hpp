@@ -89,7 +89,8 @@ class VARN_EXPORT VarnFileContent {
   detail::TextPool* pool_ = nullptr;
   // Unreachable.
   std::vector<std::unique_ptr<FileSection>> replaced_;
-  mutable EmptyFileSection emptySection_;
+  // Made when it is asked for first.
+  mutable std::unique_ptr<EmptyFileSection> emptySection_;
 };
 
 }  // namespace Varn

@@ -3,7 +3,8 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Mapping, Sequence
-from dataclasses import dataclass, field
+from dataclasses import dataclass
+from typing import Any, NamedTuple
 
 from orv import _native
 from orv.delimiters import tag
@@ -31,8 +32,7 @@ def attribute_mistake(name: str) -> str | None:
     return f'files have no attribute "{name}"{did_you_mean(name, [*_SETTABLE, *_OF_THE_TAG])}'
 
 
-@dataclass
-class FileShape:
+class FileShape(NamedTuple):
     """How a file is composed: the order of its sections, if it is not the usual one, whether a
     header gets a guard, and whether it has C linkage in C++."""
 
@@ -41,14 +41,14 @@ class FileShape:
     extern_c: bool = False
 
 
-@dataclass
+@dataclass(slots=True)
 class FileRecord:
     """What the templates said about one file beside what the library keeps."""
 
     kind: str
     declared: Position
     modules: tuple[int, ...] = ()
-    shape: FileShape = field(default_factory=FileShape)
+    shape: FileShape = FileShape()
     # Those of its user regions; see _native.Markers.
     markers: str | None = None
 
@@ -104,6 +104,8 @@ class FileTable:
         self.has_regions: Callable[[int], bool] = lambda file: False
         self._messages = messages
         self._records: dict[int, FileRecord] = {}
+        # Where files were declared, each line once: a loop declares many files at one.
+        self._positions: dict[Position, Position] = {}
         self._by_key: dict[str, int] = {}
 
     def view(self, file: int) -> FileView:
@@ -225,9 +227,9 @@ class FileTable:
             elif name == "markers":
                 self._set_markers(file, value)
             elif name == "guard":
-                self._records[file].shape.guard = _flag(name, value)
+                self._shape(file, guard=_flag(name, value))
             elif name == "extern_c":
-                self._records[file].shape.extern_c = _flag(name, value)
+                self._shape(file, extern_c=_flag(name, value))
             else:
                 self._set_attribute(file, name, value)
 
@@ -269,6 +271,7 @@ class FileTable:
         self, name: str, kind: str, maker: Callable[[], int], modules: tuple[int, ...] = ()
     ) -> int:
         position = here()
+        position = self._positions.setdefault(position, position)
         self._report_clash(name)
         index = maker()
         self._records[index] = FileRecord(kind, position, modules)
@@ -360,7 +363,11 @@ class FileTable:
             self.repository.require_section(file, section)
             if value.count(section) > 1:
                 raise OrvError(f'order names the section "{section}" twice')
-        self._records[file].shape.order = tuple(value)
+        self._shape(file, order=tuple(value))
+
+    def _shape(self, file: int, **changes: Any) -> None:
+        record = self._records[file]
+        record.shape = record.shape._replace(**changes)
 
     def _set_markers(self, file: int, value: object) -> None:
         record = self._records[file]

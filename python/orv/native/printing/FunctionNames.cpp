@@ -5,15 +5,37 @@
 
 namespace orv {
 
+namespace {
+
+// More names are found by their hash.
+constexpr std::size_t mostSearched = 8;
+
+std::uint32_t hashOf(std::string_view name) {
+  return static_cast<std::uint32_t>(std::hash<std::string_view>()(name));
+}
+
+}  // namespace
+
 std::optional<std::size_t> FunctionNames::add(std::string_view name, std::size_t tag) {
+  if (functions_.size() < mostSearched) {
+    for (std::size_t i = 0; i < functions_.size(); ++i) {
+      if (nameOf(i) == name) return functions_[i].tag;
+    }
+    append(name, tag);
+    return std::nullopt;
+  }
   if (2 * functions_.size() >= slots_.size()) grow();
-  const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(name));
+  const std::uint32_t hash = hashOf(name);
   Slot& slot = slotOf(hash, name);
   if (slot.number != 0) return functions_[slot.number - 1].tag;
-  names_.append(name);
-  functions_.push_back({names_.size(), tag});
+  append(name, tag);
   slot = {hash, static_cast<std::uint32_t>(functions_.size())};
   return std::nullopt;
+}
+
+void FunctionNames::append(std::string_view name, std::size_t tag) {
+  names_.append(name);
+  functions_.push_back({names_.size(), tag});
 }
 
 std::string_view FunctionNames::nameOf(std::size_t index) const {
@@ -32,8 +54,15 @@ FunctionNames::Slot& FunctionNames::slotOf(std::uint32_t hash, std::string_view 
 }
 
 void FunctionNames::grow() {
-  constexpr std::size_t fewest = 16;
-  const std::size_t size = slots_.empty() ? fewest : 2 * slots_.size();
+  if (slots_.empty()) {
+    slots_.resize(4 * mostSearched);
+    for (std::uint32_t i = 0; i < functions_.size(); ++i) {
+      const std::uint32_t hash = hashOf(nameOf(i));
+      slotOf(hash, nameOf(i)) = {hash, i + 1};
+    }
+    return;
+  }
+  const std::size_t size = 2 * slots_.size();
   const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(size));
   for (const Slot& slot : old) {
     if (slot.number == 0) continue;

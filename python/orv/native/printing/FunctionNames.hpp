@@ -10,9 +10,9 @@
 
 namespace orv {
 
-// The names of a file's functions, each with the number of the tag that added it first. A file can
-// have millions of them: a name costs its text and some 40 bytes, and growing touches memory in
-// order.
+// The names of a file's functions, each with the number of the tag that added it first. Most files
+// have a few, which are searched one by one. A file can have millions: a name costs its text and
+// some 40 bytes, and growing touches memory in order.
 class FunctionNames {
  public:
   // Adds a name. If it is there already, nothing changes, and the result is the tag of the first.
@@ -30,13 +30,14 @@ class FunctionNames {
   };
 
   std::string_view nameOf(std::size_t index) const;
+  void append(std::string_view name, std::size_t tag);
   // The slot of the name, or the free one where it belongs.
   Slot& slotOf(std::uint32_t hash, std::string_view name);
   void grow();
 
   std::string names_;
   std::vector<Function> functions_;
-  // Open addressing; a power of two, at most half of it used.
+  // Open addressing; a power of two, at most half of it used. Empty while the names are few.
   std::vector<Slot> slots_;
 };
 

@@ -247,7 +247,9 @@ void Printer::commit(Body& body) {
 void Printer::noteFunction(const Body& body) {
   const auto file = static_cast<std::size_t>(body.file);
   if (file >= functions_.size()) functions_.resize(file + 1);
-  const std::optional<std::size_t> first = functions_[file].add(body.name, body.tag);
+  auto& names = functions_[file];
+  if (!names) names = std::make_unique<FunctionNames>();
+  const std::optional<std::size_t> first = names->add(body.name, body.tag);
   if (first) repeated_(body, *first);
 }
 

@@ -131,8 +131,8 @@ class Printer {
 
   std::shared_ptr<PackagedFiles> files_;
   RepeatListener repeated_;
-  // By file; as long as the last file that has any.
-  std::vector<FunctionNames> functions_;
+  // By file, null for those without functions; as long as the last file that has any.
+  std::vector<std::unique_ptr<FunctionNames>> functions_;
   // The first `depth_` are open; the others are kept for their memory.
   std::vector<Body> bodies_;
   std::size_t depth_ = 0;
