@@ -1,7 +1,8 @@
-"""Whether a command would do again what it did the last time.
+"""Whether a command, or one of its runs, would do again what it did the last time.
 
 A record says what a command found and made. While all of that holds, the command would only say
 again what it said. Records are looked at before the engine is loaded: this module imports little.
+A command that does several runs has a record for each of them, too.
 """
 
 from __future__ import annotations
@@ -41,6 +42,7 @@ _SHORT = 65536
 STARTED = time.time_ns()
 
 _records = Cache("unchanged")
+_runs = Cache("runs")
 _key = ""
 
 
@@ -66,6 +68,19 @@ def keep(record: dict[str, Any]) -> None:
     """Keep the record of this command."""
     _records.put(_key, marshal.dumps(record))
     _records.forget_unused()
+
+
+def kept_runs() -> dict[str, Any]:
+    """What is kept of the runs of this command, as given to keep_runs(); empty if nothing is."""
+    data = _runs.get(_key)
+    records: dict[str, Any] = {} if data is None else marshal.loads(data)
+    return records
+
+
+def keep_runs(records: dict[str, Any]) -> None:
+    """Keep the records of the runs of this command."""
+    _runs.put(_key, marshal.dumps(records))
+    _runs.forget_unused()
 
 
 def look(path: str) -> tuple[Signature, bytes]:
@@ -109,35 +124,68 @@ def _identity(arguments: Sequence[str]) -> str:
 
 
 def _repeat(record: dict[str, Any]) -> int | None:
-    locks: list[int] = []
-    try:
-        if not _holds(record, locks):
+    now = time.time_ns()
+    with Locks() as locks:
+        seen = verified(record, locks) if are_same(record["programs"]) else None
+        if seen is None:
             return None
-        # Who asks when the reports were written is answered as if they had been written now.
-        for path in record["reports"]:
-            os.utime(path)
+        if any(is_settled(entry[0], now) for entry in seen.values()):
+            keep(record | {"files": record["files"] | seen, "since": now})
         for stream, text in ((2, record["said"]), (1, record["printed"])):
             while text:
                 text = text[os.write(stream, text) :]
         return 0
-    finally:
-        for lock in locks:
-            os.close(lock)
 
 
-def _holds(record: dict[str, Any], locks: list[int]) -> bool:
-    """Whether all is as the record says. Adds the locks that keep it so."""
+class Locks:
+    """Locks that keep those who write out of folders, until the end of a `with` block."""
+
+    def __init__(self) -> None:
+        self._descriptors: list[int] = []
+
+    def __enter__(self) -> Locks:
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        for descriptor in self._descriptors:
+            os.close(descriptor)
+
+    def add(self, folder: str) -> None:
+        """Lock a folder. Raises OSError when someone writes into it."""
+        self._descriptors.append(os.open(folder, os.O_RDONLY | os.O_DIRECTORY | os.O_CLOEXEC))
+        fcntl.flock(self._descriptors[-1], fcntl.LOCK_SH | fcntl.LOCK_NB)
+
+
+def are_same(programs: Mapping[str, Signature]) -> bool:
+    """Whether the files of the program have these signatures. Raises OSError."""
+    return all(signature_of(os.stat(path)) == known for path, known in programs.items())
+
+
+def verified(record: dict[str, Any], locks: Locks) -> dict[str, Entry] | None:
+    """Whether all is as the record says, but for programs, and stays so while the locks are held.
+
+    Gives entries of the files whose bytes had to be looked at, as their signatures may lie; None if
+    something has changed. The reports are as new then as if they had been written now. Raises
+    OSError.
+    """
     for folder in record["outputs"]:
-        locks.append(os.open(folder, os.O_RDONLY | os.O_DIRECTORY | os.O_CLOEXEC))
-        fcntl.flock(locks[-1], fcntl.LOCK_SH | fcntl.LOCK_NB)
+        locks.add(folder)
+    if not _holds(record):
+        return None
+    seen = _seen(record)
+    for path in record["reports"] if seen is not None else ():
+        os.utime(path)
+    return seen
+
+
+def _holds(record: dict[str, Any]) -> bool:
+    """Whether all but the files is as the record says."""
     return (
-        all(signature_of(os.stat(path)) == known for path, known in record["programs"].items())
-        and all(os.path.realpath(path) == real for path, real in record["folders"].items())
+        all(os.path.realpath(path) == real for path, real in record["folders"].items())
         and not any(map(os.path.lexists, record["absent"]))
         and not any(map(_has_temporary, record["cleaned"]))
         and _are_found(record["patterns"])
         and all(_has(path, known) for path, known in record["reports"].items())
-        and _are_same(record)
     )
 
 
@@ -161,27 +209,21 @@ def _are_found(patterns: Mapping[str, Sequence[str]]) -> bool:
     )
 
 
-def _are_same(record: dict[str, Any]) -> bool:
-    """Whether the files are the same, by their signatures, or by their bytes where these may lie.
-
-    Notes the signatures of files whose bytes were looked at.
-    """
-    now = time.time_ns()
+def _seen(record: dict[str, Any]) -> dict[str, Entry] | None:
+    """Entries of the files whose bytes were looked at; None when a file is not the same."""
     files: dict[str, Entry] = record["files"]
     seen: dict[str, Entry] = {}
     for path, entry in files.items():
         signature, digest, real = entry
         found = os.stat(path) if real else os.lstat(path)
         if real and os.path.realpath(path) != real:
-            return False
+            return None
         if signature_of(found) == signature and is_settled(signature, record["since"]):
             continue
         if found.st_mode != signature[0] or not stat.S_ISREG(found.st_mode):
-            return False
+            return None
         newer, data = look(path)
         if digest_of(data) != digest:
-            return False
+            return None
         seen[path] = (newer, digest, real)
-    if any(is_settled(entry[0], now) for entry in seen.values()):
-        keep(record | {"files": files | seen, "since": now})
-    return True
+    return seen

@@ -14,7 +14,7 @@ import pytest
 from orv import unchanged
 from orv.__main__ import main
 
-# What every run that is not skipped leaves, against its word: one more byte in "calls".
+# What every run that is not skipped leaves, against its word: one more byte in "calls", "a" or "b".
 EXTENSION = """\
 import orv, os
 from beside import PREFIX
@@ -22,14 +22,15 @@ try:
     from optional import PREFIX
 except ImportError:
     pass
-open(os.environ["CALLS"], "a").write("x")
+open(os.environ["CALLS"], "a").write("a")
 @orv.pure
 @orv.filter
 def prefixed(name):
     return PREFIX + name
 """
 SCRIPT = """\
-import orv
+import orv, os
+open(os.environ["CALLS"], "a").write("b")
 @orv.pure
 def fill():
     repo.FileList[0].getFileSection("BANNER_SECTION").addContent("SCRIPT\\n")
@@ -85,39 +86,39 @@ def move(tree: Path) -> None:
     os.symlink("t/more", tree / "more")
 
 
-# What changes between two runs, and whether the second is skipped all the same.
-CHANGES: list[tuple[Callable[[Path], object], bool]] = [
-    (lambda tree: None, True),
-    (lambda tree: os.utime(tree / "t/main.j2"), True),
-    (lambda tree: write("one.yaml", (tree / "one.yaml").read_text())(tree), True),
-    (edit("t/main.j2", "odd", "ODD"), False),
-    (edit("more/i.j2", "included", "INCLUDED"), False),
-    (write("t/none.j2", "there"), False),
-    (write("t/i.j2", "shadows"), False),
-    (lambda tree: os.unlink(tree / "t/i.j2"), False),
-    (edit("models/x.json", "1", "2"), False),
-    (write("models/y.json", '{"x": 3}'), False),
-    (lambda tree: os.unlink(tree / "models/y.json"), False),
-    (edit("one.yaml", "1", "5"), False),
-    (write("schema.json", "{}"), False),
-    (edit("e.py", "PREFIX + name", "name + PREFIX"), False),
-    (edit("s.py", "SCRIPT", "script"), False),
-    (edit("beside.py", '"p"', '"q"'), False),
-    (write("searched/first/optional.py", 'PREFIX = "f"'), False),
-    (edit("style", "style", "STYLE"), False),
-    (write("f.sh", "cat; cat $1; echo"), False),
-    (write("out/a/.clang-format", ""), False),
-    (write("named", "1"), False),
-    (edit("out/a/x.c", "INCLUDED", "included"), False),
-    (edit("out/a/x.c", "BEGIN u */\n", "BEGIN u */\n"), True),
-    (lambda tree: os.unlink(tree / "out/b/b.c"), False),
-    (lambda tree: os.chmod(tree / "out/b/b.c", 0o600), False),
-    (write("out/b/.orv-1.tmp", "left"), False),
-    (edit("out/b/.orv-state.json", "b.c", "c.c"), False),
-    (lambda tree: os.unlink(tree / "stamp"), False),
-    (write("d", "other"), False),
-    (move, False),
-    (edit("orv.toml", "640", "644"), False),
+# What changes between two commands, and which runs the second does.
+CHANGES: list[tuple[Callable[[Path], object], str]] = [
+    (lambda tree: None, ""),
+    (lambda tree: os.utime(tree / "t/main.j2"), ""),
+    (lambda tree: write("one.yaml", (tree / "one.yaml").read_text())(tree), ""),
+    (edit("t/main.j2", "odd", "ODD"), "a"),
+    (edit("more/i.j2", "included", "INCLUDED"), "a"),
+    (write("t/none.j2", "there"), "a"),
+    (write("t/i.j2", "shadows"), "a"),
+    (lambda tree: os.unlink(tree / "t/i.j2"), "a"),
+    (edit("models/x.json", "1", "2"), "a"),
+    (write("models/y.json", '{"x": 3}'), "a"),
+    (lambda tree: os.unlink(tree / "models/y.json"), "a"),
+    (edit("one.yaml", "1", "5"), "a"),
+    (write("schema.json", "{}"), "a"),
+    (edit("e.py", "PREFIX + name", "name + PREFIX"), "a"),
+    (edit("s.py", "SCRIPT", "script"), "b"),
+    (edit("beside.py", '"p"', '"q"'), "a"),
+    (write("searched/first/optional.py", 'PREFIX = "f"'), "ab"),
+    (edit("style", "style", "STYLE"), "a"),
+    (write("f.sh", "cat; cat $1; echo"), "a"),
+    (write("out/a/.clang-format", ""), "a"),
+    (write("named", "1"), "a"),
+    (edit("out/a/x.c", "INCLUDED", "included"), "a"),
+    (edit("out/a/x.c", "BEGIN u */\n", "BEGIN u */\n"), ""),
+    (lambda tree: os.unlink(tree / "out/b/b.c"), "b"),
+    (lambda tree: os.chmod(tree / "out/b/b.c", 0o600), "b"),
+    (write("out/b/.orv-1.tmp", "left"), "b"),
+    (edit("out/b/.orv-state.json", "b.c", "c.c"), "b"),
+    (lambda tree: os.unlink(tree / "stamp"), "a"),
+    (write("d", "other"), "a"),
+    (move, "a"),
+    (edit("orv.toml", "640", "644"), "ab"),
 ]
 
 
@@ -151,17 +152,19 @@ def state_of(tree: Path) -> dict[str, object]:
 def is_ever_skipped(tree: Path, *arguments: str, tries: int = 9) -> bool:
     """Whether a run is skipped at last: what has just changed is not trusted at once."""
     for _ in range(tries):
-        before = count_of_runs()
         assert generate(tree, *arguments)[0] == 0, generate(tree)
-        if count_of_runs() == before:
+        if not runs_done():
             return True
         time.sleep(unchanged.RACY / 1e9)
     return False
 
 
-def count_of_runs() -> int:
+def runs_done() -> str:
+    """The runs that were done since the last call."""
     calls = Path(os.environ["CALLS"])
-    return calls.stat().st_size if calls.exists() else 0
+    done = calls.read_text() if calls.exists() else ""
+    calls.write_text("")
+    return "".join(sorted(done))
 
 
 def test_changes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
@@ -175,17 +178,20 @@ def test_changes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     for path, text in FILES.items():
         (tree / path).parent.mkdir(parents=True, exist_ok=True)
         (tree / path).write_text(text)
-    for number, (change, is_skipped) in enumerate(CHANGES):
+    for number, (change, runs) in enumerate(CHANGES):
         assert is_ever_skipped(tree)
         shutil.copytree(tree, twin, symlinks=True)
         change(tree)
-        before, begun = count_of_runs(), time.time()
+        begun = time.time()
         found = generate(tree), state_of(tree)
-        assert (number, count_of_runs() == before) == (number, is_skipped)
-        if is_skipped:
+        assert (number, runs_done()) == (number, runs)
+        if found[0][0] == 0:
             assert (tree / "stamp").stat().st_mtime > begun - 0.1
-            assert found == (generate(tree, "--always"), state_of(tree))
-        if found[0][0] != 0:
+            again = generate(tree, "--always"), state_of(tree)
+            assert (again[0][2], again[1]) == (found[0][2], found[1])
+            assert runs or again == found
+            runs_done()
+        else:
             shutil.rmtree(tree)
             os.rename(twin, tree)
         shutil.rmtree(twin, ignore_errors=True)
@@ -196,8 +202,75 @@ def test_changes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
         assert not is_ever_skipped(tree, tries=3)
         (tree / path).write_text(text)
     edit("more/i.j2", "INCLUDED", "included")(tree)
-    before = count_of_runs()
-    assert generate(tree, "--jobs", "2")[0] == 0 and count_of_runs() > before
+    runs_done()
+    assert (generate(tree, "--jobs", "2")[0], runs_done()) == (0, "a")
+
+
+# A run that makes a model of others, one beside it in the same folder, and one for each model.
+RUNS = {
+    "orv.toml": '[run.first]\ntemplate = "first.j2"\nmodel = "first.json"\nout = "made"\n'
+    'extend = "e.py"\n[run.beside]\ntemplate = "beside.j2"\nset = "id=b"\nout = "made"\n'
+    'extend = "e.py"\n[run.each]\ntemplate = "each.j2"\nfor-each = "m=models/*.json"\n'
+    'model = "n=made/made.json"\nout = "gen/{m}"\ndepfile = "d"\nstamp = "s"\noutputs = "o"\n'
+    'manifest = "gen/{m}.json"\nextend = "e.py"\nformat = "sh f.sh style"\nformat-all = true\n',
+    "e.py": "import orv, os\n@orv.pure\n@orv.prepare\ndef note(model):\n    with open"
+    '(os.environ["CALLS"], "a") as calls:\n        calls.write(model.get("id") or model["m"]["id"])\n'
+    "    return model\n",
+    "first.j2": '{% file "made.json" as text %}{% section "Text" %}{"v": {{ v }}}{% endsection %}'
+    "{% endfile %}",
+    "first.json": '{"id": "f", "v": 1}',
+    "beside.j2": FILES["t/b.j2"],
+    "each.j2": '{{ warn("of " ~ m.id) }}{% file "none.c" %}{% endfile %}{% file "a.c" %}'
+    '{% section "Banner" %}{{ m.id }}{{ n.v }}{% endsection %}{% endfile %}',
+    "models/x.json": '{"id": "x"}',
+    "models/y.json": '{"id": "y"}',
+    "f.sh": "cat; cat $1",
+    "style": "/* style */\n",
+}
+
+# What changes, the runs that are done then, and the exit code.
+STEPS: list[tuple[Callable[[Path], object], str, int]] = [
+    (lambda tree: None, "", 0),
+    (edit("models/x.json", "x", "X"), "X", 0),
+    (write("models/z.json", '{"id": "z"}'), "z", 0),
+    (lambda tree: os.unlink(tree / "models/x.json"), "", 0),
+    (edit("style", "style", "STYLE"), "yz", 0),
+    (edit("first.json", "1", "2"), "bfyz", 0),
+    (edit("beside.j2", "b{%", "c{%"), "b", 0),
+    # The state that two runs have in common has changed since the first one was done.
+    (edit("each.j2", "of ", "to "), "fyz", 0),
+    (write("models/y.json", "{"), "", 1),
+    (edit("models/z.json", "z", "Z"), "Z", 1),
+    (write("models/y.json", '{"id": "Y"}'), "Y", 0),
+    (edit("gen/z/a.c", "Z", "z"), "Z", 1),
+    (edit("gen/z/a.c", "z", "Z"), "", 0),
+    (lambda tree: shutil.rmtree(tree / "gen/y"), "Y", 0),
+    (write("gen/y.json", "other"), "Y", 0),
+    (lambda tree: os.unlink(tree / "d"), "", 0),
+    (write("orv.toml", RUNS["orv.toml"].replace("id=b", "id=B")), "BYZf", 0),
+]
+
+
+@pytest.mark.parametrize("jobs", ["1", "2"])
+def test_changes_of_single_runs(tmp_path: Path, monkeypatch: pytest.MonkeyPatch, jobs: str) -> None:
+    monkeypatch.setenv("CALLS", str(tmp_path / "calls"))
+    monkeypatch.setattr(unchanged, "RACY", 50_000_000)
+    tree = tmp_path / "tree"
+    for path, text in RUNS.items():
+        (tree / path).parent.mkdir(parents=True, exist_ok=True)
+        (tree / path).write_text(text)
+    for _ in range(2):
+        assert generate(tree, "--jobs", jobs)[0] == 0
+    runs_done()
+    for number, (change, runs, code) in enumerate(STEPS):
+        change(tree)
+        time.sleep(unchanged.RACY / 1e9)
+        found = generate(tree, "--jobs", jobs)
+        assert (number, runs_done(), found[0]) == (number, runs, code)
+        before = state_of(tree)
+        again = generate(tree, "--jobs", jobs, "--always")
+        assert (number, *again[::2], state_of(tree)) == (number, *found[::2], before)
+        runs_done()
 
 
 def test_coarse_times(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:

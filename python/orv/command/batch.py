@@ -73,10 +73,22 @@ class _Batch:
         self.outcomes: dict[int, Outcome] = {}
         self._failed = 0
         self._interrupted: list[str] = []
+        self._recorder = self._known = None
+        if is_recorded():
+            from orv.command.record import Recorder
+            from orv.command.repeat import KnownRuns
+
+            self._recorder = Recorder()
+            if len(runs) > 1 and runs[0].scheduler is None:
+                self._known = KnownRuns(runs, self._recorder)
 
     def attempt(self, number: int) -> Attempt:
-        """Do a run."""
-        return attempt(lambda: self._generate(self._runs[number]))
+        """Do a run, unless it would do what it did the last time."""
+        options = self._runs[number]
+        known = None if self._known is None else self._known.repeat(options)
+        if known is not None:
+            return Attempt(known[0], found=known[1])
+        return attempt(lambda: self._generate(options))
 
     def report(self, number: int, done: Done[Attempt]) -> None:
         """Say what came of a run."""
@@ -90,6 +102,8 @@ class _Batch:
         elif done.result is not None and done.result.outcome is not None:
             self.outcomes[number] = done.result.outcome
             inputs.current().add(done.result.found)
+            if self._known is not None:
+                self._known.note(self._runs[number], done.result.outcome, done.result.found)
         elif done.result is not None:
             self._fail(number, done.result.failure)
 
@@ -141,14 +155,14 @@ class _Batch:
         print(_summary(told, bool(same)), end="")
         if self._failed and len(self._runs) > 1:
             print(f"error: {self._failed} of {len(self._runs)} runs failed", file=sys.stderr)
+        if self._known is not None:
+            self._known.keep()
         differs = any(self._runs[number].check and outcome.differs
                       for number, outcome in self.outcomes.items())  # fmt: skip
         if differs or self._failed:
             return 1
-        if is_recorded() and not any(run.always_runs for run in self._runs):
-            from orv.command.record import record
-
-            record(inputs.current(), len(self._runs), _summary(told, bool(told)))
+        if self._recorder is not None and not any(run.always_runs for run in self._runs):
+            self._recorder.keep(inputs.current(), len(self._runs), _summary(told, bool(told)))
         return 0
 
 

@@ -205,7 +205,7 @@ class OutputOptions(OutputFolderOptions):
     check: bool = flag("write nothing; end with 1 when a file differs", exclusive="mode")
     dry_run: bool = flag("write nothing; list what would be written", exclusive="mode")
     diff: bool = flag("write nothing; show what would change")
-    always: bool = flag("run even if nothing has changed since the same command ran last")
+    always: bool = flag("do all runs, even if nothing has changed since the same command ran last")
 
 
 class LayoutOptions(Options):

@@ -121,8 +121,8 @@ class Formatter:
             self._digests[path] = b""
             with suppress(OSError, ValueError):
                 if os.path.isfile(path):
-                    inputs.current().used.add(path)
                     self._digests[path] = hashlib.blake2b(inputs.load(path)).digest()
-                else:
-                    inputs.current().absent.add(path)
+        # Several runs may have this formatter in common: each depends on the file.
+        found = inputs.current()
+        (found.used if self._digests[path] else found.absent).add(path)
         return self._digests[path]
