@@ -182,8 +182,10 @@ class Outputs:
 
     def _dependencies(self) -> list[str]:
         """What the run read and what it says it depends on, without its own outputs."""
-        made = {real_path(self._folder, file.location) for file in self._files}
-        named = [path for path in self._run.dependencies if os.path.realpath(path) not in made]
+        named = self._run.dependencies
+        if named:
+            made = {real_path(self._folder, file.location) for file in self._files}
+            named = [path for path in named if os.path.realpath(path) not in made]
         # A file that is named in several ways is one dependency.
         paths = {os.path.abspath(path): path for path in [*named, *self._sources]}
         return list(paths.values())

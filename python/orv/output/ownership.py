@@ -139,20 +139,23 @@ def _leftovers(
     files: Sequence[PlannedFile], state: FolderState, folder: _native.OutputFolder, policy: Policy
 ) -> list[_Leftover]:
     """The files on the disk that the run made before and no longer makes, if no other run does."""
-    made = {file.location for file in files}
+    known = state.runs.get(policy.run, {})
+    gone = sorted(known.keys() - {file.location for file in files})
+    if not gone:
+        return []
     folded = {file.location.casefold(): file.location for file in files}
     leftovers: list[_Leftover] = []
-    for location, record in sorted(state.runs.get(policy.run, {}).items()):
-        if location in made or any(owner != policy.run for owner in state.owners(location)):
+    for location in gone:
+        if any(owner != policy.run for owner in state.owners(location)):
             continue
         twin = folded.get(location.casefold())
         if twin and _is_same(folder, location, twin):
             continue
         found: _native.Comparison | None = None
         with suppress(OSError, OrvError):
-            found = compare_with_record(folder, location, record)
+            found = compare_with_record(folder, location, known[location])
         if found is None or found.exists:
-            leftovers.append(_Leftover(location, record, found))
+            leftovers.append(_Leftover(location, known[location], found))
     return leftovers
 
 

@@ -74,9 +74,9 @@ class FolderState:
 
     def keep_folders_of_files(self) -> None:
         """Forget the folders that no file of a run is in."""
-        self.folders &= {
-            folder for files in self.runs.values() for path in files for folder in folders_of(path)
-        }
+        if self.folders:
+            paths = {path for files in self.runs.values() for path in files}
+            self.folders &= {folder for path in paths for folder in folders_of(path)}
 
     def copy(self) -> FolderState:
         """An independent copy."""
@@ -209,11 +209,14 @@ def _state(value: dict[str, Any]) -> FolderState:
 
 
 def _record(value: dict[str, Any]) -> Record:
+    hash = _text(value["hash"])
+    if len(value) == 1:
+        return Record(hash)
     regions = {id: _text(hash) for id, hash in value.get("regions", {}).items()}
     markers = _text(value.get("markers", ""))
     if markers:
         _native.Markers(markers)
-    return Record(_text(value["hash"]), regions, markers)
+    return Record(hash, regions, markers)
 
 
 def _checked(path: object) -> str:

@@ -53,8 +53,8 @@ class Writer:
 
         `more` are the locations of files that were made by earlier runs.
         """
-        locations = [file.location for file in files if not file.is_empty]
-        for folder in sorted({os.path.dirname(location) for location in [*locations, *more]}):
+        locations = {*more, *(file.location for file in files if not file.is_empty)}
+        for folder in sorted({os.path.dirname(location) for location in locations}):
             with suppress(OSError):
                 self._folder.remove_abandoned(folder)
                 inputs.current().cleaned.add(os.path.join(self._folder.real, folder))
