@@ -13,6 +13,9 @@ from orv.output.plan import PlannedFile
 FORMAT = "orv-trace"
 VERSION = 1
 
+# Most of a trace: texts of digits and letters, in which there is nothing to escape.
+_TABLES = ("lines", "links", "paths", "ranges")
+
 
 def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
     """The bytes of the trace file; see trace_document()."""
@@ -21,7 +24,20 @@ def trace_file(run: Run, files: Iterable[PlannedFile], folder: str) -> bytes:
 
 def encoded(document: Mapping[str, Any]) -> bytes:
     """The trace file that holds a trace."""
-    return json.dumps(document, separators=(",", ":")).encode() + b"\n"
+    return f"{_object(document)}\n".encode()
+
+
+def _object(members: Mapping[str, Any]) -> str:
+    texts = [f"{json.dumps(name)}:{_member(name, value)}" for name, value in members.items()]
+    return f"{{{','.join(texts)}}}"
+
+
+def _member(name: str, value: Any) -> str:
+    if name in _TABLES:
+        return f'"{value}"'
+    if name == "files":
+        return f"[{','.join(map(_object, value))}]"
+    return json.dumps(value, separators=(",", ":"))
 
 
 def trace_document(run: Run, files: Iterable[PlannedFile], folder: str) -> dict[str, Any]:

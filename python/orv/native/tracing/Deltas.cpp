@@ -9,8 +9,6 @@ namespace {
 constexpr std::string_view digits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::uint64_t continues = 32;
-// The most characters that a number of 64 bits takes.
-constexpr unsigned longest = 13;
 
 using Values = std::array<std::int8_t, 256>;
 
@@ -27,19 +25,20 @@ constexpr Values valueOf = makeValues();
 
 }  // namespace
 
-void appendNumber(std::string& text, std::int64_t number) {
+char* writeNumber(char* to, std::int64_t number) {
   auto rest = number < 0 ? (static_cast<std::uint64_t>(-number) << 1U) | 1U
                          : static_cast<std::uint64_t>(number) << 1U;
   while (rest >= continues) {
-    text += digits[(rest & (continues - 1)) | continues];
+    *to++ = digits[(rest & (continues - 1)) | continues];
     rest >>= 5U;
   }
-  text += digits[rest];
+  *to++ = digits[rest];
+  return to;
 }
 
 std::int64_t takeNumber(std::string_view& text) {
   std::uint64_t number = 0;
-  for (unsigned i = 0; i < longest && i < text.size(); ++i) {
+  for (unsigned i = 0; i < longestNumber && i < text.size(); ++i) {
     const std::int8_t value = valueOf[static_cast<unsigned char>(text[i])];
     if (value < 0) break;
     number |= (static_cast<std::uint64_t>(value) & (continues - 1)) << (5 * i);

@@ -13,7 +13,18 @@ namespace orv {
 
 // Numbers as text: base64 VLQ as in source maps, six bits a character, the sign in the lowest bit
 // of the first. Small numbers of either sign take one character.
-void appendNumber(std::string& text, std::int64_t number);
+constexpr std::size_t longestNumber = 13;
+// Writes a number of at most longestNumber characters. Returns its end.
+char* writeNumber(char* to, std::int64_t number);
+
+template <std::size_t Count>
+void appendNumbers(std::string& text, const std::array<std::int64_t, Count>& numbers) {
+  char characters[Count * longestNumber];
+  char* end = characters;
+  for (const std::int64_t number : numbers) end = writeNumber(end, number);
+  text.append(characters, static_cast<std::size_t>(end - characters));
+}
+
 // Takes the number that `text` begins with. Throws std::invalid_argument for what is none.
 std::int64_t takeNumber(std::string_view& text);
 
@@ -24,9 +35,11 @@ class DeltaTable {
   using Row = std::array<std::int64_t, Fields>;
 
   void append(const Row& row) {
+    Row differences;
     for (std::size_t field = 0; field < Fields; ++field) {
-      appendNumber(text_, row[field] - last_[field]);
+      differences[field] = row[field] - last_[field];
     }
+    appendNumbers(text_, differences);
     last_ = row;
   }
   const std::string& text() const { return text_; }

@@ -12,9 +12,8 @@ std::int64_t difference(std::size_t value, std::size_t before) {
 }
 
 void appendRow(std::string& text, std::size_t size, Origin origin, Origin before) {
-  appendNumber(text, static_cast<std::int64_t>(size));
-  appendNumber(text, difference(origin.site, before.site));
-  appendNumber(text, difference(origin.link, before.link));
+  appendNumbers<3>(text, {static_cast<std::int64_t>(size), difference(origin.site, before.site),
+                          difference(origin.link, before.link)});
 }
 
 std::size_t lineSize(std::string_view text) {
