@@ -6,9 +6,6 @@ namespace orv {
 
 XmlDocument::XmlDocument(std::string_view text) {
   XmlReader(*this).read(text);
-  nodes_.shrink_to_fit();
-  elements_.shrink_to_fit();
-  attributes_.shrink_to_fit();
   texts_.finish();
 }
 

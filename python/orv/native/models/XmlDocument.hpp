@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -72,10 +73,12 @@ class XmlDocument {
 
   static constexpr std::uint32_t textMark = std::uint32_t{1} << 31;
 
+  // Many: they are not to be copied when there are more.
+  //
   // The position of an element in elements_; or that of a text in texts_, with the mark.
-  std::vector<std::uint32_t> nodes_;
-  std::vector<StoredElement> elements_;
-  std::vector<StoredAttribute> attributes_;
+  std::deque<std::uint32_t> nodes_;
+  std::deque<StoredElement> elements_;
+  std::deque<StoredAttribute> attributes_;
   std::vector<std::string> names_;
   DistinctTexts texts_;
 };
