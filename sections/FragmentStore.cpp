@@ -86,6 +86,16 @@ void FragmentStore::append(FragmentPtr fragment) {
   before.whole.clear();
 }
 
+void FragmentStore::undoAppend() {
+  assert(size() != 0);
+  if (page_.pieceCount() != 0) {
+    page_.undoAppend();
+  } else {
+    rest_->segments.pop_back();
+    --rest_->size;
+  }
+}
+
 void FragmentStore::clear() {
   page_.clear(pool_);
   if (!rest_) return;

@@ -1,7 +1,6 @@
 #include "varn/FunctionsSection.hpp"
 
 #include <cassert>
-#include <utility>
 
 namespace Varn {
 
@@ -14,18 +13,11 @@ std::string FunctionsSection::getFullyQualifiedKoboTypeName() const {
 }
 
 void FunctionsSection::addFunction(const std::string& name, const std::string& body) {
-  if (functionNames_.size() == functionNames_.capacity()) {
-    // Either argument may be a name in the list, which moves when it grows.
-    const auto own = std::make_pair(name, body);
-    functionNames_.reserve(2 * functionNames_.size() + 1);
-    addFunction(own.first, own.second);
-    return;
-  }
-  functionNames_.push_back(name);
+  functionNames_.append(name.data(), name.size());
   try {
     FileSection::addContent(body);
   } catch (...) {
-    functionNames_.pop_back();
+    functionNames_.undoAppend();
     throw;
   }
 }
@@ -43,8 +35,8 @@ const std::string& FunctionsSection::getFunction(unsigned int index) const {
 }
 
 const std::string& FunctionsSection::getFunctionName(unsigned int index) const {
-  assert(index < functionNames_.size());
-  return functionNames_[index];
+  assert(index < getNumberOfFunctionNames());
+  return functionNames_.fragment(index).getContent();
 }
 
 const std::string& FunctionsSection::kobo_getFunction(unsigned int index) const {

@@ -102,6 +102,11 @@ bool TextPage::append(const char* text, std::size_t length, TextPool* pool) {
   return true;
 }
 
+void TextPage::undoAppend() {
+  extent_.textSize -= static_cast<Length>(length(pieceCount() - 1));
+  --extent_.pieceCount;
+}
+
 TextPage TextPage::next(std::size_t length) const {
   TextPage page;
   const bool isFull = sizeWith(length) > block_->capacity;

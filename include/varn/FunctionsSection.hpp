@@ -2,10 +2,10 @@
 #define VARN_FUNCTIONSSECTION_HPP
 
 #include <string>
-#include <vector>
 
 #include <varn/Export.hpp>
 #include <varn/FileSection.hpp>
+#include <varn/detail/FragmentStore.hpp>
 
 namespace Varn {
 
@@ -18,7 +18,7 @@ namespace Varn {
 class VARN_EXPORT FunctionsSection : public FileSection {
  public:
   FunctionsSection();
-  // Shares the bodies, copies the names.
+  // Shares the bodies and the names.
   FunctionsSection(const FunctionsSection& source);
   FunctionsSection& operator=(const FunctionsSection&) = delete;
   ~FunctionsSection() override;
@@ -45,7 +45,7 @@ class VARN_EXPORT FunctionsSection : public FileSection {
   FileSection* clone() const override;
 
  private:
-  std::vector<std::string> functionNames_;
+  detail::FragmentStore functionNames_;
 };
 
 }  // namespace Varn

@@ -37,6 +37,8 @@ class FragmentStore {
   void append(const char* text, std::size_t length);
   // Also empties the text that whole() has returned.
   void append(boost::shared_ptr<FileSectionFragment> fragment);
+  // Drops the fragment that the last operation has appended.
+  void undoAppend();
   // Frees most of the memory that is kept for further texts.
   void shrinkToFit() { page_.shrinkToFit(pool_); }
   // Drops the fragments; the text that whole() has returned stays.

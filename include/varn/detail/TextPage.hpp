@@ -38,6 +38,9 @@ class TextPage {
   // object. An allocation failure changes nothing.
   bool append(const char* text, std::size_t length, TextPool* pool);
 
+  // Drops the piece that the last operation has appended.
+  void undoAppend();
+
   // An empty page to continue with after append() refused a piece of `length`: a large one if this
   // one was full.
   TextPage next(std::size_t length) const;
