@@ -33,6 +33,11 @@ std::optional<std::size_t> FunctionNames::add(std::string_view name, std::size_t
   return std::nullopt;
 }
 
+void FunctionNames::prefetch(std::string_view name) const {
+  if (slots_.empty()) return;
+  __builtin_prefetch(&slots_[hashOf(name) & (slots_.size() - 1)]);
+}
+
 void FunctionNames::append(std::string_view name, std::size_t tag) {
   names_.append(name);
   functions_.push_back({names_.size(), tag});

@@ -111,6 +111,8 @@ void Printer::openFunction(int file, std::string_view name, std::size_t tag) {
   body.section = kind;
   body.name = name;
   body.tag = tag;
+  const auto position = static_cast<std::size_t>(file);
+  if (position < functions_.size() && functions_[position]) functions_[position]->prefetch(name);
 }
 
 void Printer::openFill(int file, std::string_view name) {
