@@ -13,7 +13,8 @@ _BETWEEN_COLLECTIONS = 50_000
 def main() -> int:
     """Run the command line, as far as there is something to do. Returns the exit code.
 
-    The process is expected to end then: what is in cycles is not freed any more.
+    The process is expected to end then: what is in cycles is not freed any more, unless Python
+    files of the user have run, which may have left something to be done when objects are freed.
     """
     gc.set_threshold(_BETWEEN_COLLECTIONS)
     try:
@@ -24,7 +25,8 @@ def main() -> int:
             code = run()
         return code
     finally:
-        gc.freeze()
+        if "orv.pythonfiles" not in sys.modules:
+            gc.freeze()
 
 
 if __name__ == "__main__":

@@ -52,6 +52,16 @@ TEMPLATE = """\
 {{ count(step=5) }}{% endsection %}{% endfile %}
 """
 
+# What is in a cycle, as the class is with its method, is freed at the end of the process.
+SCRIPT = """\
+import shown
+depends('s.txt')
+class Late:
+    def __del__(self):
+        open("freed", "w")
+late = Late()
+"""
+
 
 def test_extensions(orv: Command, tmp_path: Path) -> None:
     (tmp_path / "other").mkdir()
@@ -63,7 +73,7 @@ def test_extensions(orv: Command, tmp_path: Path) -> None:
         "generate", "t.j2", "--extend", "other/e.py", "--extend", "e.py", "--out", "out",
         "--depfile", "/dev/stdout", "--depfile-target", "out/a.c", "--quiet", "--script", "s.py",
         env={"PYTHONPATH": f"{tmp_path / 'lib'}{os.pathsep}{os.environ.get('PYTHONPATH', '')}"},
-        t__j2=TEMPLATE, s__py="import shown\ndepends('s.txt')\n", shown__py="", s__txt="",
+        t__j2=TEMPLATE, s__py=SCRIPT, shown__py="", s__txt="",
         e__py=EXTENSION, helpers__py='PREFIX = "m_"\n', data__txt="",
     )  # fmt: skip
     assert (done.returncode, done.stderr) == (0, "debug: t.j2:1: ['b', 'a']\n")
@@ -72,6 +82,7 @@ def test_extensions(orv: Command, tmp_path: Path) -> None:
             "s.py", "s.txt", "shown.py", "t.j2"]  # fmt: skip
     assert done.stdout == "out/a.c: \\\n  " + " \\\n  ".join(read) + "\n"
     assert not list(tmp_path.rglob("__pycache__"))
+    assert (tmp_path / "freed").exists()
 
 
 # The extension from its second line on, the template, and what is said.
