@@ -206,13 +206,15 @@ def test_changes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     assert (generate(tree, "--jobs", "2")[0], runs_done()) == (0, "a")
 
 
-# A run that makes a model of others, one beside it in the same folder, and one for each model.
+# A run that makes a model of others, one beside it in the same folder, one for each model, and one
+# with the label of one of these.
 RUNS = {
     "orv.toml": '[run.first]\ntemplate = "first.j2"\nmodel = "first.json"\nout = "made"\n'
     'extend = "e.py"\n[run.beside]\ntemplate = "beside.j2"\nset = "id=b"\nout = "made"\n'
     'extend = "e.py"\n[run.each]\ntemplate = "each.j2"\nfor-each = "m=models/*.json"\n'
     'model = "n=made/made.json"\nout = "gen/{m}"\ndepfile = "d"\nstamp = "s"\noutputs = "o"\n'
-    'manifest = "gen/{m}.json"\nextend = "e.py"\nformat = "sh f.sh style"\nformat-all = true\n',
+    'manifest = "gen/{m}.json"\nextend = "e.py"\nformat = "sh f.sh style"\nformat-all = true\n'
+    '[run."each, m=models/x.json"]\ntemplate = "b.j2"\nout = "like"\n',
     "e.py": "import orv, os\n@orv.pure\n@orv.prepare\ndef note(model):\n    with open"
     '(os.environ["CALLS"], "a") as calls:\n        calls.write(model.get("id") or model["m"]["id"])\n'
     "    return model\n",
@@ -220,6 +222,7 @@ RUNS = {
     "{% endfile %}",
     "first.json": '{"id": "f", "v": 1}',
     "beside.j2": FILES["t/b.j2"],
+    "b.j2": FILES["t/b.j2"],
     "each.j2": '{{ warn("of " ~ m.id) }}{% file "none.c" %}{% endfile %}{% file "a.c" %}'
     '{% section "Banner" %}{{ m.id }}{{ n.v }}{% endsection %}{% endfile %}',
     "models/x.json": '{"id": "x"}',

@@ -13,9 +13,12 @@ from orv.command.record import Recorder, programs_of
 from orv.inputs import Ended, Inputs
 from orv.unchanged import Entry, Locks
 
+# What tells a run from the others: two may have the same label.
+_Name = tuple[str, str]
+
 
 class KnownRuns:
-    """What the runs of this command did the last time, by their labels.
+    """What the runs of this command did the last time, by their names and model files.
 
     The command line and the project file must be the same for that. Whether a run would do it again
     is only known when it is its turn: those before it may change what it reads.
@@ -27,12 +30,12 @@ class KnownRuns:
         self._project = {path: digest for path, (_, digest) in inputs.current().read.items()}
         self._old = self._kept()
         # What a run did that fails now may be what it does the next time.
-        labels = {options.label for options in runs} & self._old.keys()
-        self._new = {label: self._old[label] for label in labels}
+        names = set(map(_name, runs)) & self._old.keys()
+        self._new = {name: self._old[name] for name in names}
 
     def repeat(self, options: GenerateOptions) -> tuple[Outcome, Inputs] | None:
         """Say what a run said if it would do the same again; None if it has to be done."""
-        record = self._old.get(options.label)
+        record = self._old.get(_name(options))
         if record is None:
             return None
         try:
@@ -53,7 +56,7 @@ class KnownRuns:
             record["made"] = found.made
             record["ended"] = [run[:2] for run in found.ended]
             record["outcome"] = [list(names) for names in outcome[1:]]
-            self._new[options.label] = record
+            self._new[_name(options)] = record
 
     def keep(self) -> None:
         """Keep the records of the runs."""
@@ -62,7 +65,7 @@ class KnownRuns:
             kept = {"project": self._project, "programs": programs, "runs": self._new}
             unchanged.keep_runs(kept)
 
-    def _kept(self) -> dict[str, dict[str, Any]]:
+    def _kept(self) -> dict[_Name, dict[str, Any]]:
         """The records of the last command's runs, if it had the same project file and program."""
         try:
             kept = unchanged.kept_runs()
@@ -72,8 +75,12 @@ class KnownRuns:
             return {}
         # Modules that only runs use which are not done now.
         inputs.current().loaded.update(kept["programs"])
-        runs: dict[str, dict[str, Any]] = kept["runs"]
+        runs: dict[_Name, dict[str, Any]] = kept["runs"]
         return runs
+
+
+def _name(options: GenerateOptions) -> _Name:
+    return options.run_name or "", str(options.model_file or "")
 
 
 def _found(record: dict[str, Any], files: dict[str, Entry]) -> Inputs:
