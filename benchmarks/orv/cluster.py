@@ -53,7 +53,7 @@ def _costs(folder: Path, count: int, address: str, rounds: int) -> Cost:
         costs.append(_cost([*command, "--scheduler", address]))
         if _made(folder) != expected:
             raise ValueError("the workers have made other files than --jobs 1")
-    return Cost(*map(median, zip(*costs, strict=True)))
+    return Cost(*(median(values) for values in zip(*costs, strict=True)))
 
 
 def _cost(command: Sequence[str]) -> Cost:
