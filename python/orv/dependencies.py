@@ -20,7 +20,7 @@ def depends(file: str | os.PathLike[str]) -> str:
     working directory. Gives "", and does nothing outside a run. Raises orv.OrvError when there is
     no such file.
     """
-    path = os.fspath(file)
+    path = inputs.plain(os.fsdecode(file))
     if not os.path.exists(path):
         inputs.current().absent.add(path)
         raise OrvError(f'depends: there is no file "{path}"')

@@ -92,6 +92,11 @@ def current() -> Inputs:
     return _current.get() or Inputs()
 
 
+def plain(text: str) -> str:
+    """The text of a str or a subclass, such as an escaped text, which no record can hold."""
+    return str.__str__(text)
+
+
 def load(path: str) -> bytes:
     """The bytes of a file that the run reads. Raises OSError."""
     signature, data = look(path)

@@ -44,8 +44,8 @@ FILES = {
     '[run.b]\ntemplate = "t/b.j2"\nscript = "s.py"\nout = "out/b"\nfile-mode = "640"\n',
     "t/main.j2": '{{ warn("odd") }}{% for n, v in m.items() %}{% file n ~ ".c" %}'
     '{% section "Banner" %}'
-    '{{ (n ~ v.x ~ one ~ depends("named")) | prefixed }}{% include "i.j2" %}\n'
-    '{% include "none.j2" ignore missing %}\n{% user "u" %}{% enduser %}\n'
+    '{{ (n ~ v.x ~ one ~ depends("named"|safe)) | prefixed }}{% include "i.j2" %}\n'
+    '{% include "none.j2"|safe ignore missing %}\n{% user "u" %}{% enduser %}\n'
     "{% endsection %}{% endfile %}{% endfor %}",
     "t/b.j2": '{% file "b.c" %}{% section "Banner" %}b{% endsection %}{% endfile %}'
     '{% file "none.c" %}{% endfile %}',

@@ -39,7 +39,7 @@ class RecordingLoader(BaseLoader):
 
     def get_source(self, environment: Any, template: str) -> Any:
         """The source of the template; see jinja2.BaseLoader."""
-        filename = self._find(template)
+        filename = self._find(inputs.plain(template))
         try:
             # A byte order mark is not part of the template's text.
             source = inputs.load(filename).decode("utf-8-sig")
