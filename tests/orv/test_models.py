@@ -26,6 +26,9 @@ SAME_IN = {
     "m.toml": 'name = "m"\non = true\nsizes = [1, 2]\n[in]\nx = 1.5\n',
 }
 
+# As many names that are given twice as a message lists.
+REPEATED = "\n".join(f':1:{n}: the name "a" is given twice in one object' for n in range(9, 150, 7))
+
 # What is refused, with the whole message behind the file's name.
 REFUSED: dict[str, tuple[str | bytes, str]] = {
     "m.txt": ("", ": a model's name ends in .json, .yaml, .yml, .toml, .csv, .xml"),
@@ -35,10 +38,8 @@ REFUSED: dict[str, tuple[str | bytes, str]] = {
         ':2:2: the name "b" is given twice in one object\n'
         ':2:18: the name "a" is given twice in one object\n:3:2: missing a name for object member',
     ),
-    "many.json": (
-        "{" + '"a": 1,' * 22 + "4",
-        "\n".join(f':1:{n}: the name "a" is given twice in one object' for n in range(9, 150, 7)),
-    ),
+    "many.json": ("{" + '"a": 1,' * 22 + "4", REPEATED),
+    "closed.json": ("{" + '"a": 1,' * 22 + '"b": 1}', REPEATED),
     "nan.json": ("[NaN]", ":1:2: invalid value"),
     "nul.json": ('{"a":\n["\\u0000"]}', ":2:2: a model cannot hold a NUL character"),
     "raw.json": (b'{"a": 1}\n\0', ":2:1: a model cannot hold a NUL character"),

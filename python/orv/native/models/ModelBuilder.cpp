@@ -1,5 +1,6 @@
 #include "python/orv/native/models/ModelBuilder.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -60,6 +61,10 @@ py::object listOf(const py::object* values, std::size_t count) {
   return list;
 }
 
+bool isSame(const Location& left, const Location& right) {
+  return left.line == right.line && left.column == right.column;
+}
+
 template <typename Part>
 void insertAt(std::vector<Part>& parts, std::size_t position, const std::vector<Part>& inserted) {
   parts.insert(parts.begin() + static_cast<std::ptrdiff_t>(position), inserted.begin(),
@@ -117,10 +122,16 @@ void ModelBuilder::noteRepeated(std::size_t firstKey, std::size_t lastKey) {
       seen.add(keys_[i]);
       continue;
     }
+    const Location& location = keyLocations_[i];
+    // abandon() looks again at what end() has given up.
+    if (std::any_of(repeatedNames_.begin(), repeatedNames_.end(),
+                    [&](const ModelRemark& noted) { return isSame(noted.first, location); })) {
+      continue;
+    }
     const std::string name(utf8(keys_[i], "a name"));
     const std::string text = "the name \"" + name + "\" is given twice in one object";
-    if (repeatedNames_.size() == mostRepeated) throw ModelError(keyLocations_[i], text);
-    repeatedNames_.emplace_back(keyLocations_[i], text);
+    if (repeatedNames_.size() == mostRepeated) throw ModelError(location, text);
+    repeatedNames_.emplace_back(location, text);
   }
 }
 
