@@ -36,6 +36,15 @@ RESULTS: dict[str, tuple[str | dict[str, str], dict[str, str]]] = {
         },
         {"a.c": "iif\n".replace("f", "F")},
     ),
+    "macro of an included template, kept, that runs a block": (
+        {
+            "main.j2": '{% set n = namespace(m=none) %}{% include "i.j2" %}'
+            '{% file "a.c" %}{% section "Functions" %}{{ n.m() }}{% endsection %}{% endfile %}',
+            "i.j2": '{% set x = "x" %}{% macro m() %}{{ self.b() }}{% endmacro %}{% set n.m = m %}'
+            "{% if false %}{% block b %}{{ x }}{% endblock %}{% endif %}",
+        },
+        {"a.c": "x\n"},
+    ),
     "block inside a section, overridden, with super": (
         {
             "main.j2": '{% extends "b.j2" %}{% block b %}<{{ super() }}>{% endblock %}',

@@ -107,13 +107,6 @@ class PrintingTemplate(Template):
         return TemplateModule(self, context, ())
 
 
-def _run_once(template: PrintingTemplate, context: Context) -> None:
-    """Run the template in a context that nothing else uses."""
-    template.run(context)
-    # Its macros refer to the context: in a cycle, the model would outlive the run.
-    context.vars.clear()
-
-
 class Environment(SandboxedEnvironment):
     """The environment of one run: templates that it renders fill the run's repository."""
 
@@ -171,7 +164,10 @@ class Environment(SandboxedEnvironment):
         """Run the template with the variables of `model`."""
         main = self.get_template(template)
         assert isinstance(main, PrintingTemplate)
-        _run_once(main, main.new_context(dict(model)))
+        context = main.new_context(dict(model))
+        main.run(context)
+        # Its macros refer to the context: in a cycle, the model would outlive the run.
+        context.vars.clear()
 
     def include(
         self,
@@ -181,9 +177,14 @@ class Environment(SandboxedEnvironment):
     ) -> None:
         """Run an included template, which sees the variables of `context` if there is one."""
         if context is None:
-            _run_once(template, template.new_context())
+            own = template.new_context()
         else:
-            _run_once(template, template.new_context(context.get_all(), True, local))
+            own = template.new_context(context.get_all(), True, local)
+        template.run(own)
+        # As in render(). A macro that is kept in a namespace may still run blocks, which find their
+        # names in the context.
+        if not own.blocks:
+            own.vars.clear()
 
     def call_printed(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
         """Call what a template calls to print the result.
