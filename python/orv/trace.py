@@ -297,7 +297,7 @@ def parse(data: bytes, files: Mapping[str, bytes] | None = None) -> Trace:
 def _document(data: bytes) -> dict[str, Any]:
     try:
         document = json.loads(data)
-    except ValueError as error:
+    except (ValueError, RecursionError) as error:
         raise TraceError(f"expected a trace file, which is JSON: {error}") from error
     if not isinstance(document, dict) or document.get("format") != FORMAT:
         raise TraceError(f'expected a trace file, which has "format": "{FORMAT}"')

@@ -380,8 +380,10 @@ def test_user_regions(orv: Command, tmp_path: Path) -> None:
     ]
 
 
-# What a value of a trace file is replaced by, and what is said when the file is read.
+# What a value of a trace file, or all of it, is replaced by, and what is said when it is read.
 DAMAGES: list[tuple[str, Any, str]] = [
+    ("", "[" * 100_000, "expected a trace file, which is JSON: maximum recursion depth exceeded"
+     " while decoding a JSON array from a unicode string"),
     ("format", None, 'expected a trace file, which has "format": "orv-trace"'),
     ("version", 2, "the trace file has version 2; this program reads 1"),
     ("files", [{}], '"files" is missing or has another form'),
@@ -396,7 +398,7 @@ DAMAGES: list[tuple[str, Any, str]] = [
     ("links", "CcEA", "a chain does not end"),
     ("ranges", "CgBA", "a table has no entry 16"),
     ("lines", "", "a table has no entry 0"),
-]
+]  # fmt: skip
 
 
 @pytest.mark.parametrize(("key", "value", "said"), DAMAGES)
@@ -407,10 +409,10 @@ def test_damaged_files_are_refused(tmp_path: Path, key: str, value: Any, said: s
         if key in table:
             table[key] = value
     path = tmp_path / "trace.json"
-    path.write_text(json.dumps(document))
+    path.write_text(json.dumps(document) if key else value)
     with pytest.raises(tracing.TraceError) as caught:
         read = tracing.read(path)
         for piece in read.files["a.c"].pieces():
             read.chain(piece.link)
-    where = f"{path}: " if key in ("format", "version") else f"{path}: the trace file is damaged: "
-    assert str(caught.value) == where + said
+    damaged = "" if key in ("", "format", "version") else "the trace file is damaged: "
+    assert str(caught.value) == f"{path}: {damaged}{said}"
