@@ -33,8 +33,6 @@ void DistinctTexts::grow() {
 }
 
 void DistinctTexts::finish() {
-  bytes_.shrink_to_fit();
-  ends_.shrink_to_fit();
   slots_ = {};
 }
 

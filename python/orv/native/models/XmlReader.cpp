@@ -22,6 +22,12 @@ constexpr float mostAmplified = 20;
 constexpr std::size_t mostEntities = 1000;
 constexpr std::size_t mostDeclaredAttributes = 10000;
 
+// The parser copies what it is given, and goes again through a token that is not complete. In
+// blocks that grow with what was read, its copy is small and a document of one token takes linear
+// time.
+constexpr std::size_t smallestBlock = std::size_t{1} << 16;
+constexpr std::size_t blocksInText = 8;
+
 }  // namespace
 
 XmlReader::XmlReader(XmlDocument& document)
@@ -50,9 +56,19 @@ void XmlReader::read(std::string_view text) {
 }
 
 void XmlReader::parse(std::string_view part, bool isLast) {
-  if (part.empty() && !isLast) return;
+  std::size_t done = 0;
+  while (done < part.size()) {
+    const std::size_t size =
+        std::min(part.size() - done, std::max(smallestBlock, done / blocksInText));
+    parseBlock(part.substr(done, size), false);
+    done += size;
+  }
+  if (isLast) parseBlock({}, true);
+}
+
+void XmlReader::parseBlock(std::string_view block, bool isLast) {
   const XML_Status status =
-      XML_Parse(parser_.get(), part.data(), static_cast<int>(part.size()), isLast);
+      XML_Parse(parser_.get(), block.data(), static_cast<int>(block.size()), isLast);
   if (failure_ != nullptr) std::rethrow_exception(failure_);
   if (status != XML_STATUS_OK) failParsing();
 }

@@ -37,6 +37,7 @@ class XmlReader {
   static int notStandalone(void* reader);
 
   void parse(std::string_view part, bool isLast);
+  void parseBlock(std::string_view block, bool isLast);
   void open(const XML_Char* tag, const XML_Char** attributes);
   void close();
   void append(std::string_view text);
