@@ -127,6 +127,7 @@ class Rendering:
         """Free the model of a run that is not rendered again; the files take as much memory."""
         self._values = {}
         self._model = self._model._replace(values={}, written={}, places=_native.Places())
+        _native.return_freed_memory()
 
     def _render(self, messages: Messages, texts_of: TextsOf, dependencies: list[str]) -> Run:
         options = self._options

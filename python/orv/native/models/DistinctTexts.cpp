@@ -32,8 +32,6 @@ void DistinctTexts::grow() {
   }
 }
 
-void DistinctTexts::finish() {
-  slots_ = {};
-}
+void DistinctTexts::finish() { slots_ = {}; }
 
 }  // namespace orv

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <malloc.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -147,6 +148,9 @@ void note(Places& places, const py::dict& values, const py::str& label) {
   places.note(values, {places.addFile(bytesOf(label)), 0});
 }
 
+// A model is in small pieces. Where it was, composed files, each in one piece, find no place.
+void returnFreedMemory() { ::malloc_trim(0); }
+
 void bindElements(py::module_& module) {
   py::class_<Element>(module, "Element")
       .def_property_readonly("tag", &Element::tag)
@@ -180,6 +184,7 @@ void bindModels(py::module_& module) {
       .def("path_of", &pathOf, py::arg("container"), py::arg("key") = py::none());
   module.def("read_model", &readModel, py::arg("format"), py::arg("data"), py::arg("label"),
              py::arg("places").none(true));
+  module.def("return_freed_memory", &returnFreedMemory);
 }
 
 }  // namespace orv
