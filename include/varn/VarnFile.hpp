@@ -46,6 +46,7 @@ class VARN_EXPORT VarnFile : public orbel::HandleBase {
   const std::string& getBaseName() const;
   void setBaseName(const std::string& baseName);
 
+  // A reference to an attribute is valid until the attribute is set.
   const std::string& getType() const;
   void setType(const std::string& type);
   const std::string& getCreator() const;
@@ -60,7 +61,7 @@ class VARN_EXPORT VarnFile : public orbel::HandleBase {
   void setDefinedMacro(const std::string& macro);
 
   // The systems whose code the file holds. Adding a present one does nothing; an assigned list is
-  // kept as given.
+  // kept as given. A reference to the list is valid until the list is changed.
   const std::vector<std::string>& getSystemsInFile() const;
   void setSystemsInFile(const std::vector<std::string>& systems);
   void addSystemToFile(const std::string& system);
