@@ -164,10 +164,7 @@ class Environment(SandboxedEnvironment):
         """Run the template with the variables of `model`."""
         main = self.get_template(template)
         assert isinstance(main, PrintingTemplate)
-        context = main.new_context(dict(model))
-        main.run(context)
-        # Its macros refer to the context: in a cycle, the model would outlive the run.
-        context.vars.clear()
+        _run(main, main.new_context(dict(model)))
 
     def include(
         self,
@@ -180,11 +177,7 @@ class Environment(SandboxedEnvironment):
             own = template.new_context()
         else:
             own = template.new_context(context.get_all(), True, local)
-        template.run(own)
-        # As in render(). A macro that is kept in a namespace may still run blocks, which find their
-        # names in the context.
-        if not own.blocks:
-            own.vars.clear()
+        _run(template, own)
 
     def call_printed(__self, __context: Context, __obj: Any, *args: Any, **kwargs: Any) -> Any:
         """Call what a template calls to print the result.
@@ -316,6 +309,14 @@ def _drop_variables(named: dict[str, Any]) -> None:
     """Leave out what compiled code passes for those who want a context."""
     named.pop("_loop_vars", None)
     named.pop("_block_vars", None)
+
+
+def _run(template: PrintingTemplate, context: Context) -> None:
+    template.run(context)
+    # Its macros refer to the context: in a cycle, the model would outlive the run. One that is kept
+    # somewhere may still run blocks, which find their names in the context.
+    if not context.blocks:
+        context.vars.clear()
 
 
 def _run_block(block: BlockReference) -> None:
